@@ -16,6 +16,7 @@ namespace corvin::cli {
 /** Adds a command to `app`. When parsing meets it, it runs and leaves its ExitCode in `exit_code`;
  *  both arguments must outlive the parsing. */
 void add_info_command(CLI::App& app, int& exit_code);
+void add_convert_command(CLI::App& app, int& exit_code);
 
 }  // namespace corvin::cli
 
