@@ -37,9 +37,15 @@ done
 [ -c /dev/full ] || echo "a device was replaced"
 quietly corvin convert in.dsf -o $(printf 'x%.0s' {1..255}) && rm x*
 
-# The disk fills up in the middle, and after the last sample nobody takes the summary.
-(ulimit -f 20 && try corvin convert in.dsf -o out.wav -y)
+# The disk fills up early in hours of sound: the conversion ends at once and does not hang.
+make_dsd dsf hours.dsf 0.1
+patch hours.dsf 64 "0000000014000000"
+truncate -s 24G hours.dsf
+(ulimit -f 20 && try corvin convert hours.dsf -o out.wav -y)
+rm hours.dsf
 wav_facts out.wav | sed -n 1p
+
+# After the last sample nobody takes the summary.
 untold() { "$@" >/dev/full; }
 try untold corvin convert in.dsf -o told.wav
 list . shelf
