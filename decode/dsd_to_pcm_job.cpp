@@ -99,22 +99,8 @@ void CDSDtoPCM2::DesignFilter(int dsd_rate, int pcm_rate) {
                                  static_cast<std::size_t>(plan_.interpolation));
   design.CreateCoeffs(prototype_.get(), static_cast<float>(plan_.tap_scale));
   if (!plan_.polyphase) return;
-  MakeSets(taps);
-  schedule_ = MakeSchedule(plan_);
-}
-
-void CDSDtoPCM2::MakeSets(int taps) {
-  const int l = plan_.interpolation;
-  const int length = taps / l;
-  for (int k = 0; k < l; ++k) {
-    AlignedFloats set = MakeAlignedFloats(static_cast<std::size_t>(length) + 1);
-    for (int i = 0; i < length; ++i)
-      set[static_cast<std::size_t>(i)] = static_cast<float>(
-          static_cast<double>(prototype_[static_cast<std::size_t>(k == 0 ? i * l : (i + 1) * l - k)]) *
-          plan_.phase_gain);
-    set_pointers_.push_back(set.get());
-    sets_.push_back(std::move(set));
-  }
+  sets_.Make(prototype_.get(), taps, plan_.interpolation, plan_.phase_gain);
+  schedule_ = MakePhaseSchedule(plan_.interpolation, plan_.decimation, plan_.block_samples);
 }
 
 void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_rate,
@@ -153,7 +139,7 @@ void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_r
       polyphase_outputs_[at] = std::make_unique<CDecimationDen>(
           writer_.get(), c, ring_depth, channels_, sink.bits, batch_outputs, sink.big_endian);
       polyphase_stages_[at] = std::make_unique<CFormatChangeDen>(
-          reader_.get(), c, batch_samples, sink.bits, channels_, set_pointers_.data(),
+          reader_.get(), c, batch_samples, sink.bits, channels_, sets_.rows(),
           polyphase_outputs_[at].get(), source.interleaved, source.lsb_first, plan_.interpolation,
           plan_.decimation, plan_.block_samples, schedule_.data(),
           static_cast<int>(schedule_.size()));

@@ -19,6 +19,7 @@
 #include "decode/polyphase_stage.h"
 #include "decode/rate_plan.h"
 #include "foundation/aligned_storage.h"
+#include "foundation/polyphase.h"
 
 class CORVIN_API CDSDtoPCM2 {
  public:
@@ -77,7 +78,6 @@ class CORVIN_API CDSDtoPCM2 {
   };
 
   void DesignFilter(int dsd_rate, int pcm_rate);
-  void MakeSets(int taps);
   void BuildPipeline(const Source& source, const Sink& sink, int dsd_rate, int pcm_rate);
   void TearDown();
   void Abandon();
@@ -85,8 +85,7 @@ class CORVIN_API CDSDtoPCM2 {
   RatePlan plan_{};
   int channels_ = 0;
   AlignedFloats prototype_;
-  std::vector<AlignedFloats> sets_;
-  std::vector<float*> set_pointers_;
+  PolyphaseSets sets_;
   std::vector<DOT8Dec_DATA> schedule_;
   std::unique_ptr<CDiskReaderDec> reader_;
   std::unique_ptr<CDiskWriterDec> writer_;

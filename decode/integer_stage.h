@@ -7,9 +7,7 @@
 #ifndef CORVIN_DECODE_INTEGER_STAGE_H_
 #define CORVIN_DECODE_INTEGER_STAGE_H_
 
-#include <atomic>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -18,22 +16,17 @@
 #include "decode/integer_output.h"
 #include "foundation/aligned_storage.h"
 #include "foundation/block_ring.h"
-#include "foundation/dispatch_semaphore.h"
-#include "foundation/gate.h"
+#include "foundation/filter_worker.h"
 #include "foundation/kernels.h"
 
 class CFormatChangeDec;
 
-/// A worker with a mailbox for one job.
-class CORVIN_API CLpfDec {
+class CORVIN_API CLpfDec : public FilterWorker {
  public:
   /// @param filter      DEFTAPS taps on a 32-byte boundary
   /// @param blockBytes  B, bytes per channel in a block
   CLpfDec(int channel, float* filter, CFormatChangeDec* owner, int blockBytes, int pcmRate,
           int dsdRate);
-  CLpfDec(const CLpfDec&) = delete;
-  CLpfDec& operator=(const CLpfDec&) = delete;
-  virtual ~CLpfDec() = default;
 
   /// Hands over DEFTAPS floats of history and the new samples, to be filtered into `dest`.
   /// @param bytes   bytes at `samples`; 0 ends the stream
@@ -41,36 +34,31 @@ class CORVIN_API CLpfDec {
   /// @param inPos   number of the first new input sample
   void Post(int blockNumber, const float* samples, int bytes, long long outPos, long long inPos,
             CBufferDec* dest);
-  void WaitReady() { ready_.Close(); }
 
  protected:
-  CBufferDec mailbox_;
+  void BecomeIdle() override;
+
   const float* filter_;
   int taps_;
-  CFormatChangeDec* owner_;
   long long block_samples_;
   long long pcm_rate_;
   long long dsd_rate_;
-  Gate ready_;
-  std::mutex data_lock_;  ///< guards the mailbox's contents and the job below
-  std::atomic<bool> running_ = false;
   long long out_position_ = 0;
   long long in_position_ = 0;
-  CBufferDec* dest_ = nullptr;
-  std::thread thread_;
+
+ private:
+  CFormatChangeDec* owner_;
 };
 
 class CORVIN_API CLpfCPUDec : public CLpfDec {
  public:
   CLpfCPUDec(int channel, float* filter, CFormatChangeDec* owner, int blockBytes, int pcmRate,
              int dsdRate);
-  /// Wakes the worker if it waits for a job, and joins it.
-  ~CLpfCPUDec() override;
+  ~CLpfCPUDec() override { StopWorker(); }
 
  private:
-  static void LpfCPUDecThread(CLpfCPUDec* self) { self->Run(); }
-  void Run();
-  void Filter();
+  /// Fills the destination sparsely: element i - in_position_ for each kept input position i.
+  int Filter(const float* in, int floats, CBufferDec& out) override;
 
   Dot8Plain kernel_;
 };
@@ -111,11 +99,7 @@ class CORVIN_API CFormatChangeDec {
   CDecimationDec* next_;
   std::size_t taps_;
   AlignedFloats history_;  ///< filter memory, then the new samples of the block
-  std::mutex dispatch_lock_;
-  std::vector<CLpfDec*> idle_queue_;
-  std::size_t take_count_ = 0;
-  std::size_t put_count_ = 0;
-  std::unique_ptr<DispatchSemaphore> idle_workers_;
+  std::unique_ptr<IdleQueue<CLpfDec>> idle_;
   std::vector<std::unique_ptr<CLpfDec>> workers_;  ///< last, for they use all of the above
   std::thread thread_;
 };

@@ -6,18 +6,13 @@
 
 #include "decode/polyphase_stage.h"
 
-#include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include "decode/bit_expansion.h"
 #include "decode/design_state.h"
-#include "foundation/platform.h"
+#include "foundation/polyphase.h"
 
 namespace {
-
-/// The kernels read rows in whole vectors.
-constexpr int kVectorSlack = 8;
 
 int WorkFloats(int taps_total, int phases, int batch_samples) {
   return taps_total / phases + batch_samples + kVectorSlack;
@@ -29,25 +24,18 @@ int WorkFloats(int taps_total, int phases, int batch_samples) {
 
 CLpfDen::CLpfDen(int, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
                  int blockParam)
-    : sets_(sets),
+    : FilterWorker(WorkFloats(DEFTAPS, phases, batchSamples)),
+      sets_(sets),
       phases_(phases),
       taps_total_(DEFTAPS),
       block_samples_(blockParam),
-      owner_(owner) {
-  const int floats = WorkFloats(taps_total_, phases, batchSamples);
-  mailbox_.Init(floats * static_cast<int>(sizeof(float)), 1);
-  std::memset(mailbox_.data, 0, static_cast<std::size_t>(mailbox_.size));
-}
+      owner_(owner) {}
 
 void CLpfDen::Post(int tag, const float* data, int bytes, CBufferDec* out) {
-  mailbox_.Write1Lock(tag, 0);
-  {
-    const std::lock_guard lock(data_lock_);
-    if (bytes > 0) std::memcpy(mailbox_.data, data, static_cast<std::size_t>(bytes));
-    out_block_ = out;
-  }
-  mailbox_.Write1Unlock(0, bytes);
+  PostJob(tag, data, bytes, out, [] {});
 }
+
+void CLpfDen::BecomeIdle() { owner_->AddTail(this); }
 
 CLpfCPUDen::CLpfCPUDen(int channel, float** sets, int phases, int batchSamples,
                        CFormatChangeDen* owner, int blockParam, DOT8Dec_DATA* schedule,
@@ -56,47 +44,16 @@ CLpfCPUDen::CLpfCPUDen(int channel, float** sets, int phases, int batchSamples,
       schedule_(schedule),
       schedule_length_(scheduleLength),
       kernel_(dot8_3) {
-  running_ = true;
-  thread_ = std::thread(LpfCPUDenThread, this);
+  StartWorker();
 }
 
-CLpfCPUDen::~CLpfCPUDen() {
-  mailbox_.Write1Lock(0, 0);  // A job that was posted is finished first.
-  running_ = false;
-  mailbox_.Write1Unlock(0, 0);
-  thread_.join();
-}
-
-void CLpfCPUDen::Run() {
-  ready_.Open();
-  for (;;) {
-    mailbox_.Read1Lock(0);
-    if (!running_) return;
-    {
-      const std::lock_guard lock(data_lock_);
-      if (mailbox_.length < 1) {
-        out_block_->Write1Unlock(0, mailbox_.length);
-        mailbox_.Read1Unlock(0);
-        return;
-      }
-      out_block_->Write1Unlock(0, Filter() * static_cast<int>(sizeof(float)));
-    }
-    mailbox_.Read1Unlock(0);
-    owner_->AddTail(this);
-  }
-}
-
-/// Runs the schedule over each block of the job; returns the number of output samples.
-int CLpfCPUDen::Filter() {
-  auto* const out = reinterpret_cast<float*>(out_block_->data);
-  const auto* const in = reinterpret_cast<const float*>(mailbox_.data);
-  const int samples =
-      mailbox_.length / static_cast<int>(sizeof(float)) - taps_total_ / phases_;
+int CLpfCPUDen::Filter(const float* in, int floats, CBufferDec& out) {
+  auto* const samples = reinterpret_cast<float*>(out.data);
   int written = 0;
-  for (int at = 0; at < samples; at += block_samples_)
-    written += kernel_(out + written, in + at, sets_, phases_, taps_total_, schedule_,
+  for (int at = 0; at < floats - taps_total_ / phases_; at += block_samples_)
+    written += kernel_(samples + written, in + at, sets_, phases_, taps_total_, schedule_,
                        schedule_length_);
-  return written;
+  return written * static_cast<int>(sizeof(float));
 }
 
 // ---- Dispatcher -------------------------------------------------------------------------------
@@ -114,38 +71,23 @@ CFormatChangeDen::CFormatChangeDen(CDiskReaderDec* reader, int channel, int batc
       history_floats_(static_cast<std::size_t>(DEFTAPS / phases)),
       history_(MakeAlignedFloats(
           static_cast<std::size_t>(WorkFloats(DEFTAPS, phases, batchSamples)))) {
-  const auto worker_count = static_cast<std::size_t>(GetCPU_GPU_Cores(channels));
-  idle_queue_.resize(2 * worker_count);
-  idle_workers_ =
-      std::make_unique<DispatchSemaphore>(this, static_cast<unsigned>(worker_count));
-  for (std::size_t i = 0; i < worker_count; ++i) {
+  const unsigned worker_count = GetCPU_GPU_Cores(channels);
+  idle_ = std::make_unique<IdleQueue<CLpfDen>>(this, worker_count);
+  for (unsigned i = 0; i < worker_count; ++i) {
     workers_.push_back(std::make_unique<CLpfCPUDen>(channel, sets, phases, batchSamples, this,
                                                     blockParam, schedule, scheduleLength));
-    idle_queue_[i] = workers_.back().get();
+    idle_->Fill(workers_.back().get());
   }
-  put_count_ = worker_count;
   thread_ = std::thread(FormatChangeDenThread, this);
 }
 
 CFormatChangeDen::~CFormatChangeDen() { thread_.join(); }
 
 void CFormatChangeDen::DispatchFIR(int tag, const float* data, int bytes, CBufferDec* out) {
-  idle_workers_->Wait();
-  CLpfDen* worker;
-  {
-    const std::lock_guard lock(queue_lock_);
-    worker = std::exchange(idle_queue_[take_count_++ % idle_queue_.size()], nullptr);
-  }
-  worker->Post(tag, data, bytes, out);
+  idle_->Take()->Post(tag, data, bytes, out);
 }
 
-void CFormatChangeDen::AddTail(CLpfDen* worker) {
-  {
-    const std::lock_guard lock(queue_lock_);
-    idle_queue_[put_count_++ % idle_queue_.size()] = worker;
-  }
-  idle_workers_->Post();
-}
+void CFormatChangeDen::AddTail(CLpfDen* worker) { idle_->Put(worker); }
 
 void CFormatChangeDen::Run() {
   for (const auto& worker : workers_) worker->WaitReady();

@@ -8,9 +8,7 @@
 #ifndef CORVIN_DECODE_POLYPHASE_STAGE_H_
 #define CORVIN_DECODE_POLYPHASE_STAGE_H_
 
-#include <atomic>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -19,54 +17,44 @@
 #include "decode/polyphase_output.h"
 #include "foundation/aligned_storage.h"
 #include "foundation/block_ring.h"
-#include "foundation/dispatch_semaphore.h"
-#include "foundation/gate.h"
+#include "foundation/filter_worker.h"
 #include "foundation/kernels.h"
 
 class CFormatChangeDen;
 
-/// A worker with a mailbox for one job.
-class CORVIN_API CLpfDen {
+class CORVIN_API CLpfDen : public FilterWorker {
  public:
-  /// @param sets        coefficient sets, `phases` of them, on 32-byte boundaries
+  /// @param sets          coefficient sets, `phases` of them, on 32-byte boundaries
   /// @param batchSamples  input samples in a job, at most
+  /// @param blockParam    input samples that the schedule covers
   CLpfDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
           int blockParam);
-  CLpfDen(const CLpfDen&) = delete;
-  CLpfDen& operator=(const CLpfDen&) = delete;
-  virtual ~CLpfDen() = default;
 
   /// Hands over `bytes` bytes of history and new samples, to be filtered into `out`; 0 bytes ends the
   /// stream. Waits until the mailbox is free.
   void Post(int tag, const float* data, int bytes, CBufferDec* out);
-  /// Waits until the worker's thread runs.
-  void WaitReady() { ready_.Close(); }
 
  protected:
-  CBufferDec mailbox_;
+  void BecomeIdle() override;
+
   float** sets_;
   int phases_;
   int taps_total_;
   int block_samples_;
+
+ private:
   CFormatChangeDen* owner_;
-  Gate ready_;
-  std::mutex data_lock_;  ///< guards the mailbox's contents and `out_block_`
-  std::atomic<bool> running_ = false;
-  CBufferDec* out_block_ = nullptr;
-  std::thread thread_;
 };
 
 class CORVIN_API CLpfCPUDen : public CLpfDen {
  public:
   CLpfCPUDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
              int blockParam, DOT8Dec_DATA* schedule, int scheduleLength);
-  /// Wakes the worker if it waits for a job, and joins it.
-  ~CLpfCPUDen() override;
+  ~CLpfCPUDen() override { StopWorker(); }
 
  private:
-  static void LpfCPUDenThread(CLpfCPUDen* self) { self->Run(); }
-  void Run();
-  int Filter();
+  /// Runs the schedule over each of the job's blocks.
+  int Filter(const float* in, int floats, CBufferDec& out) override;
 
   DOT8Dec_DATA* schedule_;
   int schedule_length_;
@@ -110,11 +98,7 @@ class CORVIN_API CFormatChangeDen {
   bool lsb_first_;
   std::size_t history_floats_;
   AlignedFloats history_;  ///< filter memory, then the new samples of the block
-  std::mutex queue_lock_;
-  std::vector<CLpfDen*> idle_queue_;
-  std::size_t take_count_ = 0;
-  std::size_t put_count_ = 0;
-  std::unique_ptr<DispatchSemaphore> idle_workers_;
+  std::unique_ptr<IdleQueue<CLpfDen>> idle_;
   std::vector<std::unique_ptr<CLpfDen>> workers_;  ///< last, for they use all of the above
   std::thread thread_;
 };

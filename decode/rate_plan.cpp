@@ -99,19 +99,3 @@ RatePlan PlanRates(int dsd_rate, int pcm_rate) {
   SizeFallbackBlocks(plan, dsd_rate, pcm_rate);
   return plan;
 }
-
-std::vector<DOT8Dec_DATA> MakeSchedule(const RatePlan& plan) {
-  const long long l = plan.interpolation;
-  const long long m = plan.decimation;
-  std::vector<DOT8Dec_DATA> schedule;
-  schedule.reserve(static_cast<std::size_t>(plan.block_outputs));
-  for (int i = 0; i < plan.block_samples; ++i) {
-    const long long past = l * i % m;
-    if (past == 0) schedule.push_back({0, i});
-    // Phases between this input sample and the next are computed from the window that ends at the
-    // next one.
-    for (long long p = past == 0 ? m : m - past; p < l; p += m)
-      schedule.push_back({static_cast<int>(p), i + 1});
-  }
-  return schedule;
-}

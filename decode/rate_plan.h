@@ -7,10 +7,6 @@
 #ifndef CORVIN_DECODE_RATE_PLAN_H_
 #define CORVIN_DECODE_RATE_PLAN_H_
 
-#include <vector>
-
-#include "foundation/kernels.h"
-
 struct RatePlan {
   int interpolation;   ///< L
   int decimation;      ///< M: pcmRate = dsdRate * L / M where the pair is planned
@@ -25,9 +21,5 @@ struct RatePlan {
 
 /// The plan for a pair of rates in Hz, 1 <= pcm_rate <= dsd_rate.
 RatePlan PlanRates(int dsd_rate, int pcm_rate);
-
-/// The phase schedule of a polyphase plan: one entry per output sample of a block, the coefficient
-/// set and the input offset.
-std::vector<DOT8Dec_DATA> MakeSchedule(const RatePlan& plan);
 
 #endif  // CORVIN_DECODE_RATE_PLAN_H_

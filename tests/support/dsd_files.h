@@ -42,7 +42,7 @@ inline Bytes& AppendLittle(Bytes& to, std::uint64_t value, int width) {
 /// A DSDIFF chunk: id, size and body. The size may lie.
 inline Bytes DsdiffChunk(std::string_view id, const Bytes& body,
                          std::optional<std::uint64_t> size = {}) {
-  Bytes chunk;
+  Bytes chunk = {};
   Append(chunk, id);
   AppendBig(chunk, size.value_or(body.size()), 8);
   return Append(chunk, body);
@@ -51,7 +51,7 @@ inline Bytes DsdiffChunk(std::string_view id, const Bytes& body,
 /// A DSF chunk; its size counts the 12 bytes of the header.
 inline Bytes DsfChunk(std::string_view id, const Bytes& body,
                       std::optional<std::uint64_t> size = {}) {
-  Bytes chunk;
+  Bytes chunk = {};
   Append(chunk, id);
   AppendLittle(chunk, size.value_or(body.size() + 12), 8);
   return Append(chunk, body);
@@ -59,16 +59,16 @@ inline Bytes DsfChunk(std::string_view id, const Bytes& body,
 
 struct DsfOptions {
   std::uint32_t block_bytes = 4096;  ///< block size per channel
-  std::optional<std::uint32_t> stated_channels;
-  std::optional<std::uint32_t> stated_block_bytes;
-  std::optional<std::uint32_t> bits_per_sample;
-  std::optional<std::uint64_t> sample_count;  ///< per channel
-  std::optional<std::uint64_t> fmt_size;
-  std::optional<std::uint64_t> data_size;
-  std::optional<std::uint64_t> metadata_pointer;
-  Bytes before_fmt;   ///< whole chunks
-  Bytes before_data;  ///< whole chunks
-  Bytes tag;          ///< behind the sound, pointed to unless it is empty
+  std::optional<std::uint32_t> stated_channels = {};
+  std::optional<std::uint32_t> stated_block_bytes = {};
+  std::optional<std::uint32_t> bits_per_sample = {};
+  std::optional<std::uint64_t> sample_count = {};  ///< per channel
+  std::optional<std::uint64_t> fmt_size = {};
+  std::optional<std::uint64_t> data_size = {};
+  std::optional<std::uint64_t> metadata_pointer = {};
+  Bytes before_fmt = {};   ///< whole chunks
+  Bytes before_data = {};  ///< whole chunks
+  Bytes tag = {};          ///< behind the sound, pointed to unless it is empty
 };
 
 inline Bytes DsfFile(std::uint32_t channels, std::uint32_t rate, const Bytes& payload,
@@ -80,16 +80,15 @@ inline Bytes DsfFile(std::uint32_t channels, std::uint32_t rate, const Bytes& pa
     for (std::size_t channel = 0; channel < channels; ++channel) {
       std::uint8_t reversed = 0;
       for (int bit = 0; bit < 8; ++bit) {
-        if (payload[frame * channels + channel] >> bit & 1) {
-          reversed = static_cast<std::uint8_t>(reversed | 0x80 >> bit);
-        }
+        if (payload[frame * channels + channel] >> bit & 1)
+          reversed |= static_cast<std::uint8_t>(0x80 >> bit);
       }
       const std::size_t group = frame / options.block_bytes;
       sound[(group * channels + channel) * options.block_bytes + frame % options.block_bytes] =
           reversed;
     }
   }
-  Bytes fmt;
+  Bytes fmt = {};
   AppendLittle(fmt, 1, 4);
   AppendLittle(fmt, 0, 4);
   AppendLittle(fmt, channels, 4);
@@ -100,13 +99,13 @@ inline Bytes DsfFile(std::uint32_t channels, std::uint32_t rate, const Bytes& pa
   AppendLittle(fmt, options.stated_block_bytes.value_or(options.block_bytes), 4);
   AppendLittle(fmt, 0, 4);
 
-  Bytes rest;
+  Bytes rest = {};
   Append(rest, options.before_fmt);
   Append(rest, DsfChunk("fmt ", fmt, options.fmt_size));
   Append(rest, options.before_data);
   Append(rest, DsfChunk("data", sound, options.data_size));
   const std::uint64_t tag_at = 28 + rest.size();
-  Bytes head;
+  Bytes head = {};
   AppendLittle(head, tag_at + options.tag.size(), 8);
   AppendLittle(head, options.metadata_pointer.value_or(options.tag.empty() ? 0 : tag_at), 8);
   Bytes file = DsfChunk("DSD ", head);
@@ -118,25 +117,25 @@ struct DsdiffOptions {
   bool compression_chunk = true;
   std::string compression_type = "DSD ";  ///< also the id of the sound chunk
   std::string compression_name = "not compressed";
-  std::optional<std::uint16_t> stated_channels;
-  std::optional<std::uint8_t> name_length;
-  std::optional<std::uint64_t> compression_size;
-  std::optional<std::uint64_t> channels_size;
-  std::optional<std::uint64_t> properties_size;
-  std::optional<std::uint64_t> sound_size;
-  Bytes properties_first;   ///< whole sub-chunks, before the sample rate
-  Bytes properties_last;    ///< whole sub-chunks, behind the compression type
-  Bytes before_properties;  ///< whole chunks
-  Bytes before_sound;       ///< whole chunks
-  Bytes after_sound;        ///< whole chunks
+  std::optional<std::uint16_t> stated_channels = {};
+  std::optional<std::uint8_t> name_length = {};
+  std::optional<std::uint64_t> compression_size = {};
+  std::optional<std::uint64_t> channels_size = {};
+  std::optional<std::uint64_t> properties_size = {};
+  std::optional<std::uint64_t> sound_size = {};
+  Bytes properties_first = {};   ///< whole sub-chunks, before the sample rate
+  Bytes properties_last = {};    ///< whole sub-chunks, behind the compression type
+  Bytes before_properties = {};  ///< whole chunks
+  Bytes before_sound = {};       ///< whole chunks
+  Bytes after_sound = {};        ///< whole chunks
 };
 
 inline Bytes DsdiffFile(std::uint16_t channels, std::uint32_t rate, const Bytes& payload,
                         const DsdiffOptions& options = {}) {
-  Bytes properties;
+  Bytes properties = {};
   Append(properties, "SND ");
   Append(properties, options.properties_first);
-  Bytes body;
+  Bytes body = {};
   Append(properties, DsdiffChunk("FS  ", AppendBig(body, rate, 4)));
   body.clear();
   AppendBig(body, options.stated_channels.value_or(channels), 2);
@@ -155,7 +154,7 @@ inline Bytes DsdiffFile(std::uint16_t channels, std::uint32_t rate, const Bytes&
   }
   Append(properties, options.properties_last);
 
-  Bytes form;
+  Bytes form = {};
   Append(form, "DSD ");
   Append(form, DsdiffChunk("FVER", {1, 5, 0, 0}));
   Append(form, options.before_properties);
@@ -168,15 +167,15 @@ inline Bytes DsdiffFile(std::uint16_t channels, std::uint32_t rate, const Bytes&
 
 struct OneBitOptions {
   std::uint32_t data_offset = 2048;
-  std::optional<std::uint8_t> stated_channels;
-  std::optional<std::uint32_t> stated_data_offset;
-  std::optional<std::uint64_t> file_size;
+  std::optional<std::uint8_t> stated_channels = {};
+  std::optional<std::uint32_t> stated_data_offset = {};
+  std::optional<std::uint64_t> file_size = {};
 };
 
 inline Bytes OneBitFile(std::uint8_t channels, std::uint32_t rate, const Bytes& payload,
                         const OneBitOptions& options = {}) {
   const std::uint64_t size = options.file_size.value_or(options.data_offset + payload.size());
-  Bytes file;
+  Bytes file = {};
   Append(file, "1bit");
   AppendBig(file, 0, 4);
   AppendBig(file, 0x10000000, 4);
