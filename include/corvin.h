@@ -124,6 +124,16 @@ CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
 
 /* ---- Tags --------------------------------------------------------------------------------- */
 
+/** Reads the tags of a DSD file: of a DSF file its ID3v2.3 block, of a DSDIFF file the comments and
+ *  the edited master information.
+ *  @param path  the file
+ *  @param tag   emptied first, also when the file cannot be opened
+ *  @return      -1 when the file cannot be opened, when it is a "1bit" file or a DSF file without a
+ *               tag; 0 in every other case, including a file of no known kind (`format` is then 0)
+ *               and a tag that cannot be read
+ *  Threads: reentrant for different records. Since 0.1. */
+CORVIN_API int DSDTag(const char* path, DSD_TAG* tag);
+
 /** Empties a record: releases its pictures and zeroes every field. For pictures that the library
  *  allocated; a host that has put in memory of its own takes it out before. Since 0.1. */
 CORVIN_API void DSDTagClear(DSD_TAG* tag);
@@ -165,6 +175,22 @@ extern CORVIN_API bool bFindCommentTag;
 
 /** ISO 639-2 code of the comments that are read and written: "jpn". */
 extern CORVIN_API const char CommentLanguage[4];
+
+/** Number of ID3v1 genres known. */
+#define CORVIN_GENRE_COUNT 148
+
+/** The ID3v1 genre names by genre number. */
+extern CORVIN_API const char* const genre_names[CORVIN_GENRE_COUNT];
+
+/** The genre numbers in the order of the listing. */
+extern CORVIN_API const int genre_alpha_map[CORVIN_GENRE_COUNT];
+
+/** Is told one genre. */
+typedef void (*CorvinGenreCallback)(int genre, const char* name, void* user);
+
+/** Calls `callback` for every genre in alphabetical order, "Alt. Rock" right after "Alternative".
+ *  Does nothing when `callback` is null. Since 0.1. */
+CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
 
 /* ---- DSD to PCM --------------------------------------------------------------------------- */
 
