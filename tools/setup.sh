@@ -6,7 +6,7 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libcli11-dev"
-test_packages="libgtest-dev libbenchmark-dev python3 python3-mutagen flac mediainfo"
+test_packages="libgtest-dev libbenchmark-dev python3 python3-mutagen mediainfo wavpack flac"
 
 say() { printf '%s\n' "$*" >&2; }
 
