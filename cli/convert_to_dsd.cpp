@@ -22,6 +22,7 @@
 #include "cli/output_file.h"
 #include "cli/pcm_feed.h"
 #include "cli/pcm_source.h"
+#include "cli/pcm_tags.h"
 #include "cli/progress_line.h"
 #include "corvin.h"
 
@@ -115,6 +116,8 @@ ExitCode convert_to_dsd(const ConvertOptions& options) {
   LevelMeter level(source.bits(), true);
   const auto declared = source.declared_frames();
   uint64_t frames = declared ? *declared : source.count_frames();
+  Tags tags;
+  if (kind == 2) read_pcm_tags(options.input, source, tags);
   bool is_cut_short = false;
   int result = 0;
   for (;;) {
@@ -133,7 +136,7 @@ ExitCode convert_to_dsd(const ConvertOptions& options) {
           },
           [&](std::FILE* pcm) {
             result = PCMtoDSD(kind, static_cast<long long>(frames * source.bytes_per_frame()), pcm,
-                              output.path().c_str(), rate_hz, go_on, format, &progress, nullptr);
+                              output.path().c_str(), rate_hz, go_on, format, &progress, &tags);
           });
     }
     if (result != 0)
