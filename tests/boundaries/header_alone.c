@@ -25,6 +25,7 @@ int main(void) {
   if (to_pcm("/no/such/file", stdout, NULL, NULL, 0, 0, 88200, 24, false) != -1) return 2;
   if (CommentLanguage[0] != 'j' || genre_names[genre_alpha_map[0]][0] != 'A') return 4;
   DSDTagClear(&tag);
+  dsd2pcm_destroy(dsd2pcm_init());
   buffer_to_pcm(NULL, 0, 0, NULL, 0, 0); /* arguments out of range: nothing is touched */
   return GetCPU_GPU_Cores(1) == 0;
 }
