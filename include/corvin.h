@@ -21,6 +21,7 @@
 #define CORVIN_H_
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
@@ -61,23 +62,6 @@ typedef struct DSD_INFO {
   char compressionName[256];     /**< DSDIFF compression name, not terminated by the query */
   uint32_t blockSizePerChannel;  /**< DSF block size in bytes; 4096 for the other kinds */
 } DSD_INFO;
-
-#ifndef __APPLE__
-/** A PCM stream's format: the record of the platform that has one, here with the same field order and
- *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
- *  integers. */
-typedef struct AudioStreamBasicDescription {
-  double mSampleRate;          /**< Hz; the fraction is dropped */
-  uint32_t mFormatID;          /**< ignored */
-  uint32_t mFormatFlags;       /**< ignored */
-  uint32_t mBytesPerPacket;    /**< ignored */
-  uint32_t mFramesPerPacket;   /**< ignored */
-  uint32_t mBytesPerFrame;     /**< ignored */
-  uint32_t mChannelsPerFrame;  /**< 1..8 */
-  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
-  uint32_t mReserved;          /**< ignored */
-} AudioStreamBasicDescription;
-#endif
 
 /** Bytes of a text field; a text that fills its field has no terminator. */
 #define CORVIN_TAG_TEXT_BYTES 514
@@ -126,6 +110,23 @@ typedef struct DSD_TAG {
   CORVIN_API DSD_PICTURE* PictureAlloc(int count, int dataBytes, bool keep);
 #endif
 } DSD_TAG;
+
+#ifndef __APPLE__
+/** A PCM stream's format: the record of the platform that has one, here with the same field order and
+ *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
+ *  integers. */
+typedef struct AudioStreamBasicDescription {
+  double mSampleRate;          /**< Hz; the fraction is dropped */
+  uint32_t mFormatID;          /**< ignored */
+  uint32_t mFormatFlags;       /**< ignored */
+  uint32_t mBytesPerPacket;    /**< ignored */
+  uint32_t mFramesPerPacket;   /**< ignored */
+  uint32_t mBytesPerFrame;     /**< ignored */
+  uint32_t mChannelsPerFrame;  /**< 1..8 */
+  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
+  uint32_t mReserved;          /**< ignored */
+} AudioStreamBasicDescription;
+#endif
 
 /* ---- DSD files ---------------------------------------------------------------------------- */
 
@@ -289,6 +290,42 @@ CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const cha
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
                               unsigned int dsdRate, int frames);
+
+/* ---- Compact DSD to PCM ------------------------------------------------------------------- */
+
+/** One channel of the compact converter: a filter of 96 taps that makes one float of eight samples,
+ *  DSD64 to 352.8 kHz. Full modulation is +-1.0; the delay is 48 samples, six floats. */
+typedef struct dsd2pcm_state dsd2pcm_state;
+
+/** Creates a converter whose past is idle, the byte 0x69 over and over. The first eleven floats still
+ *  show that beginning.
+ *  @return  to be released by dsd2pcm_destroy(); null when memory runs out
+ *  Threads: any number at once, the first call too. Since 0.1. */
+CORVIN_API dsd2pcm_state* dsd2pcm_init(void);
+
+/** Brings a converter back to how dsd2pcm_init() made it. Since 0.1. */
+CORVIN_API void dsd2pcm_reset(dsd2pcm_state* state);
+
+/** Creates a converter that goes on exactly as `state` would.
+ *  @return  to be released by dsd2pcm_destroy(); null when memory runs out. Since 0.1. */
+CORVIN_API dsd2pcm_state* dsd2pcm_clone(const dsd2pcm_state* state);
+
+/** Converts bytes of one channel. Any division of a stream into calls gives the same floats.
+ *  @param state       the channel's converter
+ *  @param samples     bytes to read and floats to write, 0 or more
+ *  @param src         src[0], src[src_stride]...: eight samples each; may be null for 0 samples
+ *  @param src_stride  bytes from one to the next, the channel count for interleaved data
+ *  @param lsbfirst    not 0 when the earliest sample is in the least significant bit, as in DSF
+ *  @param dst         dst[0], dst[dst_stride]... are written, others left; may be null for 0 samples
+ *  @param dst_stride  floats from one to the next
+ *  Threads: converters are independent, each takes one call at a time. Real time: never allocates,
+ *  locks or blocks. Since 0.1. */
+CORVIN_API void dsd2pcm_translate(dsd2pcm_state* state, size_t samples, const unsigned char* src,
+                                  ptrdiff_t src_stride, int lsbfirst, float* dst,
+                                  ptrdiff_t dst_stride);
+
+/** Releases a converter; null is allowed. Since 0.1. */
+CORVIN_API void dsd2pcm_destroy(dsd2pcm_state* state);
 
 /* ---- Platform services -------------------------------------------------------------------- */
 
