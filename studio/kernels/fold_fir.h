@@ -19,7 +19,7 @@
 namespace corvin::studio {
 
 /// @param rows     rows[(count - 1) x decimation + taps][columns], 64-byte aligned
-/// @param columns  an even count; what exceeds a multiple of the build's vector takes a slower way
+/// @param columns  any count; the fast way takes multiples of the build's vector
 /// @param half     the first (taps + 1) / 2 taps
 /// @param out      out[count][columns], 64-byte aligned
 using FoldFir = void (*)(const std::int32_t* rows, std::size_t columns, const double* half,

@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <limits>
-#include <tuple>
 
 #include "tests/studio/streams.h"
 
@@ -26,13 +25,18 @@ DecoderSettings mono(std::uint32_t dsd_rate, std::uint32_t pcm_rate) {
   return settings;
 }
 
+struct RatePair {
+  std::uint32_t dsd, pcm;
+};
 // One pair for each shape of plan: every first stage, with and without the second, every transform.
-constexpr std::tuple<std::uint32_t, std::uint32_t> kPairs[] = {
-    {2822400, 44100}, {2822400, 192000},  {2822400, 352800}, {2822400, 768000}, {3072000, 44100},
-    {3072000, 88200}, {22579200, 176400}, {11289600, 48000}, {24576000, 44100}};
+constexpr RatePair kPairs[] = {{2822400, 44100},   {2822400, 192000}, {2822400, 352800},
+                               {2822400, 768000},  {3072000, 44100},  {3072000, 88200},
+                               {22579200, 176400}, {11289600, 48000}, {24576000, 44100}};
 
 TEST(Decoder, LengthIsExactForAnyCount) {
-  for (auto [dsd, pcm] : kPairs) {
+  for (const RatePair& pair : kPairs) {
+    const std::uint32_t dsd = pair.dsd;
+    const std::uint32_t pcm = pair.pcm;
     DecoderSettings settings = mono(dsd, pcm);
     for (std::size_t bytes : {0u, 1u, 7u, 8u, 100u, 5003u, 70001u}) {
       const Bytes data(bytes, kIdle);
@@ -45,7 +49,9 @@ TEST(Decoder, LengthIsExactForAnyCount) {
 }
 
 TEST(Decoder, HalfModulationIsFullScaleAndSilenceIsSilent) {
-  for (auto [dsd, pcm] : kPairs) {
+  for (const RatePair& pair : kPairs) {
+    const std::uint32_t dsd = pair.dsd;
+    const std::uint32_t pcm = pair.pcm;
     const auto level = [&](std::uint8_t pattern) {
       const auto out = channel_of(decode(mono(dsd, pcm), Bytes(dsd / 100, pattern)), 1, 0);
       return out[out.size() / 2];
@@ -61,7 +67,9 @@ TEST(Decoder, HalfModulationIsFullScaleAndSilenceIsSilent) {
 
 // Flips one bit of silence: the difference must be symmetric about that bit's time.
 TEST(Decoder, ImpulseLandsAtItsTime) {
-  for (auto [dsd, pcm] : kPairs) {
+  for (const RatePair& pair : kPairs) {
+    const std::uint32_t dsd = pair.dsd;
+    const std::uint32_t pcm = pair.pcm;
     const DecoderSettings settings = mono(dsd, pcm);
     const double ratio = static_cast<double>(dsd) / pcm;
     // Output 147 x 40 lies on a whole bit for every ratio.
