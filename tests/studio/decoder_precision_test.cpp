@@ -1,41 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The whole chain against direct convolution, its bytes against a committed checksum, and its
-// promise not to allocate.
+// The whole chain against direct convolution, its bytes against a committed checksum, and the
+// dither's statistics.
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <new>
 
 #include "studio/dither/noise_shaper.h"
 #include "studio/kernels/quantise.h"
 #include "studio/plan/decode_plan.h"
 #include "tests/studio/streams.h"
-
-// Counts this program's allocations.
-namespace {
-std::atomic<std::size_t> allocations = 0;
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* place = std::malloc(size)) return place;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
-  const auto grain = static_cast<std::size_t>(alignment);
-  if (void* place = std::aligned_alloc(grain, (size + grain - 1) / grain * grain)) return place;
-  throw std::bad_alloc();
-}
-void operator delete(void* place) noexcept { std::free(place); }
-void operator delete(void* place, std::align_val_t) noexcept { std::free(place); }
-void operator delete(void* place, std::size_t, std::align_val_t) noexcept { std::free(place); }
-void operator delete(void* place, std::size_t) noexcept { std::free(place); }
 
 namespace corvin::studio {
 namespace {
@@ -182,26 +158,6 @@ TEST(DecoderPrecision, BytesAreTheCommittedOnes) {
     }
     EXPECT_EQ(checksum, test.checksum) << test.dsd << " to " << test.pcm << std::hex << checksum;
   }
-}
-
-TEST(DecoderPrecision, NothingIsAllocatedAfterCreation) {
-  DecoderSettings settings;
-  settings.channels = 3;
-  settings.block_bytes = 64;
-  Decoder decoder(settings);
-  const Bytes data(40000, 0x69);
-  Bytes out(3 * 3 * 5000);
-  const std::size_t before = allocations;
-  for (int round = 0; round < 2; ++round) {
-    for (int i = 0; i < 20; ++i) {
-      decoder.push(data);
-      decoder.pull(out.data(), 5000);
-    }
-    decoder.finish();
-    while (decoder.pull(out.data(), 5000) > 0) continue;
-    decoder.reset();
-  }
-  EXPECT_EQ(allocations, before);
 }
 
 TEST(Dither, IsTriangularAndUncorrelated) {
