@@ -10,6 +10,8 @@ target_compile_features(corvin_flags INTERFACE cxx_std_20)
 target_compile_options(corvin_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -ffp-contract=off
   $<$<BOOL:${CORVIN_WARNINGS_AS_ERRORS}>:-Werror>)
+# DSD files outgrow a 32-bit file offset.
+target_compile_definitions(corvin_flags INTERFACE _FILE_OFFSET_BITS=64)
 # 32-bit x86 would otherwise compute in the x87's extended precision and change the bytes.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86)$" OR
     (CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|amd64|AMD64" AND CMAKE_SIZEOF_VOID_P EQUAL 4))

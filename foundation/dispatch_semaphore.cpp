@@ -20,16 +20,24 @@ std::string NameFor(const void* stage) {
   return name;
 }
 
+/// The system's list of open semaphores is shared by the process; opening and closing take turns.
+std::mutex& NamesLock() {
+  static std::mutex mutex;
+  return mutex;
+}
+
 }  // namespace
 
 DispatchSemaphore::DispatchSemaphore(const void* stage, unsigned initial)
     : name_(NameFor(stage)), count_(initial) {
+  const std::lock_guard lock(NamesLock());
   sem_unlink(name_.c_str());
   named_ = sem_open(name_.c_str(), O_CREAT | O_EXCL, 0777, initial);
 }
 
 DispatchSemaphore::~DispatchSemaphore() {
   if (!Named()) return;
+  const std::lock_guard lock(NamesLock());
   sem_close(named_);
   sem_unlink(name_.c_str());
 }

@@ -50,6 +50,8 @@ typedef int (*CorvinReadCallback)(void* buffer, int size, void* data);
  *  false cancels it. */
 typedef bool (*CorvinProgressCallback)(int percent, void* data);
 
+struct DSD_TAG;
+
 /* ---- Records ------------------------------------------------------------------------------ */
 
 /** What a DSD file holds, as DSDInfo() finds it. */
@@ -62,6 +64,23 @@ typedef struct DSD_INFO {
   char compressionName[256];     /**< DSDIFF compression name, not terminated by the query */
   uint32_t blockSizePerChannel;  /**< DSF block size in bytes; 4096 for the other kinds */
 } DSD_INFO;
+
+#ifndef __APPLE__
+/** A PCM stream's format: the record of the platform that has one, here with the same field order and
+ *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
+ *  integers. */
+typedef struct AudioStreamBasicDescription {
+  double mSampleRate;          /**< Hz; the fraction is dropped */
+  uint32_t mFormatID;          /**< ignored */
+  uint32_t mFormatFlags;       /**< ignored */
+  uint32_t mBytesPerPacket;    /**< ignored */
+  uint32_t mFramesPerPacket;   /**< ignored */
+  uint32_t mBytesPerFrame;     /**< ignored */
+  uint32_t mChannelsPerFrame;  /**< 1..8 */
+  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
+  uint32_t mReserved;          /**< ignored */
+} AudioStreamBasicDescription;
+#endif
 
 /* ---- DSD files ---------------------------------------------------------------------------- */
 
@@ -114,6 +133,47 @@ CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback p
  *  On an argument out of range `pcm` is left untouched.
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int pcmRate, int bits);
+
+/* ---- PCM to DSD --------------------------------------------------------------------------- */
+
+/** Converts a PCM stream to a DSD file. Blocks until the end.
+ *  @param mode          1 writes DSDIFF, 2 DSF, 3 "1bit"; any other value returns 0 and does nothing
+ *  @param pcmBytes      bytes of PCM in `pcmSource`, at least 0; a last partial frame is dropped
+ *  @param pcmSource     stream at the first PCM byte: signed big-endian integers, interleaved
+ *  @param dsdPath       file to create; an existing one is replaced
+ *  @param dsdRate       DSD rate in Hz, pcmRate..98304000 and at most 4096 x the PCM rate. DSD64 to
+ *                       DSD256 from 44100 to 768000 Hz of both families have plans of their own
+ *  @param progress      told each new whole percentage from this thread, about every half second;
+ *                       may be NULL
+ *  @param pcmFormat     rate, channels and bits of the PCM
+ *  @param progressData  passed to `progress`
+ *  @param tag           for DSF, written behind the sound; else ignored; may be NULL
+ *  @return              0 after a conversion; -1 when an argument is out of range (nothing is
+ *                       touched), the file cannot be created, resources run out or writing fails
+ *                       (no file is left), or `progress` cancelled (the file is complete but for the
+ *                       sound that is missing)
+ *  The file holds (frames x dsdRate / PCM rate + 7) / 8 bytes of sound per channel. Headers of other
+ *  than two channels carry stereo sizes, as docs/formats.md tells. 0 dBFS is 50 % modulation times
+ *  the plan's level; louder sound clips. When a header field cannot be written, "Write error" and a
+ *  yen sign with an n go to the standard error stream.
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
+CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const char* dsdPath,
+                        int dsdRate, CorvinProgressCallback progress,
+                        AudioStreamBasicDescription pcmFormat, void* progressData,
+                        struct DSD_TAG* tag);
+
+/** Converts stereo PCM in memory to DSD in memory. Blocks until the end.
+ *  @param pcm       `pcmBytes` bytes of signed big-endian interleaved stereo
+ *  @param pcmRate   Hz
+ *  @param bits      8, 16, 24 or 32
+ *  @param dsdOut    receives 2 x (frames x dsdRate / pcmRate + 7) / 8 bytes: the left channel, then
+ *                   the right, earliest sample in the most significant bit
+ *  @param dsdRate   as for PCMtoDSD()
+ *  @param frames    PCM frames in `pcm`
+ *  On an argument out of range `dsdOut` is left untouched.
+ *  Threads: reentrant. Since 0.1. */
+CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
+                              unsigned int dsdRate, int frames);
 
 /* ---- Platform services -------------------------------------------------------------------- */
 

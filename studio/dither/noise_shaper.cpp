@@ -53,22 +53,30 @@ void NoiseShaper::run(const double* in, std::size_t count, const QuantiseScale& 
                       std::uint32_t key, std::uint32_t index, std::int32_t* out,
                       QuantiseTally& tally, State& state) const {
   constexpr double kRounder = 0x1.8p52;
-  std::array<double, kTaps> errors = state.errors;
-  for (std::size_t i = 0; i < count; ++i) {
-    double wanted = in[i] * scale.factor;
-    // Oldest first: the newest error, on which everything waits, comes last.
-    for (unsigned tap = kTaps; tap-- > 0;) wanted -= taps_[tap] * errors[tap];
-    const double dithered = wanted + triangular_dither(key, index + static_cast<std::uint32_t>(i));
-    tally.peak = std::max(tally.peak, std::fabs(in[i]));
-    if (dithered < scale.low || dithered > scale.high) ++tally.clips;
-    const double steps =
-        (std::min(std::max(dithered, scale.low), scale.high) + kRounder) - kRounder;
-    out[i] = static_cast<std::int32_t>(steps);
-    std::copy_backward(errors.begin(), errors.end() - 1, errors.end());
-    // A limited sample's error would run away through the feedback.
-    errors[0] = std::clamp(steps - wanted, -2.0, 2.0);
+  constexpr std::size_t kBlock = 64;
+  // Errors in order of time, so that none has to move for the next sample.
+  double errors[kTaps + kBlock];
+  std::reverse_copy(state.errors.begin(), state.errors.end(), errors);
+  for (std::size_t first = 0; first < count; first += kBlock) {
+    const std::size_t end = std::min(count - first, kBlock);
+    for (std::size_t k = 0; k < end; ++k) {
+      const std::size_t i = first + k;
+      double wanted = in[i] * scale.factor;
+      // Oldest first: the newest error, on which everything waits, comes last.
+      for (unsigned tap = kTaps; tap-- > 0;) wanted -= taps_[tap] * errors[k + kTaps - 1 - tap];
+      const double dithered =
+          wanted + triangular_dither(key, index + static_cast<std::uint32_t>(i));
+      tally.peak = std::max(tally.peak, std::fabs(in[i]));
+      if (dithered < scale.low || dithered > scale.high) ++tally.clips;
+      const double steps =
+          (std::min(std::max(dithered, scale.low), scale.high) + kRounder) - kRounder;
+      out[i] = static_cast<std::int32_t>(steps);
+      // A limited sample's error would run away through the feedback.
+      errors[k + kTaps] = std::clamp(steps - wanted, -2.0, 2.0);
+    }
+    std::copy(errors + end, errors + end + kTaps, errors);
   }
-  state.errors = errors;
+  std::reverse_copy(errors, errors + kTaps, state.errors.begin());
 }
 
 }  // namespace corvin::studio

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Walks the chunks of a DSF or DSDIFF file: an identifier of four characters, a size of 64 bits, a
+// body. The cursor checks every read and every move against the bytes that are really there, so a
+// walk over a lying file ends. How a walk interprets the sizes (whether they count the header, what
+// an odd one means) is its own matter.
+
+#ifndef CORVIN_FORMATS_CHUNK_CURSOR_H_
+#define CORVIN_FORMATS_CHUNK_CURSOR_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "formats/byte_order.h"
+#include "formats/container.h"
+
+namespace corvin::formats {
+
+inline constexpr std::uint64_t kChunkHeaderBytes = 12;
+
+struct ChunkHeader {
+  ChunkId id{};
+  std::uint64_t size = 0;  ///< as the file states it, at most INT64_MAX
+};
+
+/// A position in a seekable stream that it does not own. Between two calls the stream stands at
+/// position(); whoever moves the stream itself makes a new cursor.
+class ChunkCursor {
+ public:
+  /// Starts where the stream stands. In a stream that cannot seek, every read fails.
+  ChunkCursor(std::FILE* file, ByteOrder order);
+
+  /// Reads exactly `bytes` bytes, or returns false; nothing is to be read after that.
+  bool Read(void* to, std::size_t bytes);
+
+  /// Reads an unsigned integer in the container's byte order.
+  template <class UInt>
+  bool Read(UInt& value) {
+    std::array<std::uint8_t, sizeof(UInt)> bytes;
+    if (!Read(bytes.data(), bytes.size())) return false;
+    value = Load<UInt>(order_, bytes.data());
+    return true;
+  }
+
+  /// Reads the next header. False when fewer than 12 bytes are left and for a size that is negative
+  /// as a signed number: a walk would go backwards by it.
+  bool ReadHeader(ChunkHeader& header);
+
+  /// Moves forward; false, and nothing moves, when the limit is nearer than that.
+  bool Skip(std::uint64_t bytes);
+
+  /// Moves back over bytes just read; false, and nothing moves, before the start of the file.
+  bool StepBack(std::uint64_t bytes);
+
+  std::uint64_t position() const { return position_; }
+  std::uint64_t file_size() const { return file_size_; }
+
+  /// The offset at which the cursor's world ends: the end of the file, or of an enclosing chunk.
+  std::uint64_t limit() const { return limit_; }
+  /// Sets the limit, at most to the end of the file.
+  void set_limit(std::uint64_t offset) { limit_ = offset < file_size_ ? offset : file_size_; }
+  std::uint64_t left() const { return position_ < limit_ ? limit_ - position_ : 0; }
+
+ private:
+  bool MoveTo(std::uint64_t offset);
+
+  std::FILE* file_;
+  ByteOrder order_;
+  std::uint64_t position_ = 0;
+  std::uint64_t file_size_ = 0;
+  std::uint64_t limit_ = 0;
+};
+
+}  // namespace corvin::formats
+
+#endif  // CORVIN_FORMATS_CHUNK_CURSOR_H_

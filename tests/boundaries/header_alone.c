@@ -1,0 +1,25 @@
+/* SPDX-License-Identifier: MIT
+ * Copyright (c) 2026 The Corvin developers
+ *
+ * corvin.h before anything else and twice, through a plain C99 and a plain C++11 compiler with
+ * every warning an error; linked, so that the library exports what the header declares. */
+
+#include "corvin.h"
+#include "corvin.h"
+
+/* Comes up when a declaration changes: callers in C are not told by their linkers. */
+static int (*const info)(const char*, DSD_INFO*) = DSDInfo;
+static int (*const to_pcm)(const char*, void*, CorvinProgressCallback, void*, int, int, int, int,
+                           bool) = DSDtoPCM;
+static void (*const buffer_to_pcm)(char*, int, int, char*, int, int) = RTBufDSDtoPCM;
+
+int main(void) {
+  DSD_INFO record;
+  record.format = 7;
+  WriteLog("nothing comes of it");
+  ProgressWaitNS(0);
+  if (info("/no/such/file", &record) != -1) return 1;
+  if (to_pcm("/no/such/file", stdout, NULL, NULL, 0, 0, 88200, 24, false) != -1) return 2;
+  buffer_to_pcm(NULL, 0, 0, NULL, 0, 0); /* arguments out of range: nothing is touched */
+  return GetCPU_GPU_Cores(1) == 0;
+}

@@ -1,0 +1,41 @@
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 The Corvin developers
+
+# refused FILE: the conversion fails without a trace, and an older output stays.
+refused() {
+  mkdir out
+  echo old >out/out.wav
+  try corvin convert "$1" -o out/out.wav -y
+  list out
+  cat out/out.wav
+  rm -r out
+}
+
+make_dsd dsf a.dsf 0.1
+make_dsd dsdiff b.dff 0.1
+make_dsd 1bit c.bin 0.1
+echo "no sound here" >text
+mkdir directory
+refused missing
+refused text
+refused directory
+
+head -c 60 a.dsf >stub.dsf
+head -c 80 a.dsf >soundless.dsf
+cp a.dsf crowd.dsf && patch crowd.dsf 52 09000000  # nine channels
+cp a.dsf blockless.dsf && patch blockless.dsf 72 00000000
+for name in stub soundless crowd blockless; do refused $name.dsf; done
+
+cp b.dff packed.dff && patch packed.dff 98 "44535420" && patch packed.dff 118 "44535420"
+head -c 60 b.dff >stub.dff
+for name in packed stub; do refused $name.dff; done
+head -c 2048 c.bin >soundless.bin
+refused soundless.bin
+
+# Without its compression type the sound is not found, which looks like a file without sound.
+cp b.dff untyped.dff && patch untyped.dff 86 "43434343"
+try corvin convert untyped.dff -o untyped.wav
+
+# What is left of a file that was cut short is worth having.
+head -c 40000 a.dsf >half.dsf
+try corvin convert half.dsf -o half.wav | cut -d, -f1-3

@@ -1,0 +1,57 @@
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 The Corvin developers
+
+make_dsd dsf in.dsf 0.1
+quietly() { "$@" >/dev/null; }
+
+# A file that is there is kept unless -y says otherwise.
+echo old >out.wav
+try corvin convert in.dsf -o out.wav
+cat out.wav
+try quietly corvin convert in.dsf -o out.wav -y
+wav_facts out.wav | sed -n 1p
+(umask 027 && quietly corvin convert in.dsf -o private.wav && stat -c %a private.wav out.wav)
+
+# The input is kept whatever it is called.
+ln -s in.dsf link
+ln in.dsf hard
+before=$(cksum <in.dsf)
+for name in in.dsf ./in.dsf link hard; do try corvin convert in.dsf -o $name -y; done
+[ "$(cksum <in.dsf)" = "$before" ] || echo "the input has changed"
+
+# A link stays a link.
+mkdir shelf
+echo old >shelf/out.wav
+ln -s shelf/out.wav there
+ln -s shelf/missing.wav nowhere
+try quietly corvin convert in.dsf -o there -y
+[ -L there ] && wav_facts shelf/out.wav | sed -n 1p
+try corvin convert in.dsf -o nowhere
+
+# Places where nothing can be written.
+mkfifo fifo
+for name in shelf missing/out.wav in.dsf/out.wav shelf/new/ fifo /proc/out.wav /dev/full \
+  $(printf 'x%.0s' {1..256}); do
+  try corvin convert in.dsf -o $name -y 2>&1 | sed -E 's/x{256}/x.../'
+done
+[ -c /dev/full ] || echo "a device was replaced"
+quietly corvin convert in.dsf -o $(printf 'x%.0s' {1..255}) && rm x*
+
+# The disk fills up early in hours of sound: the conversion ends at once and does not hang.
+make_dsd dsf hours.dsf 0.1
+patch hours.dsf 64 "0000000014000000"
+truncate -s 24G hours.dsf
+(ulimit -f 20 && try corvin convert hours.dsf -o out.wav -y)
+rm hours.dsf
+wav_facts out.wav | sed -n 1p
+
+# After the last sample nobody takes the summary.
+untold() { "$@" >/dev/full; }
+try untold corvin convert in.dsf -o told.wav
+list . shelf
+
+# The percentage is for terminals.
+make_dsd dsf long.dsf 10
+quietly corvin convert long.dsf -o long.wav
+python3 -c 'import pty, sys; pty.spawn(sys.argv[1:])' corvin convert long.dsf -o long.wav -y |
+  grep -qa '[0-9] %' || echo "no progress on a terminal"

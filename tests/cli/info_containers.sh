@@ -1,0 +1,14 @@
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 The Corvin developers
+
+# Each container, both families of rates, and a rate of neither.
+make_dsd dsf a.dsf 0.25
+make_dsd dsdiff b.dff 0.1 6144000 1
+make_dsd 1bit c.bin 0.01 12288000 4
+make_dsd dsf odd.dsf 0.01 3000000 6
+make_dsd dsdiff quad.dff 0.01 11289600
+try corvin info a.dsf b.dff c.bin odd.dsf quad.dff
+
+# Over an hour: only the header has to be there for the numbers.
+patch a.dsf 64 "00c8af5c02000000"
+try corvin info a.dsf

@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: MIT
+# Copyright (c) 2026 The Corvin developers
+
+make_dsd dsf in.dsf 0.01
+try corvin --version
+corvin --help | grep -o "^ *info\|^ *convert\|130 interrupted"
+corvin convert --help | grep -o "by default 96000\|by default 24"
+
+try corvin
+try corvin info
+try corvin convert in.dsf
+try corvin convert -o out.wav
+try corvin convert in.dsf -o ""
+for rate in 0 -1 768001 44.1k 99999999999999999999; do
+  try corvin convert in.dsf -o out.wav -r $rate
+done
+for bits in 8 20 0 x; do try corvin convert in.dsf -o out.wav -b $bits; done
+make_dsd dsf slow.dsf 0.1 64000
+try corvin convert slow.dsf -o out.wav
+try corvin convert slow.dsf -o out.wav -r 64001
+list

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "foundation/block_ring.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <numeric>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// A writer of `kBlocks` numbered blocks of varying length against eight readers of varying speed:
+/// each sees every block once, in order, whole.
+template <class List>
+void RunContended() {
+  constexpr int kReaders = 8, kBlocks = 3000, kDepth = 4, kSize = 256;
+  List ring;
+  ring.Init(kDepth, kSize, kReaders);
+  std::vector<std::thread> readers;
+  std::atomic<int> faults = 0;
+  for (int r = 0; r < kReaders; ++r) {
+    readers.emplace_back([&ring, &faults, r] {
+      for (int seq = 0;; ++seq) {
+        auto* const block = ring.Read1Lock(seq, r);
+        if (block->tag != seq) ++faults;
+        if (block->length == 0) {
+          if (seq != kBlocks) ++faults;
+          block->Read1Unlock(r);
+          return;
+        }
+        for (int i = 0; i < block->length; ++i)
+          if (block->data[i] != static_cast<char>(seq)) ++faults;
+        if (seq % 64 == r) std::this_thread::yield();
+        block->Read1Unlock(r);
+      }
+    });
+  }
+  for (int seq = 0; seq <= kBlocks; ++seq) {
+    auto* const block = ring.WriteLock(seq);
+    if (block->length != 0) ++faults;
+    const int length = seq == kBlocks ? 0 : 1 + seq % kSize;
+    std::memset(block->data, seq, static_cast<std::size_t>(length));
+    block->WriteUnlock(length);
+  }
+  for (auto& reader : readers) reader.join();
+  ring.Exit();
+  EXPECT_EQ(faults, 0);
+}
+
+TEST(BlockRing, EightReadersSeeEveryBlockInOrder) {
+  RunContended<CBufferListDec>();
+  RunContended<CBufferList>();
+}
+
+TEST(BlockRing, WriterWaitsForTheSlowestReader) {
+  CBufferListDec ring;
+  ring.Init(2, 16, 2);
+  std::atomic<int> written = 0;
+  std::thread writer([&] {
+    for (int seq = 0; seq < 3; ++seq) {
+      ring.WriteLock(seq)->WriteUnlock(1);
+      ++written;
+    }
+  });
+  for (int seq = 0; seq < 2; ++seq) ring.Read1Lock(seq, 0)->Read1Unlock(0);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_EQ(written, 2);  // reader 1 still holds block 0
+  ring.Read1Lock(0, 1)->Read1Unlock(1);
+  writer.join();
+  EXPECT_EQ(written, 3);
+  ring.Exit();
+}
+
+TEST(BlockRing, SingleReaderPairKeepsTheLength) {
+  CBufferDec block;
+  block.Init(8, 1);
+  block.Write1Lock(7, 0);
+  block.Write1Unlock(0, 5);
+  block.Read1Lock(0);
+  block.Read1Unlock(0);
+  block.Write1Lock(8, 0);
+  EXPECT_EQ(block.tag, 8);
+  EXPECT_EQ(block.length, 5);
+  block.Write1Unlock(0, 3);
+  block.ReadLock();
+  block.ReadUnlock();
+  block.WriteLock(9);
+  EXPECT_EQ(block.length, 0);
+}
+
+TEST(BlockRing, WithoutReadersNothingWaits) {
+  CBufferListDec ring;
+  ring.Init(1, 4, 0);
+  for (int seq = 0; seq < 3; ++seq) {
+    ring.WriteLock(seq)->WriteUnlock(4);
+    EXPECT_EQ(ring.ReadLock(seq)->tag, seq);
+  }
+  ring.Exit();
+  ring.Exit();
+  EXPECT_EQ(ring.count, 1);
+  EXPECT_EQ(ring.blocks, nullptr);
+}
+
+TEST(BlockRing, StorageIsAlignedAndRemembersItsAllocation) {
+  for (int size : {0, 1, 31, 4096}) {
+    CBuffer block;
+    block.Init(size, 1);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block.data) % 32, 0u);
+    std::uintptr_t allocation;
+    std::memcpy(&allocation, block.data - sizeof allocation, sizeof allocation);
+    EXPECT_LE(allocation + sizeof allocation, reinterpret_cast<std::uintptr_t>(block.data));
+    EXPECT_EQ(std::accumulate(block.data, block.data + size, 0), 0);
+    block.Exit();
+    block.Exit();
+  }
+}
+
+TEST(BlockRing, RefusesMoreThanEightReaders) {
+  CBufferDec block;
+  EXPECT_THROW(block.Init(8, 9), std::invalid_argument);
+  EXPECT_THROW(block.Init(8, -1), std::invalid_argument);
+  EXPECT_THROW(block.Init(-1, 1), std::invalid_argument);
+}
+
+TEST(BlockRing, AbandonWakesBothSides) {
+  CBufferListDec ring;
+  ring.Init(2, 16, 1);
+  for (int seq = 0; seq < 2; ++seq) ring.WriteLock(seq)->WriteUnlock(1);
+  CBufferListDec empty;
+  empty.Init(2, 16, 1);
+  std::thread writer([&] { EXPECT_TRUE(ring.WriteLock(2)->Abandoned()); });
+  std::thread reader([&] { EXPECT_TRUE(empty.ReadLock(0)->Abandoned()); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  ring.Abandon();
+  empty.Abandon();
+  writer.join();
+  reader.join();
+  ring.Exit();
+  empty.Exit();
+}
+
+TEST(BlockRing, SequenceTurnsOverInStep) {
+  for (int depth : {1, 4, 7, 12}) {
+    int seq = (1 << 30) - 3 * depth;
+    for (int i = 0; i < 10 * depth; ++i) {
+      const int next = NextSequence(seq, depth);
+      ASSERT_GE(next, 0);
+      ASSERT_EQ(next % depth, (seq % depth + 1) % depth);
+      seq = next;
+    }
+    EXPECT_LT(seq, 1 << 29);
+  }
+}
+
+}  // namespace
