@@ -8,7 +8,8 @@ include(CMakePackageConfigHelpers)
 install(TARGETS corvin EXPORT CorvinTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(FILES include/corvin.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(FILES include/corvin.h include/corvin_studio.h include/corvin.hpp
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvin")
 install(EXPORT CorvinTargets NAMESPACE Corvin:: DESTINATION "${package_dir}")

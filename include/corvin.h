@@ -2,7 +2,8 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin.h
- *  The one header of the Corvin library, for C99 and C++.
+ *  The one header of the Corvin library, for C99 and C++. It includes the studio engine's part,
+ *  corvin_studio.h.
  *
  *  Conventions
  *  - A DSD *sample* is one bit of one channel; lengths count samples per channel. A DSD byte holds
@@ -343,5 +344,7 @@ CORVIN_API void WriteLog(const char* text);
 #ifdef __cplusplus
 }
 #endif
+
+#include "corvin_studio.h"
 
 #endif /* CORVIN_H_ */

@@ -1,0 +1,110 @@
+/* SPDX-License-Identifier: MIT
+ * Copyright (c) 2026 The Corvin developers */
+
+/** @file corvin.hpp
+ *  The studio engine for C++20: corvin_studio.h with owners and spans. Header only and without
+ * state of its own; every function does what the C function of its name documents. Failures of what
+ *  cannot be expected to fail in the middle of a stream (creation, misuse) throw corvin::Error. */
+
+#ifndef CORVIN_HPP_
+#define CORVIN_HPP_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+
+#include "corvin.h"
+
+namespace corvin {
+
+class Error : public std::runtime_error {
+ public:
+  explicit Error(int status) : std::runtime_error(corvin_strerror(status)), status_(status) {}
+  int status() const noexcept { return status_; }
+
+ private:
+  int status_;
+};
+
+inline int check(int status) {
+  if (status < 0) throw Error(status);
+  return status;
+}
+
+/// corvin_decoder_settings with its defaults.
+struct DecoderSettings : corvin_decoder_settings {
+  DecoderSettings() { corvin_decoder_settings_defaults(this); }
+};
+
+class Decoder {
+ public:
+  explicit Decoder(const corvin_decoder_settings& settings = DecoderSettings()) {
+    corvin_decoder* made = nullptr;
+    check(corvin_decoder_create(&settings, &made));
+    handle_.reset(made);
+  }
+
+  /// Returns the bytes taken; the rest is to be pushed after a pull.
+  std::size_t push(std::span<const std::byte> data) {
+    std::size_t taken = 0;
+    check(corvin_decoder_push(handle_.get(), data.data(), data.size(), &taken));
+    return taken;
+  }
+  std::size_t push(std::span<const std::uint8_t> data) { return push(std::as_bytes(data)); }
+
+  /// Returns the bytes taken of each channel.
+  std::size_t push_planar(std::span<const std::uint8_t* const> channels, std::size_t bytes) {
+    std::size_t taken = 0;
+    check(corvin_decoder_push_planar(handle_.get(), channels.data(), bytes, &taken));
+    return taken;
+  }
+
+  void finish() { check(corvin_decoder_finish(handle_.get())); }
+
+  /// Writes up to `frames` interleaved frames to `out`; returns their number.
+  std::size_t pull(void* out, std::size_t frames) {
+    std::size_t done = 0;
+    check(corvin_decoder_pull(handle_.get(), out, frames, &done));
+    return done;
+  }
+  std::size_t pull_planar(std::span<void* const> out, std::size_t frames) {
+    std::size_t done = 0;
+    check(corvin_decoder_pull_planar(handle_.get(), out.data(), frames, &done));
+    return done;
+  }
+
+  void reset() { check(corvin_decoder_reset(handle_.get())); }
+  std::uint64_t latency() const { return corvin_decoder_latency(handle_.get()); }
+  std::uint64_t frames(std::uint64_t samples) const {
+    return corvin_decoder_frames(handle_.get(), samples);
+  }
+
+  corvin_decoder_report report() const {
+    corvin_decoder_report report = {};
+    report.size = sizeof report;
+    check(corvin_decoder_get_report(handle_.get(), &report));
+    return report;
+  }
+
+  std::string describe() const {
+    const int length = check(corvin_decoder_describe(handle_.get(), nullptr, 0));
+    std::string text(static_cast<std::size_t>(length), '\0');
+    check(corvin_decoder_describe(handle_.get(), text.data(), text.size() + 1));
+    return text;
+  }
+
+  corvin_decoder* handle() const { return handle_.get(); }
+
+ private:
+  struct Destroy {
+    void operator()(corvin_decoder* decoder) const { corvin_decoder_destroy(decoder); }
+  };
+  std::unique_ptr<corvin_decoder, Destroy> handle_;
+};
+
+}  // namespace corvin
+
+#endif  // CORVIN_HPP_

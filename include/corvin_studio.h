@@ -1,0 +1,196 @@
+/* SPDX-License-Identifier: MIT
+ * Copyright (c) 2026 The Corvin developers */
+
+/** @file corvin_studio.h
+ *  The studio engine for C99 and C++: streaming DSD to PCM conversion. corvin.h includes it.
+ *
+ *  Conventions, beyond those of corvin.h
+ *  - Handles are opaque and independent; each is used by one thread at a time. Nothing is global.
+ *  - Settings begin with their size, are filled by ..._defaults() and changed field by field, so a
+ *    program built against an older header goes on working.
+ *  - PCM samples are little-endian in memory. Full scale is 1.0 for floating point, the largest
+ *    value for integers. A DSD sine of 50 % modulation has a peak of full scale at 0 dB gain.
+ *  - Functions return CORVIN_OK (0) or a negative corvin_status. They never throw, print or abort.
+ *  - The bytes that come out depend on the settings and the bytes that went in, and on nothing
+ *    else: not on the processor, the number of threads or the sizes of the calls. */
+
+#ifndef CORVIN_STUDIO_H_
+#define CORVIN_STUDIO_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifndef CORVIN_API
+#define CORVIN_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef enum corvin_status {
+  CORVIN_OK = 0,
+  CORVIN_E_ARGUMENT = -1,    /**< a null pointer, or a value outside its range */
+  CORVIN_E_UNSUPPORTED = -2, /**< a pair of rates or an edge that no plan exists for */
+  CORVIN_E_MEMORY = -3,      /**< out of memory */
+  CORVIN_E_THREAD = -4,      /**< a thread could not be started */
+  CORVIN_E_STATE = -5        /**< a call out of order, such as a push after finish */
+} corvin_status;
+
+/** Returns an English sentence for a status, never NULL. Since 0.1. */
+CORVIN_API const char* corvin_strerror(int status);
+
+typedef enum corvin_sample_format {
+  CORVIN_S16 = 0,
+  CORVIN_S24 = 1, /**< three bytes */
+  CORVIN_S32 = 2,
+  CORVIN_F32 = 3,
+  CORVIN_F64 = 4
+} corvin_sample_format;
+
+typedef enum corvin_bit_order {
+  CORVIN_MSB_FIRST = 0, /**< earliest sample in the most significant bit: DSDIFF, "1bit" */
+  CORVIN_LSB_FIRST = 1  /**< earliest sample in the least significant bit: DSF */
+} corvin_bit_order;
+
+typedef enum corvin_phase {
+  CORVIN_LINEAR_PHASE = 0, /**< symmetric kernel, outputs aligned with the stream's samples */
+  CORVIN_MINIMUM_PHASE = 1 /**< nothing before an event; the same magnitude response */
+} corvin_phase;
+
+typedef enum corvin_dither {
+  CORVIN_DITHER_NONE = 0,
+  CORVIN_DITHER_TPDF = 1,  /**< triangular, two steps wide; integer formats only, else ignored */
+  CORVIN_DITHER_SHAPED = 2 /**< triangular with its noise moved to where the ear hears least */
+} corvin_dither;
+
+/** What a decoder is made of. */
+typedef struct corvin_decoder_settings {
+  size_t size;           /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
+  uint32_t dsd_rate;     /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
+  uint32_t pcm_rate;     /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
+  uint32_t channels;     /**< 1..64. Default 2 */
+  uint32_t bit_order;    /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
+  uint32_t block_bytes;  /**< bytes of one channel before the next channel's follow in
+                              corvin_decoder_push(): 1 for byte-interleaved, 4096 for DSF; up to
+                              1048576. Default 1 */
+  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t threads;      /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
+  uint32_t low_latency;  /**< not 0: hand out each piece at once instead of gathering several to
+                              fill the processor's vectors; up to eight times the work. Default 0 */
+  uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
+                              0 the plain ones only. Changes the speed alone. Default all bits */
+  uint64_t length;       /**< samples per channel to convert; what follows is taken and dropped.
+                              0: all that is pushed, whole bytes. Default 0 */
+  uint64_t seed;         /**< of the dither. Default 0 */
+  double pass_hz;        /**< the response is flat up to here; 0: 5 % of half the PCM rate below
+                              stop_hz. Default 0 */
+  double stop_hz;        /**< and closed from here on; at least 3 % of half the PCM rate above
+                              pass_hz; 0: half the PCM rate. Default 0 */
+  double gain_db;        /**< -120..60. Default 0 */
+  uint64_t reserved[8];  /**< 0 */
+} corvin_decoder_settings;
+
+/** What came out so far. */
+typedef struct corvin_decoder_report {
+  size_t size;     /**< sizeof(corvin_decoder_report), set by the caller */
+  uint64_t frames; /**< frames pulled */
+  uint64_t clips;  /**< samples that met a limit of their integer format */
+  double peak;     /**< largest absolute sample after the gain, before limiting; 1.0 = full scale */
+} corvin_decoder_report;
+
+/** Converts one DSD stream to PCM. */
+typedef struct corvin_decoder corvin_decoder;
+
+/** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_decoder_settings_defaults(corvin_decoder_settings* settings);
+
+/** Makes a decoder.
+ *  @param settings  copied
+ *  @param decoder   receives the handle, NULL on failure
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_UNSUPPORTED, CORVIN_E_MEMORY, CORVIN_E_THREAD
+ *  Takes a few milliseconds. Since 0.1. */
+CORVIN_API int corvin_decoder_create(const corvin_decoder_settings* settings,
+                                     corvin_decoder** decoder);
+
+/** Ends a decoder, with work in flight or not. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_decoder_destroy(corvin_decoder* decoder);
+
+/** Feeds DSD bytes of all channels in the layout that `block_bytes` says, from any point to any
+ *  point of it: a call may end within a block.
+ *  @param data   bytes to take, may be NULL when `bytes` is 0
+ *  @param bytes  their number
+ *  @param taken  receives how many were taken. Fewer than `bytes` when the decoder is full: pull,
+ *                then push the rest
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish
+ *  Real time: without worker threads it never allocates, locks or blocks; it converts on the spot
+ *  whenever a piece of the stream is complete. Since 0.1. */
+CORVIN_API int corvin_decoder_push(corvin_decoder* decoder, const void* data, size_t bytes,
+                                   size_t* taken);
+
+/** Feeds DSD bytes of each channel from a place of its own.
+ *  @param channels  channels[channels]
+ *  @param bytes     bytes of each channel
+ *  @param taken     receives how many bytes of each channel were taken
+ *  @return  as corvin_decoder_push(); CORVIN_E_STATE also when a block is incomplete
+ *  Since 0.1. */
+CORVIN_API int corvin_decoder_push_planar(corvin_decoder* decoder, const uint8_t* const* channels,
+                                          size_t bytes, size_t* taken);
+
+/** Ends the input: the rest of the output can now be pulled. What comes before the first and after
+ *  the last sample counts as silence. An incomplete last block counts as far as all its channels
+ *  reach. Calling it again does nothing.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_decoder_finish(corvin_decoder* decoder);
+
+/** Takes finished frames, interleaved.
+ *  @param out     room for `frames` frames
+ *  @param frames  the most to take
+ *  @param done    receives the number taken. 0 after finish means the end of the stream; before
+ *                 that, more input is needed
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Real time: without worker threads it never allocates, locks or blocks. With them it waits only
+ *  when nothing is ready and the decoder can take no more input. Since 0.1. */
+CORVIN_API int corvin_decoder_pull(corvin_decoder* decoder, void* out, size_t frames, size_t* done);
+
+/** Takes finished frames, each channel to a place of its own: out[channels]. Otherwise as
+ *  corvin_decoder_pull(). Since 0.1. */
+CORVIN_API int corvin_decoder_pull_planar(corvin_decoder* decoder, void* const* out, size_t frames,
+                                          size_t* done);
+
+/** Returns to the state after create, dropping everything on its way. With worker threads it waits
+ *  for those at work.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_decoder_reset(corvin_decoder* decoder);
+
+/** Returns the most frames by which what can be pulled lags behind what was pushed, without worker
+ *  threads; 0 for NULL. The frames themselves are not delayed: the first one belongs to the first
+ *  sample. Since 0.1. */
+CORVIN_API uint64_t corvin_decoder_latency(const corvin_decoder* decoder);
+
+/** Returns the frames that a stream of `samples` samples per channel makes: pcm_rate x samples /
+ *  dsd_rate, rounded down; 0 for NULL. Since 0.1. */
+CORVIN_API uint64_t corvin_decoder_frames(const corvin_decoder* decoder, uint64_t samples);
+
+/** Reports on the frames pulled since create or reset.
+ *  @param report  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_decoder_get_report(const corvin_decoder* decoder,
+                                         corvin_decoder_report* report);
+
+/** Describes the stages of the conversion in a line each.
+ *  @param text  receives at most `size` bytes, always terminated; may be NULL when `size` is 0
+ *  @return  the length of the whole description, CORVIN_E_ARGUMENT or CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_decoder_describe(const corvin_decoder* decoder, char* text, size_t size);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* CORVIN_STUDIO_H_ */

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// The last step: samples of +-1.0 to the caller's format, with gain, dither and the tally.
+
+#ifndef CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_
+#define CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "corvin.h"
+#include "studio/dither/noise_shaper.h"
+#include "studio/kernels/aligned_array.h"
+#include "studio/kernels/quantise.h"
+
+namespace corvin::studio {
+
+class SampleOutput {
+ public:
+  SampleOutput(const corvin_decoder_settings& settings, const QuantiseVariant& quantise);
+
+  std::size_t sample_bytes() const { return sample_bytes_; }
+
+  /// Writes `count` frames from index `first` of the stream on, interleaved.
+  /// @param in  in[channels]
+  void write(const double* const* in, std::uint64_t first, std::size_t count, std::uint8_t* out);
+
+  /// The same, to out[channels] from byte `offset` of each place on.
+  void write_planar(const double* const* in, std::uint64_t first, std::size_t count,
+                    void* const* out, std::size_t offset);
+
+  void reset();
+  double peak() const { return tally_.peak * gain_; }
+  std::uint64_t clips() const { return tally_.clips; }
+
+ private:
+  void quantise(const double* const* in, std::uint64_t first, std::size_t count);
+  void write_chunk(const double* const* in, std::uint64_t first, std::size_t count,
+                   std::uint8_t* out);
+
+  std::size_t channels_;
+  std::size_t sample_bytes_;
+  bool floating_;
+  double gain_;
+  std::uint64_t seed_;
+  QuantiseScale scale_;
+  Quantise quantise_;
+  std::optional<NoiseShaper> shaper_;
+  std::vector<NoiseShaper::State> shaped_;
+  QuantiseTally tally_;
+  AlignedArray<std::int32_t> integers_;  // [channel][chunk]
+  std::vector<const std::int32_t*> integer_rows_;
+  std::vector<const double*> rows_;
+};
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_

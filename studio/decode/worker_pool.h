@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Threads that take numbered jobs in the order in which they were handed in.
+
+#ifndef CORVIN_STUDIO_DECODE_WORKER_POOL_H_
+#define CORVIN_STUDIO_DECODE_WORKER_POOL_H_
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace corvin::studio {
+
+/// Jobs are numbers below a fixed count, each handed in again only after it was finished. One
+/// thread owns the pool.
+class WorkerPool {
+ public:
+  /// @param work  does job `job` on worker `worker` < threads; must not throw
+  /// Throws std::system_error when a thread cannot be started.
+  WorkerPool(std::size_t threads, std::size_t jobs,
+             std::function<void(std::size_t worker, std::size_t job)> work);
+  ~WorkerPool();
+  WorkerPool(const WorkerPool&) = delete;
+  WorkerPool& operator=(const WorkerPool&) = delete;
+
+  void hand_in(std::size_t job);
+  bool finished(std::size_t job);
+  void wait_for(std::size_t job);
+  /// Takes back the jobs that no worker has begun and waits for the others.
+  void clear();
+
+ private:
+  void serve(std::size_t worker);
+  void stop();
+
+  std::function<void(std::size_t, std::size_t)> work_;
+  std::mutex mutex_;
+  std::condition_variable has_work_;
+  std::condition_variable has_result_;
+  std::vector<std::size_t> queue_;  // oldest first
+  std::vector<bool> finished_;
+  std::size_t busy_ = 0;
+  bool stopping_ = false;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_DECODE_WORKER_POOL_H_

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// The AVX-512 build.
+
+#include "studio/kernels/bit_fir.h"
+
+#if defined(__i386__) || defined(__x86_64__)
+
+#if defined(__GNUC__) && !defined(__clang__)
+// g++ 12 takes its own header's undefined vectors, which masks never let through, for mistakes.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx512f,avx512vl,avx512dq,avx512bw"))), \
+                             apply_to = function)
+#else
+#pragma GCC push_options
+#pragma GCC target("avx512f,avx512vl,avx512dq,avx512bw")
+#endif
+
+namespace corvin::studio {
+namespace {
+
+struct Sums8 {
+  static constexpr unsigned kStride = 8;
+  __m256i v;
+  void zero() { v = _mm256_setzero_si256(); }
+  void add(const std::int32_t* row) {
+    v = _mm256_add_epi32(v, *reinterpret_cast<const __m256i*>(row));
+  }
+  template <unsigned kCount>
+  void emit(std::int32_t* out, std::size_t) {
+    *out = _mm_cvtsi128_si32(_mm256_castsi256_si128(v));
+  }
+  template <unsigned kCount>
+  void shift() {
+    v = _mm256_alignr_epi32(_mm256_setzero_si256(), v, kCount);
+  }
+};
+
+struct Sums12 {
+  static constexpr unsigned kStride = 16;  // one load never crosses a cache line
+  __m512i v;
+  void zero() { v = _mm512_setzero_si512(); }
+  void add(const std::int32_t* row) {
+    v = _mm512_add_epi32(v, *reinterpret_cast<const __m512i*>(row));
+  }
+  template <unsigned kCount>
+  void emit(std::int32_t* out, std::size_t stride) {
+    const __m128i low = _mm512_castsi512_si128(v);
+    out[0] = _mm_cvtsi128_si32(low);
+    if constexpr (kCount >= 2) out[stride] = _mm_extract_epi32(low, 1);
+    if constexpr (kCount == 4) {
+      out[2 * stride] = _mm_extract_epi32(low, 2);
+      out[3 * stride] = _mm_extract_epi32(low, 3);
+    }
+  }
+  template <unsigned kCount>
+  void shift() {
+    v = _mm512_alignr_epi32(_mm512_setzero_si512(), v, kCount);
+  }
+};
+
+#include "studio/kernels/bit_fir_body.inc"
+
+}  // namespace
+}  // namespace corvin::studio
+
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
+#pragma GCC pop_options
+#endif
+
+namespace corvin::studio {
+
+extern const BitFirVariant bit_fir_avx512;
+const BitFirVariant bit_fir_avx512 = {{"AVX-512", 30, kCpuAvx512}, 16, run};
+
+}  // namespace corvin::studio
+
+#else
+
+namespace corvin::studio {
+
+extern const BitFirVariant bit_fir_avx512;
+const BitFirVariant bit_fir_avx512 = {};
+
+}  // namespace corvin::studio
+
+#endif

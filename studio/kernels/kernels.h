@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// One build of each kernel of the decoder.
+
+#ifndef CORVIN_STUDIO_KERNELS_KERNELS_H_
+#define CORVIN_STUDIO_KERNELS_KERNELS_H_
+
+#include "studio/kernels/bit_fir.h"
+#include "studio/kernels/fold_fir.h"
+#include "studio/kernels/quantise.h"
+#include "studio/kernels/spectral.h"
+
+namespace corvin::studio {
+
+struct Kernels {
+  const BitFirVariant* bit_fir;
+  const FoldFirVariant* fold_fir;
+  const SpectralVariant* spectral;
+  const QuantiseVariant* quantise;
+};
+
+/// The best builds among those whose needs lie in what the processor has and `mask` allows.
+inline Kernels choose_kernels(std::uint32_t mask) {
+  const std::uint32_t features = detected_features() & mask;
+  return {&choose_bit_fir(features), &choose_fold_fir(features), &choose_spectral(features),
+          &choose_quantise(features)};
+}
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_KERNELS_KERNELS_H_

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// The steep filter and the last rate change in one: overlap-save over blocks, forward transform,
+// product with the filter's response on the bins that are kept, inverse transform of another size.
+//
+// Every lane of a vector is a transform of its own, with one real block in the real part and the
+// next one in the imaginary part (the response belongs to a real kernel, so they never mix). A row
+// is one point of all transforms: the lanes' real parts, then their imaginary parts. Lanes never
+// meet, so builds of any width return the same bits; no fused operations.
+
+#ifndef CORVIN_STUDIO_KERNELS_SPECTRAL_H_
+#define CORVIN_STUDIO_KERNELS_SPECTRAL_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "studio/kernels/variant.h"
+#include "studio/plan/fft_plan.h"
+
+namespace corvin::studio {
+
+struct SpectralShape {
+  FftPlan forward;
+  FftPlan inverse;
+  /// For each place of the inverse transform's digit-reversed order: the place of the same bin in
+  /// the forward transform's, and the (real, imaginary) factor.
+  std::vector<std::uint32_t> source;
+  std::vector<double> response;
+  std::size_t first_row = 0;  ///< first valid output of a block
+  std::size_t hop = 0;        ///< valid outputs of a block
+};
+
+/// A transform of `lanes` sequences side by side, in place.
+using Transform = void (*)(const FftPlan& plan, double* rows);
+
+/// Filters 2 x lanes blocks.
+/// @param input   input[forward.points][2 x lanes], or null when `work` holds them already as
+/// double
+/// @param work    work[forward.points][2 x lanes], overwritten; 64-byte aligned
+/// @param result  result[inverse.points][2 x lanes], overwritten; 64-byte aligned
+/// @param out     out[lanes]: place for 2 x hop samples, the blocks one after the other; null for
+/// an
+///                idle lane
+using Spectral = void (*)(const SpectralShape& shape, const std::int32_t* input, double* work,
+                          double* result, double* const* out);
+
+struct SpectralVariant {
+  VariantInfo info;
+  unsigned lanes = 1;
+  /// Decimation in frequency: natural to digit-reversed order.
+  Transform to_bins = nullptr;
+  /// Decimation in time: digit-reversed to natural order, the same forward sign. Exchange real and
+  /// imaginary parts before and after for the inverse; unscaled.
+  Transform from_bins = nullptr;
+  Spectral run = nullptr;
+};
+
+const SpectralVariant& choose_spectral(std::uint32_t features);
+
+/// The plain build, which filter design uses so that designs never depend on the processor.
+extern const SpectralVariant spectral_portable;
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_KERNELS_SPECTRAL_H_
