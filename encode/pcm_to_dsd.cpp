@@ -50,8 +50,12 @@ void RemoveUnfinished(const char* path) {
   if (lstat(path, &status) == 0 && S_ISREG(status.st_mode)) std::remove(path);
 }
 
-bool FinishFile(std::FILE* file) {
-  return corvin::formats::FinishDsf(file, static_cast<std::uint64_t>(ftello(file)), 0);
+/// Writes the tag behind the sound and completes the header.
+bool FinishFile(std::FILE* file, DSD_TAG* tag) {
+  const auto sound_end = static_cast<std::uint64_t>(ftello(file));
+  if (tag && Write_id3tag_v2(file, tag) < 0) return false;
+  const auto file_end = static_cast<std::uint64_t>(ftello(file));
+  return corvin::formats::FinishDsf(file, file_end, tag ? sound_end : 0);
 }
 
 }  // namespace
@@ -60,7 +64,7 @@ extern "C" {
 
 int PCMtoDSD(int mode, long long pcmBytes, std::FILE* pcmSource, const char* dsdPath, int dsdRate,
              CorvinProgressCallback progress, AudioStreamBasicDescription pcmFormat,
-             void* progressData, DSD_TAG*) {
+             void* progressData, DSD_TAG* tag) {
   if (mode < 1 || mode > 3) return 0;
   PcmFormat format;
   if (!pcmSource || !dsdPath || pcmBytes < 0 || !ReadFormat(pcmFormat, dsdRate, format)) return -1;
@@ -88,7 +92,7 @@ int PCMtoDSD(int mode, long long pcmBytes, std::FILE* pcmSource, const char* dsd
       written = static_cast<int>(job.Translate(progressProc, &source)) == 0 && written;
     }
     cancelled = source.cancelled;
-    if (dsf) written = FinishFile(file) && written;
+    if (dsf) written = FinishFile(file, tag) && written;
   } catch (...) {
     written = false;
   }

@@ -63,6 +63,23 @@ typedef struct DSD_INFO {
   uint32_t blockSizePerChannel;  /**< DSF block size in bytes; 4096 for the other kinds */
 } DSD_INFO;
 
+#ifndef __APPLE__
+/** A PCM stream's format: the record of the platform that has one, here with the same field order and
+ *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
+ *  integers. */
+typedef struct AudioStreamBasicDescription {
+  double mSampleRate;          /**< Hz; the fraction is dropped */
+  uint32_t mFormatID;          /**< ignored */
+  uint32_t mFormatFlags;       /**< ignored */
+  uint32_t mBytesPerPacket;    /**< ignored */
+  uint32_t mFramesPerPacket;   /**< ignored */
+  uint32_t mBytesPerFrame;     /**< ignored */
+  uint32_t mChannelsPerFrame;  /**< 1..8 */
+  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
+  uint32_t mReserved;          /**< ignored */
+} AudioStreamBasicDescription;
+#endif
+
 /** Bytes of a text field; a text that fills its field has no terminator. */
 #define CORVIN_TAG_TEXT_BYTES 514
 
@@ -110,23 +127,6 @@ typedef struct DSD_TAG {
   CORVIN_API DSD_PICTURE* PictureAlloc(int count, int dataBytes, bool keep);
 #endif
 } DSD_TAG;
-
-#ifndef __APPLE__
-/** A PCM stream's format: the record of the platform that has one, here with the same field order and
- *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
- *  integers. */
-typedef struct AudioStreamBasicDescription {
-  double mSampleRate;          /**< Hz; the fraction is dropped */
-  uint32_t mFormatID;          /**< ignored */
-  uint32_t mFormatFlags;       /**< ignored */
-  uint32_t mBytesPerPacket;    /**< ignored */
-  uint32_t mFramesPerPacket;   /**< ignored */
-  uint32_t mBytesPerFrame;     /**< ignored */
-  uint32_t mChannelsPerFrame;  /**< 1..8 */
-  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
-  uint32_t mReserved;          /**< ignored */
-} AudioStreamBasicDescription;
-#endif
 
 /* ---- DSD files ---------------------------------------------------------------------------- */
 

@@ -293,6 +293,42 @@ TEST(PcmToDsd, CancelLeavesACompleteHeaderAndFinishedDsf) {
   EXPECT_EQ(Bytes(dsf.begin() + 12, dsf.begin() + 20), size);
 }
 
+TEST(PcmToDsd, ATagIsWrittenBehindTheSoundAndReadBack) {
+  DSD_TAG tag{};
+  std::strcpy(tag.title, "Title");
+  std::strcpy(tag.artist, "K\xC3\xBCnstler");
+  tag.year = 2011;
+  tag.PictureAlloc(1, 5000, false)->pictureType = 3;
+  Job job;
+  job.tag = &tag;
+  const TempFile file;
+  ASSERT_EQ(Encode(Pcm(513, 2, 16), file.path(), job), 0);
+  const Bytes dsf = ReadFile(file.path());
+  const std::uint64_t sound_end = 92 + 4 * 4096;
+  Bytes sizes;
+  AppendLittle(AppendLittle(sizes, dsf.size(), 8), sound_end, 8);
+  EXPECT_EQ(Bytes(dsf.begin() + 12, dsf.begin() + 28), sizes);
+  ASSERT_GT(dsf.size(), sound_end + 5000);
+  EXPECT_EQ(std::memcmp(dsf.data() + sound_end, "ID3\x03", 4), 0);
+  DSD_TAG back{};
+  ASSERT_EQ(DSDTag(file.path(), &back), 0);
+  EXPECT_STREQ(back.title, tag.title);
+  EXPECT_STREQ(back.artist, tag.artist);
+  EXPECT_EQ(back.year, 2011);
+  ASSERT_EQ(back.pictureCount, 1);
+  EXPECT_EQ(back.pictures[0]->dataSize, 5000);
+  DSDTagClear(&back);
+  // The other containers carry none.
+  for (const int mode : {1, 3}) {
+    job.mode = mode;
+    const Bytes tagged = Encoded(Pcm(513, 2, 16), job);
+    job.tag = nullptr;
+    EXPECT_EQ(Encoded(Pcm(513, 2, 16), job), tagged);
+    job.tag = &tag;
+  }
+  DSDTagClear(&tag);
+}
+
 TEST(PcmToDsd, APartialFrameIsDropped) {
   Bytes pcm = Pcm(1000, 2, 16);
   const Bytes whole = Encoded(pcm, {});
