@@ -110,9 +110,8 @@ TEST(Dsd2Pcm, Levels) {
   EXPECT_EQ(settled(0x69), 0.0f);
 }
 
-// A tone of an ideal modulation, by its definition far outside the tables: the error of the bits,
-// spread over the whole band, is what the filter leaves of it.
-TEST(Dsd2Pcm, ToneComesThroughAndTheDelayIsFortyEightSamples) {
+// What a host hears: a modulated tone keeps its level and comes 5.5 floats later.
+TEST(Dsd2Pcm, ToneComesThroughFiveAndAHalfFloatsLater) {
   constexpr std::size_t kBytes = 20000;
   constexpr double kTurn = 2 * std::numbers::pi * 1000 / 2822400;
   Bytes bytes(kBytes);
@@ -128,17 +127,16 @@ TEST(Dsd2Pcm, ToneComesThroughAndTheDelayIsFortyEightSamples) {
   const Floats out = Translate(NewConverter().get(), bytes);
   double sine = 0;
   double cosine = 0;
-  constexpr std::size_t kPeriods = 50;  // of 352.8 floats: 17640 in all
-  for (std::size_t n = 100; n < 100 + 17640; ++n) {
-    // The float of byte n is centred between the bits 8 n - 41 and 8 n - 40.
+  constexpr int kFloats = 17640;  // 50 periods
+  for (std::size_t n = 100; n < 100 + kFloats; ++n) {
+    // 5.5 floats, 44 samples, before the middle of byte n, which is sample 8 n + 3.5.
     const double at = kTurn * (8.0 * static_cast<double>(n) - 40.5);
     sine += out[n] * std::sin(at);
     cosine += out[n] * std::cos(at);
   }
-  static_assert(kPeriods * 3528 == 17640 * 10);
   // The modulator itself delays by up to two samples, 0.0045 radians.
-  EXPECT_NEAR(sine * 2 / 17640, 0.5, 0.002);
-  EXPECT_NEAR(cosine * 2 / 17640, 0.0, 0.003);
+  EXPECT_NEAR(sine * 2 / kFloats, 0.5, 0.002);
+  EXPECT_NEAR(cosine * 2 / kFloats, 0.0, 0.003);
 }
 
 TEST(Dsd2Pcm, AnyDivisionIntoCallsAndBothBitOrders) {

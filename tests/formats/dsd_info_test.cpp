@@ -7,8 +7,10 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "corvin.h"
+#include "formats/dsd_header.h"
 #include "tests/support/dsd_files.h"
 #include "tests/support/temp_file.h"
 
@@ -128,7 +130,29 @@ TEST(DsdInfo, DsdiffCompressionNames) {
   EXPECT_EQ(Query(DsdiffFile(2, kRate, payload, {.name_length = 3})).samples, 3200u);
 }
 
-// The sizes that this library's own encoder states are those of a stereo file.
+// Our own headers carry figures of a stereo file for every channel count.
+TEST(DsdInfo, OurOwnHeaders) {
+  using namespace corvin::formats;
+  const auto query = [](ContainerKind kind, std::uint32_t channels) {
+    const DsdHeader header{channels, kRate, 44100, 44100};
+    const TempFile file;
+    const StreamPointer stream(std::fopen(file.path(), "wb"));
+    EXPECT_TRUE(WriteDsdHeader(stream.get(), kind, header));
+    std::fseek(stream.get(), static_cast<long>(SoundBytes(header) * channels - 1), SEEK_CUR);
+    std::fputc(0, stream.get());
+    std::fflush(stream.get());
+    const DSD_INFO info = QueryRecord(file.path(), 0, 0);
+    return std::pair(info.channels, info.sampleCount);
+  };
+  using Answered = std::pair<std::uint32_t, std::uint64_t>;
+  for (const std::uint32_t channels : {1u, 2u, 8u}) {
+    EXPECT_EQ(query(kDsf, channels), Answered(2, kRate));
+    EXPECT_EQ(query(kOneBit, channels), Answered(channels, kRate));
+    // The channel ids are one short beyond two channels, which hides the sound.
+    EXPECT_EQ(query(kDsdiff, channels), Answered(channels, channels > 2 ? 0 : kRate));
+  }
+}
+
 TEST(DsdInfo, DsdiffPropertySizesOfAStereoFile) {
   for (const int count : {1, 2, 6}) {
     const auto channels = static_cast<std::uint16_t>(count);

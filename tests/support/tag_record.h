@@ -10,11 +10,11 @@
 
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "corvin.h"
 #include "tests/support/dsd_files.h"
+#include "tests/support/temp_file.h"
 
 namespace corvin::testing {
 
@@ -30,11 +30,6 @@ template <std::size_t N>
 std::string TextOf(const char (&field)[N]) {
   return {field, strnlen(field, N)};
 }
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using StreamPointer = std::unique_ptr<std::FILE, CloseFile>;
 
 inline StreamPointer StreamOf(const Bytes& bytes) {
   StreamPointer stream(std::tmpfile());

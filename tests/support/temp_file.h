@@ -11,12 +11,19 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace corvin::testing {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using StreamPointer = std::unique_ptr<std::FILE, CloseFile>;
 
 /// A path of its own that is removed at the end; the file exists once it is written.
 class TempFile {
