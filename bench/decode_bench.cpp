@@ -5,33 +5,24 @@
 // that there are and once on one of them.
 
 #include <benchmark/benchmark.h>
-#include <sched.h>
 
 #include <vector>
 
-#include "decode/dsd_to_pcm_job.h"
+#include "bench/processors.h"
+#include "corvin.h"
 
 namespace {
 
 constexpr int kSeconds = 20;
 
-void SetProcessors(int count) {
-  cpu_set_t set;
-  CPU_ZERO(&set);
-  for (int i = 0; i < count; ++i) CPU_SET(i, &set);
-  sched_setaffinity(0, sizeof set, &set);
-}
-
 void Decode(benchmark::State& state, int dsd_rate, int pcm_rate) {
-  const auto processors = static_cast<int>(state.range(0));
   const int bytes = dsd_rate / 8 * kSeconds;
   std::vector<char> dsd(2 * static_cast<std::size_t>(bytes));
   unsigned noise = 1;
   for (char& byte : dsd) byte = static_cast<char>((noise = noise * 1664525u + 1013904223u) >> 24);
   std::vector<char> pcm(static_cast<std::size_t>(pcm_rate) * kSeconds * 2 * 3);
-  SetProcessors(processors);
+  const ProcessorLimit limit(static_cast<int>(state.range(0)));
   for (auto _ : state) RTBufDSDtoPCM(dsd.data(), bytes, dsd_rate, pcm.data(), pcm_rate, 24);
-  SetProcessors(CPU_SETSIZE);
   state.counters["x_real_time"] =
       benchmark::Counter(kSeconds, benchmark::Counter::kIsIterationInvariantRate);
 }

@@ -17,6 +17,7 @@ namespace corvin::cli {
  *  both arguments must outlive the parsing. */
 void add_info_command(CLI::App& app, int& exit_code);
 void add_convert_command(CLI::App& app, int& exit_code);
+void add_tags_command(CLI::App& app, int& exit_code);
 
 }  // namespace corvin::cli
 

@@ -25,9 +25,14 @@ std::optional<Failure> read_source(const std::string& path, DsdSource& source) {
   errno = 0;
   if (DSDInfo(path.c_str(), &source.info) != 0)
     return bad(errno ? std::strerror(errno) : "cannot be opened");
-  if (source.info.format == 0) return bad("is no DSDIFF, DSF or 1bit file");
+  source.is_of_unknown_kind = source.info.format == 0;
+  if (source.is_of_unknown_kind) return bad("is no DSDIFF, DSF or 1bit file");
   if (source.info.channels == 0) return bad("is damaged: its headers declare no channels");
   if (source.info.samplingFrequency == 0) return bad("is damaged: its headers declare no rate");
+  // The library divides before it multiplies, which falls short where 8 is no multiple.
+  if (source.info.format == 3 && 8 % source.info.channels != 0 && source.info.channels < 8)
+    source.info.sampleCount =
+        source.info.sampleCount / (8 / source.info.channels) * 8 / source.info.channels;
   return {};
 }
 
@@ -37,9 +42,9 @@ uint64_t DsdSource::sound_bytes() const {
   return per_channel > kMax / info.channels ? kMax : per_channel * info.channels;
 }
 
-const char* kind_name(const DSD_INFO& info) {
+const char* kind_name(uint32_t kind) {
   constexpr const char* kNames[] = {"unknown", "DSDIFF", "DSF", "1bit"};
-  return kNames[info.format <= 3 ? info.format : 0];
+  return kNames[kind <= 3 ? kind : 0];
 }
 
 bool is_48k_family(uint32_t rate_hz) { return rate_hz % 44100 != 0 && rate_hz % 48000 == 0; }

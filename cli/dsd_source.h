@@ -19,6 +19,7 @@ namespace corvin::cli {
 struct DsdSource {
   DSD_INFO info{};
   uint64_t file_bytes = 0;
+  bool is_of_unknown_kind = false;  // readable, but no DSD file
 
   /** Bytes of sound of all channels that the headers declare, without the padding of the last
    *  block; UINT64_MAX when they declare more than that. */
@@ -31,8 +32,8 @@ struct DsdSource {
 /** Reads the headers of the file at `path` into `source`; returns what is wrong with it. */
 std::optional<Failure> read_source(const std::string& path, DsdSource& source);
 
-/** "DSDIFF", "DSF" or "1bit". */
-const char* kind_name(const DSD_INFO& info);
+/** "DSDIFF", "DSF" or "1bit" for the container kinds 1..3. */
+const char* kind_name(uint32_t kind);
 
 /** "DSD64 (2822400 Hz)", with the multiple counted from 44100 Hz or 48000 Hz; the bare rate when it
  *  is no power of two from 64 up of either. */

@@ -30,7 +30,7 @@ std::string compression_name(const DSD_INFO& info) {
 void print(const std::string& path, const DsdSource& source) {
   const DSD_INFO& info = source.info;
   std::printf("%s\n", path.c_str());
-  std::printf("  kind                 %s\n", kind_name(info));
+  std::printf("  kind                 %s\n", kind_name(info.format));
   if (const std::string name = compression_name(info); !name.empty())
     std::printf("  compression          %s\n", name.c_str());
   std::printf("  channels             %" PRIu32 "\n", info.channels);

@@ -27,11 +27,12 @@ constexpr const char* kExitCodes =
 int run(int argc, char** argv) {
   using namespace corvin::cli;
   int exit_code = kDone;
-  CLI::App app("Looks into DSD files and converts them to PCM.", "corvin");
+  CLI::App app("Looks into DSD files and converts them to PCM and back.", "corvin");
   app.set_version_flag("--version", kVersion, "Print the version and exit");
   app.require_subcommand(1);
   app.footer(kExitCodes);
   add_info_command(app, exit_code);
+  add_tags_command(app, exit_code);
   add_convert_command(app, exit_code);
   try {
     app.parse(argc, argv);

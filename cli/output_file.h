@@ -35,6 +35,9 @@ class OutputFile {
   /** The open file, to be left open. */
   int descriptor() const { return descriptor_; }
 
+  /** Its name until commit(), for those who open it themselves. */
+  const std::string& path() const { return is_device_ ? target_ : temporary_path_; }
+
   /** Closes the file and gives it its name. Call it when no other thread runs. */
   std::optional<Failure> commit();
 

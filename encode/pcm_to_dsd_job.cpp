@@ -30,7 +30,7 @@ int HalfLength(int taps, int divisor, float unit) {
 /// How many of the plan's blocks the threads hand over at once: enough samples to make waking the
 /// modulator worth it, and whole bytes of them.
 int BatchFor(int block_outputs) {
-  constexpr int kSamples = 32768;
+  constexpr int kSamples = 65536;
   const int whole_bytes = 8 / std::gcd(8, block_outputs);
   return std::max(1, kSamples / block_outputs / whole_bytes) * whole_bytes;
 }

@@ -6,6 +6,7 @@
 #include "foundation/callback_info.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "foundation/dsd_silence.h"
 
@@ -68,7 +69,24 @@ int CCallbackInfoBlock::Read(void* buffer, int size) {
   return delivered;
 }
 
+// ---- PCM --------------------------------------------------------------------------------------
+
+int CCallbackInfo::Read(void* buffer, int size) {
+  if (cancelled || size < 1) return 0;
+  framesRead += static_cast<std::uint64_t>(size / divisor);
+  unitsRead += 32768;
+  const int count = CCallbackInfoDec::Read(buffer, size);
+  std::memset(static_cast<char*>(buffer) + count, 0, static_cast<std::size_t>(size - count));
+  return count;
+}
+
 // ---- What a conversion is handed --------------------------------------------------------------
+
+int readProc(void* buffer, int size, void* info) {
+  return static_cast<CCallbackInfo*>(info)->Read(buffer, size);
+}
+
+bool progressProc(void* info) { return static_cast<CCallbackInfo*>(info)->Progress(); }
 
 int readProcDec(void* buffer, int size, void* info) {
   return static_cast<CCallbackInfoDec*>(info)->Read(buffer, size);

@@ -67,6 +67,28 @@ class CORVIN_API CCallbackInfoBlock : public CCallbackInfoDec {
   bool LoadGroup();
 };
 
+/// A PCM source: every request is filled up with zeros.
+class CORVIN_API CCallbackInfo : public CCallbackInfoDec {
+ public:
+  /// @param bytes_per_frame  at least 1
+  CCallbackInfo(std::FILE* source, std::uint64_t pcm_bytes, CorvinProgressCallback user_progress,
+                void* user_data, int dsd_rate, int pcm_rate, int bytes_per_frame)
+      : CCallbackInfoDec(source, pcm_bytes, user_progress, user_data),
+        dsdRate(dsd_rate),
+        pcmRate(pcm_rate),
+        divisor(bytes_per_frame) {}
+
+  int Read(void* buffer, int size);
+
+  int dsdRate;
+  int pcmRate;
+  std::uint64_t framesRead = 0;   ///< frames asked for
+  std::uint64_t unitsRead = 0;    ///< advanced by 32768 with every read
+  int divisor;                    ///< bytes per frame
+};
+
+CORVIN_API int readProc(void* buffer, int size, void* info);
+CORVIN_API bool progressProc(void* info);
 CORVIN_API int readProcDec(void* buffer, int size, void* info);
 CORVIN_API int readProcBlock(void* buffer, int size, void* info);
 CORVIN_API bool progressProcDec(void* info);

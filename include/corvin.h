@@ -62,6 +62,71 @@ typedef struct DSD_INFO {
   uint32_t blockSizePerChannel;  /**< DSF block size in bytes; 4096 for the other kinds */
 } DSD_INFO;
 
+#ifndef __APPLE__
+/** A PCM stream's format: the record of the platform that has one, here with the same field order and
+ *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
+ *  integers. */
+typedef struct AudioStreamBasicDescription {
+  double mSampleRate;          /**< Hz; the fraction is dropped */
+  uint32_t mFormatID;          /**< ignored */
+  uint32_t mFormatFlags;       /**< ignored */
+  uint32_t mBytesPerPacket;    /**< ignored */
+  uint32_t mFramesPerPacket;   /**< ignored */
+  uint32_t mBytesPerFrame;     /**< ignored */
+  uint32_t mChannelsPerFrame;  /**< 1..8 */
+  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
+  uint32_t mReserved;          /**< ignored */
+} AudioStreamBasicDescription;
+#endif
+
+/** Bytes of a text field; a text that fills its field has no terminator. */
+#define CORVIN_TAG_TEXT_BYTES 514
+
+/** Pictures that one record holds at most. */
+#define CORVIN_TAG_MAX_PICTURES 256
+
+/** A picture of a tag record. */
+typedef struct DSD_PICTURE {
+  char mime[32];         /**< MIME type, terminated */
+  uint8_t pictureType;   /**< ID3 picture type, 3 = front cover */
+  char description[512]; /**< UTF-8, terminated */
+  int32_t dataSize;      /**< bytes of `data` */
+  uint8_t* data;         /**< the picture file; null when there is none */
+} DSD_PICTURE;
+
+/** The tags of a file. Zero a record before its first use: the functions that fill it release the
+ *  pictures it holds. Those that they allocate belong to the record; DSDTagClear() releases them.
+ *
+ *  A text is a byte string that ends at the first zero byte or with its field. ID3v2 texts are UTF-8,
+ *  unless the tag states ISO 8859-1: those bytes, like all texts from DSDIFF files, are kept as they
+ *  stand in the file. */
+typedef struct DSD_TAG {
+  uint32_t format;                          /**< container kind 1..3 */
+  char title[CORVIN_TAG_TEXT_BYTES];        /**< "TIT2"; DSDIFF "DITI" */
+  char artist[CORVIN_TAG_TEXT_BYTES];       /**< "TPE1"; DSDIFF "DIAR" */
+  char album[CORVIN_TAG_TEXT_BYTES];        /**< "TALB" */
+  int32_t year;                             /**< "TYER"; DSDIFF "COMT" time stamp; 0 = none */
+  char comment[CORVIN_TAG_TEXT_BYTES];      /**< "COMM" in #CommentLanguage; DSDIFF "COMT" */
+  char track[CORVIN_TAG_TEXT_BYTES];        /**< "TRCK" */
+  char genre[CORVIN_TAG_TEXT_BYTES];        /**< "TCON" */
+  char composer[CORVIN_TAG_TEXT_BYTES];     /**< "TCOM" */
+  char rightsNotice[CORVIN_TAG_TEXT_BYTES]; /**< "TCOP" */
+  int32_t pictureCount;                     /**< entries of `pictures` */
+  DSD_PICTURE** pictures;                   /**< "APIC", in file order */
+
+#ifdef __cplusplus
+  /** Adds empty picture entries that the record owns.
+   *  @param count      entries to add, 0..#CORVIN_TAG_MAX_PICTURES
+   *  @param dataBytes  bytes of zeroed `data` that each gets, 0 or more; with 0 `data` stays null
+   *  @param keep       true adds to the pictures already held, false releases those first
+   *  @return           the first new entry; null when none was added: a count of 0, an argument out
+   *                    of range, too many pictures, or no memory. The pictures kept are then as
+   *                    they were
+   *  Since 0.1. */
+  CORVIN_API DSD_PICTURE* PictureAlloc(int count, int dataBytes, bool keep);
+#endif
+} DSD_TAG;
+
 /* ---- DSD files ---------------------------------------------------------------------------- */
 
 /** Reads the format of a DSD file from its headers.
@@ -73,6 +138,76 @@ typedef struct DSD_INFO {
  *               does not tell stays 0
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
+
+/* ---- Tags --------------------------------------------------------------------------------- */
+
+/** Reads the tags of a DSD file: of a DSF file its ID3v2.3 block, of a DSDIFF file the comments and
+ *  the edited master information.
+ *  @param path  the file
+ *  @param tag   emptied first, also when the file cannot be opened
+ *  @return      -1 when the file cannot be opened, when it is a "1bit" file or a DSF file without a
+ *               tag; 0 in every other case, including a file of no known kind (`format` is then 0)
+ *               and a tag that cannot be read
+ *  Threads: reentrant for different records. Since 0.1. */
+CORVIN_API int DSDTag(const char* path, DSD_TAG* tag);
+
+/** Empties a record: releases its pictures and zeroes every field. For pictures that the library
+ *  allocated; a host that has put in memory of its own takes it out before. Since 0.1. */
+CORVIN_API void DSDTagClear(DSD_TAG* tag);
+
+/** Reads an ID3v2.3 block from a stream's current position into a record.
+ *  @param stream  left behind the block, when that could be read whole; need not be seekable
+ *  @param tag     the fields that the block has are replaced, others are left. Of equal text frames
+ *                 the last wins, of comments the first in #CommentLanguage; other comments are
+ *                 skipped. Pictures replace those held before the call
+ *  @return        0 when the block holds at least one frame, known or not; 1 when there is no
+ *                 ID3v2.3 header (2.2 and 2.4 are not read), or no frame; -1 when header or block
+ *                 end early or memory runs out. Except when memory runs out, the record is
+ *                 untouched unless 0 is returned
+ *  Memory: at most a few times what the stream really holds. Threads: reentrant for different
+ *  streams and records. Since 0.1. */
+CORVIN_API int Read_id3tag_v2(FILE* stream, DSD_TAG* tag);
+
+/** Writes a record as one ID3v2.3 block at a stream's current position. Texts are announced as UTF-8
+ *  and written as they stand; empty fields, a year of 0 and pictures without data are left out.
+ *  @return  bytes written: the size of the block, 10 for an empty record, unless the stream's error
+ *           flag is set; -1 without writing when memory runs out or the block would exceed the 256
+ *           MiB that an ID3v2 header can state
+ *  Threads: reentrant for different streams. Since 0.1. */
+CORVIN_API int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag);
+
+/** Same as Write_id3tag_v2(). Since 0.1. */
+CORVIN_API int id3tag_write_v2(FILE* stream, const DSD_TAG* tag);
+
+/** Copies a text without its byte-order mark: FF FE, FE FF or EF BB BF.
+ *  @param src  src[len]
+ *  @param dst  receives what follows the mark; may be `src`
+ *  @return     bytes copied; 0, and nothing is copied, when there is no mark or `len` is below 4
+ *  Since 0.1. */
+CORVIN_API int CutUnicodeBOM(const unsigned char* src, int len, unsigned char* dst);
+
+/** Whether the latest Read_id3tag_v2() to make progress has taken a comment. Reads in several threads
+ *  share it, so it says something only when one is running at a time; no read depends on it. */
+extern CORVIN_API bool bFindCommentTag;
+
+/** ISO 639-2 code of the comments that are read and written: "jpn". */
+extern CORVIN_API const char CommentLanguage[4];
+
+/** Number of ID3v1 genres known. */
+#define CORVIN_GENRE_COUNT 148
+
+/** The ID3v1 genre names by genre number. */
+extern CORVIN_API const char* const genre_names[CORVIN_GENRE_COUNT];
+
+/** The genre numbers in the order of the listing. */
+extern CORVIN_API const int genre_alpha_map[CORVIN_GENRE_COUNT];
+
+/** Is told one genre. */
+typedef void (*CorvinGenreCallback)(int genre, const char* name, void* user);
+
+/** Calls `callback` for every genre in alphabetical order, "Alt. Rock" right after "Alternative".
+ *  Does nothing when `callback` is null. Since 0.1. */
+CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
 
 /* ---- DSD to PCM --------------------------------------------------------------------------- */
 
@@ -113,6 +248,47 @@ CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback p
  *  On an argument out of range `pcm` is left untouched.
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int pcmRate, int bits);
+
+/* ---- PCM to DSD --------------------------------------------------------------------------- */
+
+/** Converts a PCM stream to a DSD file. Blocks until the end.
+ *  @param mode          1 writes DSDIFF, 2 DSF, 3 "1bit"; any other value returns 0 and does nothing
+ *  @param pcmBytes      bytes of PCM in `pcmSource`, at least 0; a last partial frame is dropped
+ *  @param pcmSource     stream at the first PCM byte: signed big-endian integers, interleaved
+ *  @param dsdPath       file to create; an existing one is replaced
+ *  @param dsdRate       DSD rate in Hz, pcmRate..98304000 and at most 4096 x the PCM rate. DSD64 to
+ *                       DSD256 from 44100 to 768000 Hz of both families have plans of their own
+ *  @param progress      told each new whole percentage from this thread, about every half second;
+ *                       may be NULL
+ *  @param pcmFormat     rate, channels and bits of the PCM
+ *  @param progressData  passed to `progress`
+ *  @param tag           for DSF, written behind the sound; else ignored; may be NULL
+ *  @return              0 after a conversion; -1 when an argument is out of range (nothing is
+ *                       touched), the file cannot be created, resources run out or writing fails
+ *                       (no file is left), or `progress` cancelled (the file is complete but for the
+ *                       sound that is missing)
+ *  The file holds (frames x dsdRate / PCM rate + 7) / 8 bytes of sound per channel. Headers of other
+ *  than two channels carry stereo sizes, as docs/formats.md tells. 0 dBFS is 50 % modulation times
+ *  the plan's level; louder sound clips. When a header field cannot be written, "Write error" and a
+ *  yen sign with an n go to the standard error stream.
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
+CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const char* dsdPath,
+                        int dsdRate, CorvinProgressCallback progress,
+                        AudioStreamBasicDescription pcmFormat, void* progressData,
+                        DSD_TAG* tag);
+
+/** Converts stereo PCM in memory to DSD in memory. Blocks until the end.
+ *  @param pcm       `pcmBytes` bytes of signed big-endian interleaved stereo
+ *  @param pcmRate   Hz
+ *  @param bits      8, 16, 24 or 32
+ *  @param dsdOut    receives 2 x (frames x dsdRate / pcmRate + 7) / 8 bytes: the left channel, then
+ *                   the right, earliest sample in the most significant bit
+ *  @param dsdRate   as for PCMtoDSD()
+ *  @param frames    PCM frames in `pcm`
+ *  On an argument out of range `dsdOut` is left untouched.
+ *  Threads: reentrant. Since 0.1. */
+CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
+                              unsigned int dsdRate, int frames);
 
 /* ---- Platform services -------------------------------------------------------------------- */
 

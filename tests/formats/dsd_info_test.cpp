@@ -156,6 +156,7 @@ TEST(DsdInfo, DsdiffOddTables) {
       {"properties without sub-chunks", {.properties_size = 0}, 0, 0},
       {"negative properties", {.properties_size = UINT64_MAX}, 0, 0},
       {"empty sub-chunk ends the properties", {.properties_first = DsdiffChunk("NOTE", {})}, 0, 0},
+      {"known sub-chunk past the properties ends them", {.channels_size = 5000}, 2, 0},
       {"sub-chunk past the properties",
        {.properties_last = DsdiffChunk("NOTE", Bytes(9), 9000)},
        2,
