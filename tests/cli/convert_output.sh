@@ -37,21 +37,29 @@ done
 [ -c /dev/full ] || echo "a device was replaced"
 quietly corvin convert in.dsf -o $(printf 'x%.0s' {1..255}) && rm x*
 
-# The disk fills up early in hours of sound: the conversion ends at once and does not hang.
-make_dsd dsf hours.dsf 0.1
-patch hours.dsf 64 "0000000014000000"
-truncate -s 24G hours.dsf
-(ulimit -f 20 && try corvin convert hours.dsf -o out.wav -y)
-rm hours.dsf
+# terminal COMMAND...: runs it on a terminal of its own, where it shows percentages.
+terminal() {
+  python3 -c 'import os, pty, sys
+sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))' "$@" | tr '\r' '\n'
+  return ${PIPESTATUS[0]}
+}
+
+# The disk fills up.
+(ulimit -f 20 && try corvin convert in.dsf -o out.wav -y)
 wav_facts out.wav | sed -n 1p
+
+# It does so early in much sound: the tool neither hangs nor converts all the rest for nothing.
+make_dsd dsf long.dsf 0.1
+patch long.dsf 64 "0000000001000000"
+truncate -s 2G long.dsf
+(ulimit -f 20 && terminal corvin convert long.dsf -o out.wav -y) >shown
+echo "exit $?"
+grep -o 'corvin:.*large' shown
+grep '[5-9][0-9] %' shown
+grep -q '[0-9] %' shown || echo "no progress on a terminal"
+rm long.dsf shown
 
 # After the last sample nobody takes the summary.
 untold() { "$@" >/dev/full; }
 try untold corvin convert in.dsf -o told.wav
 list . shelf
-
-# The percentage is for terminals.
-make_dsd dsf long.dsf 10
-quietly corvin convert long.dsf -o long.wav
-python3 -c 'import pty, sys; pty.spawn(sys.argv[1:])' corvin convert long.dsf -o long.wav -y |
-  grep -qa '[0-9] %' || echo "no progress on a terminal"
