@@ -46,7 +46,7 @@ class ChunkCursor {
   }
 
   /// Reads the next header. False when fewer than 12 bytes are left and for a size that is negative
-  /// as a signed number: a walk would go backwards by it.
+  /// as a signed number: a walk would go backwards by it. Nor after 65536 headers.
   bool ReadHeader(ChunkHeader& header);
 
   /// Moves forward; false, and nothing moves, when the limit is nearer than that.
@@ -72,6 +72,7 @@ class ChunkCursor {
   std::uint64_t position_ = 0;
   std::uint64_t file_size_ = 0;
   std::uint64_t limit_ = 0;
+  int headers_ = 0;  ///< read so far
 };
 
 }  // namespace corvin::formats

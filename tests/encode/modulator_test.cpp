@@ -34,10 +34,10 @@ Bits Bitstream(const std::vector<float>& in, int interpolation, bool lsb_first =
 // on the design, not on the way it was computed.
 TEST(Modulator, ShapesNoiseWithTheStatedZerosAndPoles) {
   for (const int interpolation : {512, 64, 1}) {
-    const auto [a, b] = DesignModulator(interpolation);
+    const ModulatorCoefficients c = DesignModulator(interpolation);
     const auto numerator = [&](std::complex<double> z) {
       std::complex<double> sum = 1;
-      for (int i = 0; i < 8; ++i) sum -= (a[i] + b[i]) * std::pow(z, -(i + 1));
+      for (int i = 0; i < 8; ++i) sum -= (c.a[i] + c.b[i]) * std::pow(z, -(i + 1));
       return sum;
     };
     const double theta = kPi / (interpolation == 1 ? 64 : interpolation);
@@ -45,10 +45,10 @@ TEST(Modulator, ShapesNoiseWithTheStatedZerosAndPoles) {
       EXPECT_LT(std::abs(numerator(std::polar(1.0, place * theta))), 1e-13) << interpolation;
     EXPECT_GT(std::abs(numerator(std::polar(1.0, kPi))), 100);
     std::complex<double> denominator = 1;
-    for (int i = 0; i < 8; ++i) denominator -= b[i] * std::pow(0.85, -(i + 1));
+    for (int i = 0; i < 8; ++i) denominator -= c.b[i] * std::pow(0.85, -(i + 1));
     EXPECT_LT(std::abs(denominator), 1e-10);
-    EXPECT_EQ(a[7], 0);
-    EXPECT_EQ(b[7], 0);
+    EXPECT_EQ(c.a[7], 0);
+    EXPECT_EQ(c.b[7], 0);
   }
 }
 
