@@ -158,8 +158,8 @@ TEST(PcmToDsd, OneBitHeader) {
     job.mode = 3;
     job.channels = channels;
     job.pcm_rate = 8000;
-    // 90061 seconds would be 25:01:01; a minute and a bit does, rounded up to 1:08.
-    const std::size_t frames = 8000 * 67 + 1;
+    // Eleven seconds and a bit count as twelve, in packed decimal digits.
+    const std::size_t frames = 8000 * 11 + 1;
     const Bytes file = Encoded(Bytes(frames * 2 * static_cast<std::size_t>(channels)), job);
     const auto n = static_cast<std::uint64_t>(channels);
     const std::uint64_t sound = (frames * 2822400ull / 8000 + 7) / 8 * n;
@@ -167,7 +167,7 @@ TEST(PcmToDsd, OneBitHeader) {
     corvin::testing::Append(h, "1bit");
     AppendBig(AppendBig(h, 0, 4), 0x10000000, 4);
     for (const std::uint64_t value : {2048 + sound, std::uint64_t{0}, std::uint64_t{128},
-                                      std::uint64_t{2048}, std::uint64_t{0}, std::uint64_t{0x00010800},
+                                      std::uint64_t{2048}, std::uint64_t{0}, std::uint64_t{0x00001200},
                                       std::uint64_t{2822400}, std::uint64_t{0}, n << 24})
       AppendBig(h, value, 4);
     AppendBig(h, channels == 1 ? 0x40000000 : 0x44000000, 4);
