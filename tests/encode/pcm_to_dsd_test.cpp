@@ -53,7 +53,7 @@ struct Job {
 
 int Encode(const Bytes& pcm, const char* path, const Job& job) {
   std::FILE* const source = std::tmpfile();
-  std::fwrite(pcm.data(), 1, pcm.size(), source);
+  if (!pcm.empty()) std::fwrite(pcm.data(), 1, pcm.size(), source);
   std::rewind(source);
   AudioStreamBasicDescription format{};
   format.mSampleRate = job.pcm_rate;
