@@ -295,7 +295,8 @@ CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, vo
 /* ---- Compact DSD to PCM ------------------------------------------------------------------- */
 
 /** One channel of the compact converter: a filter of 96 taps that makes one float of eight samples,
- *  DSD64 to 352.8 kHz. Full modulation is +-1.0; the delay is 48 samples, six floats. */
+ *  DSD64 to 352.8 kHz. Full modulation is +-1.0. Delay: 5.5 floats, from the middle of a byte to its
+ *  float. */
 typedef struct dsd2pcm_state dsd2pcm_state;
 
 /** Creates a converter whose past is idle, the byte 0x69 over and over. The first eleven floats still
