@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 10;
 constexpr std::uint8_t kUtf8 = 3;
-constexpr std::size_t kLargestSize = (std::size_t{1} << 28) - 1;  // four times seven bits
+constexpr std::uint64_t kLargestSize = (1u << 28) - 1;  // four times seven bits
 
 /// Where the bytes of a block go: nowhere while measuring.
 class Sink {
@@ -37,11 +37,11 @@ class Sink {
     for (int shift = 24; shift >= 0; shift -= 8) PutByte(static_cast<std::uint8_t>(size >> shift));
     Put(std::string_view("\0\0", 2));
   }
-  std::size_t size() const { return size_; }
+  std::uint64_t size() const { return size_; }
 
  private:
   std::uint8_t* to_;
-  std::size_t size_ = 0;
+  std::uint64_t size_ = 0;  // pictures of 2 GiB each add up beyond 32 bits
 };
 
 /// The text of a field, which has no terminator when it is full.
@@ -108,8 +108,8 @@ extern "C" {
 int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
   Sink measure;
   PutFrames(measure, *tag);
-  const std::size_t size = measure.size();
-  if (size > kLargestSize) return -1;
+  if (measure.size() > kLargestSize) return -1;
+  const auto size = static_cast<std::size_t>(measure.size());
   const std::unique_ptr<std::uint8_t, Free> block(
       static_cast<std::uint8_t*>(std::malloc(kHeaderBytes + size)));
   if (!block) return -1;
@@ -120,7 +120,7 @@ int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
     sink.PutByte(static_cast<std::uint8_t>(size >> shift & 0x7f));
   }
   PutFrames(sink, *tag);
-  return static_cast<int>(std::fwrite(block.get(), 1, sink.size(), stream));
+  return static_cast<int>(std::fwrite(block.get(), 1, kHeaderBytes + size, stream));
 }
 
 int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag) { return id3tag_write_v2(stream, tag); }

@@ -12,8 +12,8 @@
 
 int CCallbackInfoDec::Read(void* buffer, int size) {
   if (cancelled) return 0;
-  const auto wanted = std::min<std::uint64_t>(static_cast<std::uint64_t>(std::max(size, 0)),
-                                              Remaining());
+  const auto wanted = static_cast<std::size_t>(
+      std::min<std::uint64_t>(static_cast<std::uint64_t>(std::max(size, 0)), Remaining()));
   const std::size_t count = wanted ? std::fread(buffer, 1, wanted, stream) : 0;
   position += count;
   if (count == 0) ended = true;
