@@ -41,14 +41,14 @@ unsigned long long ScaleCount(unsigned long long samples, int rate_out, int rate
 /// How many of the plan's blocks the threads hand over at once: as many as make waking another thread
 /// worth it, within a bound on the job's memory.
 int BatchFor(const RatePlan& plan, int channels, int workers, int ring_depth) {
-  constexpr long long kSamples = 131072;
+  constexpr long long kSamples = 524288;
   constexpr long long kBytes = 32 << 20;
   if (!plan.polyphase) return 1;
   const long long samples = plan.block_samples;
   const long long outputs = plan.block_outputs;
   // Blocks of the three rings, then history and mailboxes.
   const long long block_bytes = ring_depth * channels * (samples / 8 + outputs * 8) +
-                                channels * (1 + workers) * samples * 4;
+                                channels * (1 + workers) * samples / 8;
   return static_cast<int>(std::max(1LL, std::min(kSamples / samples, kBytes / block_bytes)));
 }
 

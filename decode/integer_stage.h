@@ -58,7 +58,7 @@ class CORVIN_API CLpfCPUDec : public CLpfDec {
 
  private:
   /// Fills the destination sparsely: element i - in_position_ for each kept input position i.
-  int Filter(const float* in, int floats, CBufferDec& out) override;
+  int Filter(const char* in, int bytes, CBufferDec& out) override;
 
   Dot8Plain kernel_;
 };

@@ -28,7 +28,7 @@ void CLpf::BecomeIdle() { owner_->AddTail(this); }
 
 CLpfCPU2::CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* schedule, int entries,
                    int frames, int blockFrames)
-    : CLpf(owner, WorkFloats(DEFTAPS_PCMtoDSD / L, frames)),
+    : CLpf(owner, WorkFloats(DEFTAPS_PCMtoDSD / L, frames) * static_cast<int>(sizeof(float))),
       phase_count_(L),
       phases_(phases),
       taps_total_(DEFTAPS_PCMtoDSD),
@@ -39,11 +39,13 @@ CLpfCPU2::CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* sched
   StartWorker();
 }
 
-int CLpfCPU2::Filter(const float* in, int floats, CBufferDec& out) {
+int CLpfCPU2::Filter(const char* in, int bytes, CBufferDec& out) {
+  const auto* const input = reinterpret_cast<const float*>(in);
+  const int floats = bytes / static_cast<int>(sizeof(float));
   auto* const samples = reinterpret_cast<float*>(out.data);
   int written = 0;
   for (int at = 0; at < floats - taps_total_ / phase_count_; at += block_frames_)
-    written += kernel_(samples + written, in + at, phases_, phase_count_, taps_total_, schedule_,
+    written += kernel_(samples + written, input + at, phases_, phase_count_, taps_total_, schedule_,
                        entries_);
   return written * static_cast<int>(sizeof(float));
 }

@@ -30,7 +30,7 @@ class CORVIN_API CLpf : public FilterWorker {
   void Post(int seq, const float* data, int bytes, CBuffer* dest);
 
  protected:
-  CLpf(CRateConvert2* owner, int mailbox_floats) : FilterWorker(mailbox_floats), owner_(owner) {}
+  CLpf(CRateConvert2* owner, int mailbox_bytes) : FilterWorker(mailbox_bytes), owner_(owner) {}
   void BecomeIdle() override;
 
  private:
@@ -48,7 +48,7 @@ class CORVIN_API CLpfCPU2 : public CLpf {
 
  private:
   /// Runs the schedule over each of the job's blocks.
-  int Filter(const float* in, int floats, CBufferDec& out) override;
+  int Filter(const char* in, int bytes, CBufferDec& out) override;
 
   int phase_count_;
   float** phases_;
