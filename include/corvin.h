@@ -251,6 +251,53 @@ CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback p
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int pcmRate, int bits);
 
+/* ---- DSD to PCM, buffer by buffer ---------------------------------------------------------- */
+
+/** Converts one stereo DSD stream to PCM in pieces: the filters of DSDtoPCM(), with memory from piece
+ *  to piece and threads that sleep in between. */
+#ifdef __cplusplus
+class CDSDtoPCMBuf;
+#else
+typedef struct CDSDtoPCMBuf CDSDtoPCMBuf;
+#endif
+
+/** Creates a converter at the beginning of a stream.
+ *  @param dsdRate    DSD rate in Hz, up to 98304000
+ *  @param pcmRate    as for DSDtoPCM(); at least dsdRate / 16384
+ *  @param lsbFirst   earliest sample of a byte in its least significant bit, as in DSF
+ *  @param bits       8, 16, 24 or 32 bits per PCM sample, signed
+ *  @param bigEndian  most significant byte of each sample first
+ *  @return           to be released by CloseDSDtoPCMBuf(); null when an argument is out of range or
+ *                    resources run out
+ *  Threads: reentrant. Starts two threads, one per channel. Since 0.1. */
+CORVIN_API CDSDtoPCMBuf* GetCDSDtoPCMBufClass(int dsdRate, int pcmRate, bool lsbFirst, int bits,
+                                              bool bigEndian);
+
+/** Converts the next piece of the stream. The frames are those that RTBufDSDtoPCM() makes of the whole
+ *  stream, whatever the pieces; those of the last DSDtoPCMBuf_Delay() frames of the stream come only
+ *  when that much silence, bytes of 0x69, is sent behind it.
+ *  @param dsd      2 x `bytes` bytes: the left channel, then the right; may be null for 0 bytes
+ *  @param bytes    DSD bytes per channel, 0 or more
+ *  @param pcm      receives the frames, interleaved; room for (8 x bytes x pcmRate / dsdRate, rounded
+ *                  up) frames is always enough. Must not overlap `dsd`
+ *  @param pcmSize  bytes of room in `pcm`; what does not get PCM is left untouched
+ *  @return         bytes written to `pcm`. After a stream of N samples per channel so far, N x pcmRate
+ *                  / dsdRate, rounded up, less the delay, frames have come out in all. -1, and the
+ *                  piece is not taken, for a null pointer, a negative count or too little room: the
+ *                  same piece may be sent again
+ *  Threads: one call per converter at a time; converters are independent. Real time: never allocates;
+ *  waits for its two threads. Since 0.1. */
+CORVIN_API int DSDtoPCMBuf_ToPCM(CDSDtoPCMBuf* engine, const unsigned char* dsd, int bytes,
+                                 unsigned char* pcm, int pcmSize);
+
+/** Returns by how many frames the output lags behind the input: half the filter's length, or the
+ *  longer lead that pairs of rates without a plan have. They are held back, not replaced: the first
+ *  frame that comes out is the first of DSDtoPCM(). -1 for null. Since 0.1. */
+CORVIN_API int DSDtoPCMBuf_Delay(const CDSDtoPCMBuf* engine);
+
+/** Ends a converter and its threads; null is allowed. No call on it may be running. Since 0.1. */
+CORVIN_API void CloseDSDtoPCMBuf(CDSDtoPCMBuf* engine);
+
 /* ---- PCM to DSD --------------------------------------------------------------------------- */
 
 /** Converts a PCM stream to a DSD file. Blocks until the end.
