@@ -339,6 +339,62 @@ CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const cha
 CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
                               unsigned int dsdRate, int frames);
 
+/* ---- Streams that hold what is pushed ------------------------------------------------------- */
+
+/* These eight functions are kept for hosts that are linked against them. A stream here is a pair of
+ * rings of four blocks: it holds what is pushed and converts nothing. A decoding stream therefore
+ * never gives PCM, and an encoding one never gives DSD. To convert a stream of DSD, use
+ * corvin_decoder_create() and its companions, or GetCDSDtoPCMBufClass().
+ *
+ * Rates and formats are fixed: two channels, DSD at 2822400 Hz, PCM at 44100 Hz in 24 bits. Threads:
+ * one thread per function and stream at a time; pushing and pulling may overlap. Streams are
+ * independent. Ending a stream is allowed while other threads wait in it: their calls return what
+ * they have moved; no new call may begin then. Nothing allocates between creation and end. */
+
+/** Creates a decoding stream.
+ *  @param reserved  ignored
+ *  @return          to be released by DSDDecodeExit(); null when memory runs out
+ *  Since 0.1. */
+CORVIN_API void* DSDDecodeInit(int reserved);
+
+/** Stores DSD bytes. Waits once 4 x 8192 bytes are stored, for nothing takes them: until the stream
+ *  ends.
+ *  @param data  data[size]
+ *  @return      bytes stored: `size`, or less when the stream ended meanwhile; 0 for a null pointer or
+ *               a size that is not positive
+ *  Since 0.1. */
+CORVIN_API int DSDDecodeSetDSDData(void* stream, const unsigned char* data, int size);
+
+/** Waits for PCM, of which there is never any: until the stream ends.
+ *  @param buffer  buffer[size]; left untouched
+ *  @return        bytes delivered, 0; at once for a null pointer or a size that is not positive
+ *  Since 0.1. */
+CORVIN_API int DSDDecodeGetPCMData(void* stream, unsigned char* buffer, int size);
+
+/** Ends a decoding stream and drops what it holds; null is allowed. Returns 0. Since 0.1. */
+CORVIN_API int DSDDecodeExit(void* stream);
+
+/** Creates an encoding stream.
+ *  @return  to be released by DSDEncodeExit(); null when memory runs out
+ *  Since 0.1. */
+CORVIN_API void* DSDEncode(void);
+
+/** Stores PCM bytes. Waits once 4 x 384 bytes are stored, for nothing takes them: until the stream
+ *  ends.
+ *  @param data  data[size]
+ *  @return      as DSDDecodeSetDSDData()
+ *  Since 0.1. */
+CORVIN_API int DSDEncodeSetPCMData(void* stream, const unsigned char* data, int size);
+
+/** Takes DSD, of which there is never any; does not wait.
+ *  @param buffer  buffer[size]; left untouched
+ *  @return        bytes delivered: 0
+ *  Since 0.1. */
+CORVIN_API int DSDEncodeGetDSDData(void* stream, unsigned char* buffer, int size);
+
+/** Ends an encoding stream and drops what it holds; null is allowed. Returns 0. Since 0.1. */
+CORVIN_API int DSDEncodeExit(void* stream);
+
 /* ---- Compact DSD to PCM ------------------------------------------------------------------- */
 
 /** One channel of the compact converter: a filter of 96 taps that makes one float of eight samples,
