@@ -42,6 +42,7 @@ bool StreamRings::InitRings(int channels, int dsdRate, int pcmRate, int bits) {
 }
 
 StreamRings::~StreamRings() {
+  ending_ = true;
   // Whoever waits for a block that a side holds learns that the stream has ended.
   if (CBufferDec* const block = dsdReadBlock) block->Read1Unlock(0);
   if (CBufferDec* const block = dsdWriteBlock) block->Write1Unlock(0, 0);
@@ -83,7 +84,7 @@ CBufferDec* StreamRings::HoldFree(const StreamSide& side, std::uint64_t pos) {
   if (CBufferDec* const full = side.block.exchange(nullptr)) full->Write1Unlock(0, side.block_size);
   side.seq = -1;
   CBufferDec* const block = side.ring.Write1Lock(seq, 0);
-  if (block->Abandoned()) return nullptr;
+  if (ending_) return nullptr;
   side.block = block;
   side.seq = seq;
   return block;
@@ -96,7 +97,7 @@ CBufferDec* StreamRings::HoldPublished(const StreamSide& side, std::uint64_t pos
   if (CBufferDec* const used = side.block.exchange(nullptr)) used->Read1Unlock(0);
   side.seq = -1;
   CBufferDec* const block = side.ring.Read1Lock(seq, 0);
-  if (block->Abandoned()) return nullptr;
+  if (ending_) return nullptr;
   side.block = block;
   side.seq = seq;
   return block;

@@ -98,7 +98,8 @@ class StreamRings {
   CBufferDec* HoldFree(const StreamSide& side, std::uint64_t pos);
   CBufferDec* HoldPublished(const StreamSide& side, std::uint64_t pos);
 
-  std::shared_mutex calls_;  ///< held shared by every call, alone by the end
+  std::atomic<bool> ending_ = false;  ///< no side takes another block
+  std::shared_mutex calls_;           ///< held shared by every call, alone by the end
 };
 
 #endif  // CORVIN_STREAM_STREAM_RINGS_H_
