@@ -30,6 +30,8 @@ CLpfDec::CLpfDec(int, float* filter, CFormatChangeDec* owner, int blockBytes, in
       dsd_rate_(dsdRate),
       owner_(owner) {}
 
+CLpfDec::~CLpfDec() = default;
+
 void CLpfDec::Post(int blockNumber, const float* samples, int bytes, long long outPos,
                    long long inPos, CBufferDec* dest) {
   PostJob(blockNumber, samples, bytes, dest, [&] {
@@ -45,6 +47,8 @@ CLpfCPUDec::CLpfCPUDec(int channel, float* filter, CFormatChangeDec* owner, int 
     : CLpfDec(channel, filter, owner, blockBytes, pcmRate, dsdRate), kernel_(dot8_0) {
   StartWorker();
 }
+
+CLpfCPUDec::~CLpfCPUDec() { StopWorker(); }
 
 int CLpfCPUDec::Filter(const char* in, int, CBufferDec& out) {
   const auto* const input = reinterpret_cast<const float*>(in);

@@ -8,6 +8,16 @@
 #include <algorithm>
 #include <cstring>
 
+CWriterDec::CWriterDec(int count, int size, int locks) { blocks_.Init(count, size, locks); }
+
+CWriterDec::~CWriterDec() { blocks_.Exit(); }
+
+CBufferDec* CWriterDec::Write1Lock(int block, int channel) {
+  return blocks_.Write1Lock(block, channel);
+}
+
+// ---- Stream or memory -------------------------------------------------------------------------
+
 CDiskWriterDec::CDiskWriterDec(void* file, int count, int size, int locks, int skip,
                                unsigned long long limit, char* memory)
     : CWriterDec(count, size, locks),

@@ -32,6 +32,8 @@ CLpfDen::CLpfDen(int, float** sets, int phases, int batchSamples, CFormatChangeD
       block_samples_(blockParam),
       owner_(owner) {}
 
+CLpfDen::~CLpfDen() = default;
+
 void CLpfDen::Post(int tag, const char* data, int bytes, int unset, CBufferDec* out) {
   PostJob(tag, data, bytes, out, [&] { unset_bytes_ = unset; });
 }
@@ -50,6 +52,8 @@ CLpfCPUDen::CLpfCPUDen(int channel, float** sets, int phases, int batchSamples,
           static_cast<std::size_t>(taps_total_ / phases_ + block_samples_ + kVectorSlack))) {
   StartWorker();
 }
+
+CLpfCPUDen::~CLpfCPUDen() { StopWorker(); }
 
 int CLpfCPUDen::Filter(const char* in, int bytes, CBufferDec& out) {
   auto* const samples = reinterpret_cast<float*>(out.data);

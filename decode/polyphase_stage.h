@@ -29,6 +29,7 @@ class CORVIN_API CLpfDen : public FilterWorker {
   /// @param blockParam    input samples that the schedule covers
   CLpfDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
           int blockParam);
+  ~CLpfDen() override;
 
   /// Hands over `bytes` bytes of history and new samples, to be filtered into `out`; 0 bytes ends the
   /// stream. Waits until the mailbox is free.
@@ -52,7 +53,7 @@ class CORVIN_API CLpfCPUDen : public CLpfDen {
  public:
   CLpfCPUDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
              int blockParam, bool lsbFirst, DOT8Dec_DATA* schedule, int scheduleLength);
-  ~CLpfCPUDen() override { StopWorker(); }
+  ~CLpfCPUDen() override;
 
  private:
   /// Runs the schedule over each of the job's blocks.

@@ -20,8 +20,14 @@ int WorkFloats(int history, int frames) { return history + frames + kVectorSlack
 
 // ---- Workers ----------------------------------------------------------------------------------
 
+CLpf::~CLpf() = default;
+
 void CLpf::Post(int seq, const float* data, int bytes, CBuffer* dest) {
   PostJob(seq, data, bytes, dest, [] {});
+}
+
+void CLpf::Post2(int seq, const float* data, int bytes, CBuffer* dest) {
+  Post(seq, data, bytes, dest);
 }
 
 void CLpf::BecomeIdle() { owner_->AddTail(this); }
@@ -38,6 +44,8 @@ CLpfCPU2::CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* sched
       kernel_(dot8_3) {
   StartWorker();
 }
+
+CLpfCPU2::~CLpfCPU2() { StopWorker(); }
 
 int CLpfCPU2::Filter(const char* in, int bytes, CBufferDec& out) {
   const auto* const input = reinterpret_cast<const float*>(in);
