@@ -15,7 +15,9 @@
  *    to reach it.
  *  - Container kinds: 1 = DSDIFF, 2 = DSF, 3 = "1bit".
  *  - Buffers, streams and records belong to the caller unless a function says otherwise.
- *  - Any number of calls may run at once from different threads, on different files and buffers.
+ *  - Any number of calls may run at once from different threads, on different files, buffers, records
+ *    and objects; one of these takes one call at a time.
+ *  - Functions allocate and may block, unless they say otherwise: they are not for real-time threads.
  *  - No function throws; none but the header writer of the PCM to DSD direction prints. */
 
 #ifndef CORVIN_H_
@@ -107,7 +109,7 @@ typedef struct DSD_TAG {
    *  @return           the first new entry; null when none was added: a count of 0, an argument out
    *                    of range, too many pictures, or no memory. The pictures kept are then as
    *                    they were
-   *  Since 0.1. */
+   *  Threads: reentrant for different records. Since 0.1. */
   CORVIN_API DSD_PICTURE* PictureAlloc(int count, int dataBytes, bool keep);
 #endif
 } DSD_TAG;
@@ -153,8 +155,10 @@ CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
  *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API int DSDTag(const char* path, DSD_TAG* tag);
 
-/** Empties a record: releases its pictures and zeroes every field. For pictures that the library
- *  allocated; a host that has put in memory of its own takes it out before. Since 0.1. */
+/** Empties a record: releases its pictures and zeroes every field.
+ *  @param tag  not null. Its pictures are those that the library allocated: a host that has put in
+ *              memory of its own takes it out before
+ *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API void DSDTagClear(DSD_TAG* tag);
 
 /** Reads an ID3v2.3 block from a stream's current position into a record.
@@ -172,20 +176,22 @@ CORVIN_API int Read_id3tag_v2(FILE* stream, DSD_TAG* tag);
 
 /** Writes a record as one ID3v2.3 block at a stream's current position. Texts are announced as UTF-8
  *  and written as they stand; empty fields, a year of 0 and pictures without data are left out.
+ *  @param stream  left behind the block; need not be seekable
+ *  @param tag     is not changed
  *  @return  bytes written: the size of the block, 10 for an empty record, unless the stream's error
  *           flag is set; -1 without writing when memory runs out or the block would exceed the 256
  *           MiB that an ID3v2 header can state
  *  Threads: reentrant for different streams. Since 0.1. */
 CORVIN_API int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag);
 
-/** Same as Write_id3tag_v2(). Since 0.1. */
+/** Does the same as Write_id3tag_v2(), under its older name. Since 0.1. */
 CORVIN_API int id3tag_write_v2(FILE* stream, const DSD_TAG* tag);
 
 /** Copies a text without its byte-order mark: FF FE, FE FF or EF BB BF.
  *  @param src  src[len]
  *  @param dst  receives what follows the mark; may be `src`
  *  @return     bytes copied; 0, and nothing is copied, when there is no mark or `len` is below 4
- *  Since 0.1. */
+ *  Threads: reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API int CutUnicodeBOM(const unsigned char* src, int len, unsigned char* dst);
 
 /** Whether the latest Read_id3tag_v2() to make progress has taken a comment. Reads in several threads
@@ -204,11 +210,16 @@ extern CORVIN_API const char* const genre_names[CORVIN_GENRE_COUNT];
 /** The genre numbers in the order of the listing. */
 extern CORVIN_API const int genre_alpha_map[CORVIN_GENRE_COUNT];
 
-/** Is told one genre. */
+/** Is told one genre.
+ *  @param genre  its ID3v1 number, 0..147
+ *  @param name   its English name, terminated, for good
+ *  @param user   what id3tag_genre_list() was given */
 typedef void (*CorvinGenreCallback)(int genre, const char* name, void* user);
 
 /** Calls `callback` for every genre in alphabetical order, "Alt. Rock" right after "Alternative".
- *  Does nothing when `callback` is null. Since 0.1. */
+ *  @param callback  called #CORVIN_GENRE_COUNT times on this thread; nothing happens when it is null
+ *  @param user      passed to `callback`
+ *  Threads: reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
 
 /* ---- DSD to PCM --------------------------------------------------------------------------- */
@@ -233,7 +244,8 @@ CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
  *                       -1 when the file cannot be opened, its header or an argument is out of
  *                       range (nothing is written), resources run out, or `progress` cancelled
  *                       (`output` then holds the PCM up to there)
- *  The length is pcmRate x samples / DSD rate frames, rounded down.
+ *  The length is pcmRate x samples / DSD rate frames, rounded down. The filter's delay is taken out:
+ *  the first frame belongs to the first sample.
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback progress,
                         void* progressData, int reserved1, int reserved2, int pcmRate, int bits,
@@ -247,8 +259,8 @@ CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback p
  *  @param pcm      receives (bits / 8) x 2 x (pcmRate x bytes x 8 / dsdRate) bytes, interleaved
  *  @param pcmRate  as for DSDtoPCM()
  *  @param bits     8, 16, 24 or 32
- *  On an argument out of range `pcm` is left untouched.
- *  Threads: reentrant. Since 0.1. */
+ *  On an argument out of range `pcm` is left untouched. Delay: none, as DSDtoPCM().
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int pcmRate, int bits);
 
 /* ---- DSD to PCM, buffer by buffer ---------------------------------------------------------- */
@@ -319,7 +331,7 @@ CORVIN_API void CloseDSDtoPCMBuf(CDSDtoPCMBuf* engine);
  *  The file holds (frames x dsdRate / PCM rate + 7) / 8 bytes of sound per channel. Headers of other
  *  than two channels carry stereo sizes, as docs/formats.md tells. 0 dBFS is 50 % modulation times
  *  the plan's level; louder sound clips. When a header field cannot be written, "Write error" and a
- *  yen sign with an n go to the standard error stream.
+ *  yen sign with an n go to the standard error stream. The filter's delay is taken out.
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const char* dsdPath,
                         int dsdRate, CorvinProgressCallback progress,
@@ -334,8 +346,8 @@ CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const cha
  *                   the right, earliest sample in the most significant bit
  *  @param dsdRate   as for PCMtoDSD()
  *  @param frames    PCM frames in `pcm`
- *  On an argument out of range `dsdOut` is left untouched.
- *  Threads: reentrant. Since 0.1. */
+ *  On an argument out of range `dsdOut` is left untouched. Delay: none, as PCMtoDSD().
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
                               unsigned int dsdRate, int frames);
 
@@ -408,10 +420,13 @@ typedef struct dsd2pcm_state dsd2pcm_state;
  *  Threads: any number at once, the first call too. Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_init(void);
 
-/** Brings a converter back to how dsd2pcm_init() made it. Since 0.1. */
+/** Brings a converter back to how dsd2pcm_init() made it.
+ *  @param state  not null
+ *  Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API void dsd2pcm_reset(dsd2pcm_state* state);
 
 /** Creates a converter that goes on exactly as `state` would.
+ *  @param state  not null; is not changed
  *  @return  to be released by dsd2pcm_destroy(); null when memory runs out. Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_clone(const dsd2pcm_state* state);
 
@@ -435,14 +450,16 @@ CORVIN_API void dsd2pcm_destroy(dsd2pcm_state* state);
 /* ---- Platform services -------------------------------------------------------------------- */
 
 /** Returns how many worker threads a job runs when each wants `perThread` processors:
- *  max(processors, perThread) / perThread; 1 when `perThread` is not positive. Since 0.1. */
+ *  max(processors, perThread) / perThread; 1 when `perThread` is not positive. Processors are those
+ *  that the process may use. Threads: reentrant. Since 0.1. */
 CORVIN_API unsigned GetCPU_GPU_Cores(int perThread);
 
 /** Waits `seconds` while the host's event loop (on macOS the thread's run loop) goes on. Values that
- *  are not positive return at once. Since 0.1. */
+ *  are not positive return at once. Threads: reentrant; blocks. Since 0.1. */
 CORVIN_API void ProgressWaitNS(float seconds);
 
-/** Accepts a message and does nothing with it. Since 0.1. */
+/** Accepts a message, null too, and does nothing with it. Real time: never allocates, locks or blocks.
+ *  Since 0.1. */
 CORVIN_API void WriteLog(const char* text);
 
 #ifdef __cplusplus
