@@ -27,8 +27,8 @@ BufferChannel::BufferChannel(const Config& config, ConversionFilter& filter)
       planned_kernel_(dot8_3),
       plain_kernel_(dot8_0),
       history_floats_(static_cast<std::size_t>(filter.taps / filter.plan.interpolation)),
-      work_(MakeAlignedFloats(history_floats_ + static_cast<std::size_t>(filter.plan.block_samples) +
-                              kVectorSlack)),
+      work_(MakeAlignedFloats(history_floats_ +
+                              static_cast<std::size_t>(filter.plan.block_samples) + kVectorSlack)),
       outputs_(MakeAlignedFloats(static_cast<std::size_t>(filter.plan.block_outputs))),
       skip_left_(filter.delay_frames) {
   start_.Reset(false);

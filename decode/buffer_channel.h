@@ -53,12 +53,12 @@ class BufferChannel {
   Dot8Planned planned_kernel_;
   Dot8Plain plain_kernel_;
   std::size_t history_floats_;
-  AlignedFloats work_;         ///< filter memory, then the block's samples so far
+  AlignedFloats work_;  ///< filter memory, then the block's samples so far
   AlignedFloats outputs_;
-  int filled_ = 0;             ///< samples of the block
-  std::size_t next_entry_ = 0;     ///< of the schedule
-  long long next_output_ = 0;  ///< fallback: from the block's start, in 1 / pcm_rate of a sample
-  int skip_left_;              ///< frames of the filter's delay still to drop
+  int filled_ = 0;              ///< samples of the block
+  std::size_t next_entry_ = 0;  ///< of the schedule
+  long long next_output_ = 0;   ///< fallback: from the block's start, in 1 / pcm_rate of a sample
+  int skip_left_;               ///< frames of the filter's delay still to drop
 
   const unsigned char* dsd_ = nullptr;  ///< the buffer at work
   std::size_t bytes_ = 0;

@@ -19,16 +19,16 @@
 bool IsConvertible(int dsd_rate, int pcm_rate, int bits);
 
 struct ConversionFilter {
-  /// Designs the filter for IsConvertible() rates and stores its length in DEFTAPS; the caller holds
-  /// DesignLock(). Throws std::bad_alloc.
+  /// Designs the filter for IsConvertible() rates and stores its length in DEFTAPS; the caller
+  /// holds DesignLock(). Throws std::bad_alloc.
   void Design(int dsd_rate, int pcm_rate);
 
   RatePlan plan{};
-  int taps = 0;              ///< of the prototype
-  AlignedFloats prototype;   ///< what the fallback runs
-  PolyphaseSets sets;        ///< what a planned pair runs, by `schedule`
+  int taps = 0;             ///< of the prototype
+  AlignedFloats prototype;  ///< what the fallback runs
+  PolyphaseSets sets;       ///< what a planned pair runs, by `schedule`
   std::vector<DOT8Dec_DATA> schedule;
-  int delay_frames = 0;      ///< output frames that the filter needs to get going
+  int delay_frames = 0;  ///< output frames that the filter needs to get going
 };
 
 #endif  // CORVIN_DECODE_CONVERSION_FILTER_H_

@@ -36,7 +36,7 @@ class CORVIN_API CDSDtoPCMBuf {
   int pcm_rate_;
   int sample_bytes_;
   ConversionFilter filter_;
-  long long ahead_ = 0;  ///< of the next output, from the end of the input, in 1 / pcm_rate of a sample
+  long long ahead_ = 0;  ///< input to come before the next output, in 1 / pcm_rate of a sample
   long long skip_left_;  ///< frames of the filter's delay still to drop
   std::array<std::unique_ptr<BufferChannel>, kChannels> channels_;
 };

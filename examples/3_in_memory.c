@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: MIT
  * Copyright (c) 2026 The Corvin developers
  *
- * PCM to DSD and back, all in memory: a tenth of a second of a 1 kHz tone at half scale on the left,
- * silence on the right. */
+ * PCM to DSD and back, all in memory: a tenth of a second of a 1 kHz tone at half scale on the
+ * left, silence on the right. */
 
 #include <corvin.h>
 #include <math.h>

@@ -22,7 +22,8 @@ int main(void) {
   }
   while ((frames = fread(dsd, CHANNELS, BLOCK_FRAMES, stdin)) > 0) {
     for (channel = 0; channel < CHANNELS; ++channel)
-      dsd2pcm_translate(state[channel], frames, dsd + channel, CHANNELS, 0, pcm + channel, CHANNELS);
+      dsd2pcm_translate(state[channel], frames, dsd + channel, CHANNELS, 0, pcm + channel,
+                        CHANNELS);
     if (fwrite(pcm, sizeof *pcm * CHANNELS, frames, stdout) != frames) break;
   }
   for (channel = 0; channel < CHANNELS; ++channel) dsd2pcm_destroy(state[channel]);

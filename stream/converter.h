@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// What stands between the two rings of a stream. The converters start nothing by themselves: a class
-// that derives from them places the stages, of whatever classes, and they end them in order.
+// What stands between the two rings of a stream. The converters start nothing by themselves: a
+// class that derives from them places the stages, of whatever classes, and they end them in order.
 
 #ifndef CORVIN_STREAM_CONVERTER_H_
 #define CORVIN_STREAM_CONVERTER_H_

@@ -18,8 +18,8 @@ CDSDDecode::~CDSDDecode() = default;
 
 int CDSDDecode::Init(int channels, int dsdRate, int pcmRate, int bits) {
   if (!InitRings(channels, dsdRate, pcmRate, bits)) return -1;
-  converter = std::make_unique<CDSDtoPCM>(BufferReadProcDec, this, BufferWriteProcDec, this, channels,
-                                          dsdRate, pcmRate, bits);
+  converter = std::make_unique<CDSDtoPCM>(BufferReadProcDec, this, BufferWriteProcDec, this,
+                                          channels, dsdRate, pcmRate, bits);
   return 0;
 }
 

@@ -24,13 +24,13 @@ class CORVIN_API CDSDDecode : public StreamRings {
   /// Throws std::bad_alloc.
   int Init(int channels, int dsdRate, int pcmRate, int bits);
 
-  /// The host's sides. Both return the bytes moved: `size`, or less when the stream ends meanwhile; 0
-  /// for a null pointer or a size that is not positive.
+  /// The host's sides. Both return the bytes moved: `size`, or less when the stream ends meanwhile;
+  /// 0 for a null pointer or a size that is not positive.
   int DSDWrite(const unsigned char* data, int size);
   int PCMRead(unsigned char* buffer, int size);
 
-  /// The converter's sides; they return alike. PCMWrite places bytes inside a block as if blocks were
-  /// `dsdBlockSize` long, as far as such a place exists: converters are written to that.
+  /// The converter's sides; they return alike. PCMWrite places bytes inside a block as if blocks
+  /// were `dsdBlockSize` long, as far as such a place exists: converters are written to that.
   int DSDRead(unsigned char* buffer, int size);
   int PCMWrite(const unsigned char* data, int size);
 };

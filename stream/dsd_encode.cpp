@@ -10,8 +10,8 @@ CDSDEncode::~CDSDEncode() = default;
 
 int CDSDEncode::Init(int channels, int dsdRate, int pcmRate, int bits) {
   if (!InitRings(channels, dsdRate, pcmRate, bits)) return -1;
-  converter = std::make_unique<CPCMtoDSD2>(BufferReadProcEnc, this, BufferWriteProcEnc, this, channels,
-                                           dsdRate, pcmRate, bits);
+  converter = std::make_unique<CPCMtoDSD2>(BufferReadProcEnc, this, BufferWriteProcEnc, this,
+                                           channels, dsdRate, pcmRate, bits);
   return 0;
 }
 

@@ -11,8 +11,8 @@ constexpr int kRingDepth = 4;
 constexpr long long kSamplesPerBlock = 4096;
 constexpr long long kMaxBlockBytes = 1 << 24;
 
-/// Number of the block at a position. It turns over at a multiple of the rings' depth, so that places
-/// stay in turn.
+/// Number of the block at a position. It turns over at a multiple of the rings' depth, so that
+/// places stay in turn.
 std::int32_t SequenceAt(std::uint64_t pos, std::int32_t block_size) {
   return static_cast<std::int32_t>(pos / static_cast<std::uint64_t>(block_size) & 0x7fffffff);
 }
@@ -22,7 +22,8 @@ bool IsBlockSize(long long bytes) { return bytes >= 1 && bytes <= kMaxBlockBytes
 }  // namespace
 
 bool StreamRings::InitRings(int channels, int dsdRate, int pcmRate, int bits) {
-  for (auto* block : {&dsdReadBlock, &dsdWriteBlock, &pcmReadBlock, &pcmWriteBlock}) *block = nullptr;
+  for (auto* block : {&dsdReadBlock, &dsdWriteBlock, &pcmReadBlock, &pcmWriteBlock})
+    *block = nullptr;
   for (auto* seq : {&dsdReadSeq, &dsdWriteSeq, &pcmReadSeq, &pcmWriteSeq}) *seq = -1;
   for (auto* pos : {&dsdReadPos, &dsdWritePos, &pcmReadPos, &pcmWritePos}) *pos = 0;
   dsdBlockSize = pcmBlockSize = 0;

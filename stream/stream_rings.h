@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The two rings of a stream, one of DSD and one of PCM bytes, with a side that pushes and a side that
-// pulls at each. Bytes come and go in pieces of any size. Nothing is converted here.
+// The two rings of a stream, one of DSD and one of PCM bytes, with a side that pushes and a side
+// that pulls at each. Bytes come and go in pieces of any size. Nothing is converted here.
 
 #ifndef CORVIN_STREAM_STREAM_RINGS_H_
 #define CORVIN_STREAM_STREAM_RINGS_H_
@@ -35,17 +35,17 @@ class StreamRings {
   std::unique_ptr<StreamConverter> converter;
   CBufferListDec dsdRing;
   CBufferListDec pcmRing;
-  std::atomic<CBufferDec*> dsdReadBlock = nullptr;   ///< held by a side, or null
+  std::atomic<CBufferDec*> dsdReadBlock = nullptr;  ///< held by a side, or null
   std::atomic<CBufferDec*> dsdWriteBlock = nullptr;
   std::atomic<CBufferDec*> pcmReadBlock = nullptr;
   std::atomic<CBufferDec*> pcmWriteBlock = nullptr;
   std::int32_t dsdBlockSize = 0;  ///< bytes; 0 before Init
   std::int32_t pcmBlockSize = 0;
-  std::int32_t dsdReadSeq = -1;   ///< number of the block held, -1 for none
+  std::int32_t dsdReadSeq = -1;  ///< number of the block held, -1 for none
   std::int32_t dsdWriteSeq = -1;
   std::int32_t pcmReadSeq = -1;
   std::int32_t pcmWriteSeq = -1;
-  std::atomic<std::uint64_t> dsdReadPos = 0;   ///< bytes moved since Init
+  std::atomic<std::uint64_t> dsdReadPos = 0;  ///< bytes moved since Init
   std::atomic<std::uint64_t> dsdWritePos = 0;
   std::atomic<std::uint64_t> pcmReadPos = 0;
   std::atomic<std::uint64_t> pcmWritePos = 0;
@@ -55,14 +55,18 @@ class StreamRings {
   /// Ends what the sides hold, lets every call that waits return, and waits for it to do so.
   ~StreamRings();
 
-  /// Builds the rings. False, with rings that take and give nothing, when the arguments make no block
-  /// of 1..2^24 bytes. Throws std::bad_alloc.
+  /// Builds the rings. False, with rings that take and give nothing, when the arguments make no
+  /// block of 1..2^24 bytes. Throws std::bad_alloc.
   bool InitRings(int channels, int dsdRate, int pcmRate, int bits);
 
   StreamSide DsdReader() { return {dsdRing, dsdBlockSize, dsdReadBlock, dsdReadSeq, dsdReadPos}; }
-  StreamSide DsdWriter() { return {dsdRing, dsdBlockSize, dsdWriteBlock, dsdWriteSeq, dsdWritePos}; }
+  StreamSide DsdWriter() {
+    return {dsdRing, dsdBlockSize, dsdWriteBlock, dsdWriteSeq, dsdWritePos};
+  }
   StreamSide PcmReader() { return {pcmRing, pcmBlockSize, pcmReadBlock, pcmReadSeq, pcmReadPos}; }
-  StreamSide PcmWriter() { return {pcmRing, pcmBlockSize, pcmWriteBlock, pcmWriteSeq, pcmWritePos}; }
+  StreamSide PcmWriter() {
+    return {pcmRing, pcmBlockSize, pcmWriteBlock, pcmWriteSeq, pcmWritePos};
+  }
 
   /// Copies into the ring. A block is published, at its full length, when the side moves on to the
   /// next one; waits while the ring is full.

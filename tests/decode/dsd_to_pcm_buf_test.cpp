@@ -79,8 +79,8 @@ class Engine {
  public:
   explicit Engine(const Stream& stream)
       : stream_(stream),
-        engine_(GetCDSDtoPCMBufClass(stream.dsd_rate, stream.pcm_rate, stream.lsb_first, stream.bits,
-                                     stream.big_endian)) {}
+        engine_(GetCDSDtoPCMBufClass(stream.dsd_rate, stream.pcm_rate, stream.lsb_first,
+                                     stream.bits, stream.big_endian)) {}
 
   explicit operator bool() const { return engine_ != nullptr; }
   CDSDtoPCMBuf* get() const { return engine_.get(); }
@@ -129,7 +129,8 @@ TEST(DsdToPcmBuf, AnyCutGivesTheBytesOfOnePass) {
     SCOPED_TRACE(::testing::Message() << stream);
     const Bytes left = RandomChannel(stream.bytes, 1), right = RandomChannel(stream.bytes, 2);
     const Bytes expected = OnePass(stream, left, right);
-    for (std::size_t longest : {stream.bytes, std::size_t{4096}, std::size_t{701}, std::size_t{3}}) {
+    for (std::size_t longest :
+         {stream.bytes, std::size_t{4096}, std::size_t{701}, std::size_t{3}}) {
       Engine engine(stream);
       ASSERT_TRUE(engine);
       ASSERT_GE(engine.delay(), 1u);
@@ -152,7 +153,8 @@ TEST(DsdToPcmBuf, SilenceBringsOutTheRest) {
     engine.Send(left, right);
     EXPECT_LT(engine.pcm().size(), expected.size());
     const auto rest = engine.delay() * static_cast<std::size_t>(stream.dsd_rate) /
-                          static_cast<std::size_t>(stream.pcm_rate) / 8 + 1;
+                          static_cast<std::size_t>(stream.pcm_rate) / 8 +
+                      1;
     engine.Send(Bytes(rest, 0x69), Bytes(rest, 0x69));
     ASSERT_GE(engine.pcm().size(), expected.size());
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), engine.pcm().begin()));
@@ -166,8 +168,8 @@ TEST(DsdToPcmBuf, RefusedPiecesCanBeSentAgain) {
   const Bytes expected = OnePass(stream, left, right);
   const Engine engine(stream);
   const int bytes = static_cast<int>(stream.bytes);
-  const int wanted = static_cast<int>(
-      (stream.frames(stream.bytes, true) - engine.delay()) * stream.frame_bytes());
+  const int wanted =
+      static_cast<int>((stream.frames(stream.bytes, true) - engine.delay()) * stream.frame_bytes());
   Bytes pcm(static_cast<std::size_t>(wanted), 0xEE);
   for (int room : {wanted - 1, 0, -1})
     EXPECT_EQ(DSDtoPCMBuf_ToPCM(engine.get(), dsd.data(), bytes, pcm.data(), room), -1);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Streams with and without a converter: bytes come through in order in pieces of any size, calls that
-// wait end with the stream, and no size or order of calls reaches beyond a block.
+// Streams with and without a converter: bytes come through in order in pieces of any size, calls
+// that wait end with the stream, and no size or order of calls reaches beyond a block.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,8 @@ using corvin::testing::Watchdog;
 
 Bytes Numbers(std::size_t count) {
   Bytes bytes(count);
-  for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
+  for (std::size_t i = 0; i < count; ++i)
+    bytes[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
   return bytes;
 }
 
@@ -120,8 +121,8 @@ TEST(Streams, PcmIsPlacedByTheDsdBlock) {
   EXPECT_TRUE(std::equal(bytes.begin() + 4000, bytes.begin() + 5000, block + 4000));
 }
 
-// Every relation of the two block sizes, the pusher kept going by a thread that releases its blocks.
-// The address sanitizer watches the bounds.
+// Every relation of the two block sizes, the pusher kept going by a thread that releases its
+// blocks. The address sanitizer watches the bounds.
 TEST(Streams, NoSizeReachesBeyondABlock) {
   const Watchdog watchdog(100);
   std::mt19937 random(11);
@@ -135,7 +136,8 @@ TEST(Streams, NoSizeReachesBeyondABlock) {
     std::thread release([&stream, blocks] {
       for (int seq = 0; seq < blocks; ++seq) stream.pcmRing.Read1Lock(seq, 0)->Read1Unlock(0);
     });
-    Bytes bytes(static_cast<std::size_t>(blocks) * static_cast<std::size_t>(stream.pcmBlockSize) + 1);
+    Bytes bytes(static_cast<std::size_t>(blocks) * static_cast<std::size_t>(stream.pcmBlockSize) +
+                1);
     EXPECT_TRUE(MoveCut(bytes, 1 + static_cast<int>(random() % 30000),
                         [&](auto* at, int n) { return stream.PCMWrite(at, n); }));
     EXPECT_EQ(stream.PCMWrite(bytes.data(), 1), 1);  // a copy across the boundary publishes nothing
@@ -146,12 +148,11 @@ TEST(Streams, NoSizeReachesBeyondABlock) {
 TEST(Streams, ArgumentsOutOfRangeMoveNothing) {
   const Watchdog watchdog(20);
   const int kMax = 2147483647;
-  const int kArguments[][4] = {{0, 44100, 44100, 24},     {-1, 44100, 44100, 24},
-                               {2, 0, 44100, 24},         {2, -44100, 44100, 24},
-                               {2, 44100, 0, 24},         {2, 44100, -1, 24},
-                               {2, 2822400, 600, 24},     {2, 44100, 44100, 7},
-                               {kMax, 44100, 44100, 24},  {2, 1, kMax, 24},
-                               {8, 44100, 44100, kMax},   {kMax, 1, kMax, kMax}};
+  const int kArguments[][4] = {
+      {0, 44100, 44100, 24},  {-1, 44100, 44100, 24},  {2, 0, 44100, 24},
+      {2, -44100, 44100, 24}, {2, 44100, 0, 24},       {2, 44100, -1, 24},
+      {2, 2822400, 600, 24},  {2, 44100, 44100, 7},    {kMax, 44100, 44100, 24},
+      {2, 1, kMax, 24},       {8, 44100, 44100, kMax}, {kMax, 1, kMax, kMax}};
   const auto moves_nothing = [](auto& stream) {
     Bytes bytes(100);
     EXPECT_EQ(stream.DSDWrite(bytes.data(), 100), 0);
@@ -227,8 +228,8 @@ TEST(Streams, EncodingPullTakesWhatWasPushed) {
 
 // ---- Converters -------------------------------------------------------------------------------
 
-/// Brings DSD bytes to the PCM side as they are, in a thread, by the procedures that the stream hands
-/// to converters.
+/// Brings DSD bytes to the PCM side as they are, in a thread, by the procedures that the stream
+/// hands to converters.
 class CopyingConverter : public CDSDtoPCM {
  public:
   explicit CopyingConverter(CDSDDecode* stream)
@@ -237,7 +238,8 @@ class CopyingConverter : public CDSDtoPCM {
                                              Bytes bytes(1000);
                                              int count = 1000;
                                              while (count == 1000) {
-                                               count = BufferReadProcDec(bytes.data(), 1000, stream);
+                                               count =
+                                                   BufferReadProcDec(bytes.data(), 1000, stream);
                                                BufferWriteProcDec(bytes.data(), count, stream);
                                              }
                                            }),
