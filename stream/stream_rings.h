@@ -91,7 +91,7 @@ class StreamRings {
       const int offset = static_cast<int>(pos % static_cast<std::uint64_t>(side.block_size));
       const int room = std::min(size - moved, side.block_size - offset);
       const auto count = std::min<std::uint64_t>(allowed, static_cast<std::uint64_t>(room));
-      std::memcpy(buffer + moved, block->data + offset, count);
+      std::memcpy(buffer + moved, block->data + offset, static_cast<std::size_t>(count));
       side.pos = pos + count;
       moved += static_cast<int>(count);
     }

@@ -4,8 +4,12 @@
 // The buffer-mode engine against whole conversions: however the stream is cut, the same bytes.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <ctime>
 #include <future>
 #include <memory>
@@ -20,6 +24,7 @@
 
 namespace {
 
+using corvin::testing::Watchdog;
 using Bytes = std::vector<unsigned char>;
 
 struct Stream {
@@ -33,8 +38,9 @@ struct Stream {
   std::size_t frame_bytes() const { return 2 * static_cast<std::size_t>(bits) / 8; }
   /// Output frames of `count` bytes, rounded up or down.
   std::size_t frames(std::size_t count, bool up) const {
-    const auto pcm = static_cast<std::size_t>(pcm_rate), dsd = static_cast<std::size_t>(dsd_rate);
-    return (8 * count * pcm + (up ? dsd - 1 : 0)) / dsd;
+    const std::uint64_t samples = 8 * count, dsd = static_cast<std::uint64_t>(dsd_rate);
+    return static_cast<std::size_t>(
+        (samples * static_cast<std::uint64_t>(pcm_rate) + (up ? dsd - 1 : 0)) / dsd);
   }
 };
 
@@ -124,7 +130,7 @@ void SendCut(Engine& engine, const Bytes& left, const Bytes& right, std::size_t 
 }
 
 TEST(DsdToPcmBuf, AnyCutGivesTheBytesOfOnePass) {
-  const corvin::testing::Watchdog watchdog(200);
+  const Watchdog watchdog(200);
   for (const Stream& stream : kStreams) {
     SCOPED_TRACE(::testing::Message() << stream);
     const Bytes left = RandomChannel(stream.bytes, 1), right = RandomChannel(stream.bytes, 2);
@@ -199,7 +205,7 @@ TEST(DsdToPcmBuf, ArgumentsOutOfRangeGiveNoEngine) {
 // ---- Threads ----------------------------------------------------------------------------------
 
 TEST(DsdToPcmBuf, EnginesAtOnceGiveTheirOwnBytes) {
-  const corvin::testing::Watchdog watchdog(200);
+  const Watchdog watchdog(200);
   std::vector<std::future<bool>> running;
   for (int copy = 0; copy < 2; ++copy)
     for (const Stream& stream : {kStreams[1], kStreams[3], kStreams[7]})
@@ -214,7 +220,7 @@ TEST(DsdToPcmBuf, EnginesAtOnceGiveTheirOwnBytes) {
 }
 
 TEST(DsdToPcmBuf, ThreadsSleepBetweenBuffersAndEndWithTheEngine) {
-  const corvin::testing::Watchdog watchdog(100);
+  const Watchdog watchdog(100);
   for (bool used : {false, true}) {
     Engine engine(kStreams[0]);
     if (used) engine.Send(Bytes(100, 0x55), Bytes(100, 0x0F));
@@ -224,5 +230,48 @@ TEST(DsdToPcmBuf, ThreadsSleepBetweenBuffersAndEndWithTheEngine) {
     EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 10);
   }
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+/// Makes engines until the system refuses one, with `megabytes` of address space to spare: 0 when
+/// the others still work and one of them can be replaced.
+int MakeWithin(int megabytes) {
+  const Watchdog watchdog(60);
+  const Bytes dsd(2 * 512, 0x69);
+  Bytes pcm(512 * 6);
+  std::vector<CDSDtoPCMBuf*> engines;
+  engines.reserve(1000);
+  std::FILE* const statm = std::fopen("/proc/self/statm", "r");
+  unsigned long pages = 0;
+  if (!statm || std::fscanf(statm, "%lu", &pages) != 1) return 99;
+  const rlim_t space =
+      pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + (static_cast<rlim_t>(megabytes) << 20);
+  const rlimit limit{space, space};
+  if (setrlimit(RLIMIT_AS, &limit) != 0) return 99;
+  const auto make = [] { return GetCDSDtoPCMBufClass(2822400, 768000, false, 24, false); };
+  while (CDSDtoPCMBuf* const engine = make()) {
+    engines.push_back(engine);
+    if (engines.size() == engines.capacity()) return 1;
+  }
+  if (engines.empty()) return 2;
+  CloseDSDtoPCMBuf(engines.back());
+  engines.back() = make();
+  for (CDSDtoPCMBuf* const engine : engines) {
+    if (DSDtoPCMBuf_ToPCM(engine, dsd.data(), 8, pcm.data(), 512 * 6) < 0) return 3;
+    CloseDSDtoPCMBuf(engine);
+  }
+  return 0;
+}
+
+// The system refuses memory or either thread, depending on where it runs out.
+TEST(DsdToPcmBuf, RefusedMemoryAndThreadsGiveNoEngine) {
+  for (int megabytes = 20; megabytes < 80; megabytes += 3) {
+    const pid_t child = fork();
+    if (child == 0) _exit(MakeWithin(megabytes));
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << megabytes << ": " << status;
+  }
+}
+#endif
 
 }  // namespace
