@@ -16,6 +16,7 @@ struct Modulator::Stream {
   // Samples before the loop's next one, and samples waiting for it.
   static constexpr std::size_t kHistory = Interpolation::kMaxTaps / 2 - 1;
   static constexpr std::size_t kCapacity = 1024;
+  static constexpr std::size_t kSlack = 16;  // loops read whole vectors
 
   explicit Stream(const ModulatorConfig& config)
       : channels(config.channels), interpolation(config.wide_band) {
@@ -68,7 +69,7 @@ struct Modulator::Stream {
   std::unique_ptr<ModulatorLoop> loop;
   std::size_t waiting = 0;
   std::size_t owed = 0;  // bytes not yet written for samples taken
-  double staged[2][kHistory + kCapacity] = {};
+  double staged[2][kHistory + kCapacity + kSlack] = {};
 };
 
 Modulator::Modulator(const ModulatorConfig& config) : stream_(std::make_unique<Stream>(config)) {}

@@ -20,10 +20,19 @@ class ReferenceLoop {
 
   /// Takes the input at one bit and returns the bit: +1 or -1.
   double step(double u) {
+    const double v = output(u) < 0 ? -1.0 : 1.0;
+    advance(u - v);
+    return v;
+  }
+
+  /// What the quantiser sees.
+  double output(double u) const {
     double y = u;
     for (int i = 0; i < shaper_->order; ++i) y += shaper_->c[i] * x[i];
-    const double v = y < 0 ? -1.0 : 1.0;
-    double in = u - v;
+    return y;
+  }
+
+  void advance(double in) {
     for (int k = 0; k < shaper_->order / 2; ++k) {
       double& a = x[2 * k];
       double& b = x[2 * k + 1];
@@ -32,7 +41,6 @@ class ReferenceLoop {
       b += a;
       in = out;
     }
-    return v;
   }
 
   bool lost_lock() const {
