@@ -44,21 +44,23 @@ inline constexpr int kStateToC = 8, kInputToC = 5, kShiftC = 11;
 struct BlockLoopTables {
   int taps = 4;  ///< of the interpolation: 4 or 6
   /// What decision i subtracts if +1 and adds if -1, from the sub-block's own base and from the
-  /// next one's. Even.
-  alignas(64) std::int16_t own[8][8];
-  std::int16_t next[8][8];
-  /// Bases of the sub-blocks a and c of the next block: [element or input][y].
-  std::int16_t state_to_a[10][8], input_to_a[kBlockMaxTaps + 2][8];
-  std::int16_t state_to_c[10][8], input_to_c[kBlockMaxTaps + 4][8];  ///< the last input is 0
+  /// next one's. Even. Like all rows of 16 twice the same, once per channel.
+  alignas(64) std::int16_t own[8][16];
+  std::int16_t next[8][16];
+  /// Bases of the sub-blocks a and c of the next block, from pairs of elements and of inputs as
+  /// multiply-add instructions take them: [pair][y odd][y / 2][which of the pair].
+  std::int16_t state_to_a[5][2][16], input_to_a[(kBlockMaxTaps + 2) / 2][2][16];
+  std::int16_t state_to_c[5][2][16], input_to_c[(kBlockMaxTaps + 4) / 2][2][16];
   /// What the bits of a sub-block subtract from the bases two and three sub-blocks on. Even.
-  std::int16_t second[256][8], third[256][8];
+  alignas(64) std::int16_t second[256][8], third[256][8];
   /// The next state: [element][state or input], and by the bytes of the sub-blocks a and c.
-  double first_by_state[2][2], first_by_input[kBlockMaxTaps + 1][2];
+  alignas(64) double first_by_state[2][2], first_by_input[kBlockMaxTaps + 1][2];
   double first_by_a[256][2], first_by_c[256][2];
-  float rest_by_state[10][kBlockRest], rest_by_input[kBlockMaxTaps + 1][kBlockRest];
-  float rest_by_a[256][kBlockRest], rest_by_c[256][kBlockRest];
+  alignas(64) float rest_by_state[10][kBlockRest], rest_by_input[kBlockMaxTaps + 1][kBlockRest];
+  alignas(64) float rest_by_a[256][kBlockRest], rest_by_c[256][kBlockRest];
   /// Bounds of a loop in lock, of the rounded state.
-  std::int16_t bound[10];
+  /// bound_first holds the first two elements' in turn, bound_rest the others'.
+  alignas(64) std::int16_t bound_first[16], bound_rest[16];
 };
 
 /// Both channels at the begin of a block.
@@ -89,7 +91,8 @@ inline RoundedState rounded_state(const BlockLoopState& state, int channel) {
 
 inline bool in_lock(const BlockLoopTables& tables, const RoundedState& state) {
   for (int i = 0; i < 2 + kBlockRest; ++i) {
-    if (std::abs(int{state.at[i]}) > tables.bound[i]) return false;
+    const int bound = i < 2 ? tables.bound_first[i] : tables.bound_rest[i - 2];
+    if (std::abs(int{state.at[i]}) > bound) return false;
   }
   return true;
 }

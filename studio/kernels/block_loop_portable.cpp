@@ -20,13 +20,13 @@ std::int16_t rounded_input(double sample) {
   return static_cast<std::int16_t>((sample * (1 << kInputFraction) + kRounder) - kRounder);
 }
 
-void subtract(std::int16_t (&from)[8], const std::int16_t (&row)[8]) {
+void subtract(std::int16_t (&from)[8], const std::int16_t* row) {
   for (int i = 0; i < 8; ++i) {
     from[i] = wrap16(static_cast<std::uint32_t>(from[i]) - static_cast<std::uint32_t>(row[i]));
   }
 }
 
-void add(std::int16_t (&to)[8], const std::int16_t (&row)[8]) {
+void add(std::int16_t (&to)[8], const std::int16_t* row) {
   for (int i = 0; i < 8; ++i) {
     to[i] = wrap16(static_cast<std::uint32_t>(to[i]) + static_cast<std::uint32_t>(row[i]));
   }
@@ -49,25 +49,32 @@ unsigned decide(const BlockLoopTables& tables, std::int16_t (&base)[8], std::int
   return bits;
 }
 
-template <std::size_t kInputs>
-void make_base(const std::int16_t (&by_state)[10][8], const std::int16_t (&by_input)[kInputs][8],
-               const RoundedState& state, const std::int16_t* input, int inputs, int shift,
-               std::int16_t (&base)[8]) {
-  for (int i = 0; i < 8; ++i) {
-    std::uint32_t sum = 0;
-    for (int j = 0; j < 10; ++j) sum += static_cast<std::uint32_t>(by_state[j][i] * state.at[j]);
-    for (int j = 0; j < inputs; ++j) sum += static_cast<std::uint32_t>(by_input[j][i] * input[j]);
-    base[i] = wrap16((sum >> shift) | 1u);
+// The pairs' contributions to y.
+std::uint32_t products(const std::int16_t (*by_pair)[2][16], const std::int16_t* values, int pairs,
+                       int y) {
+  std::uint32_t sum = 0;
+  for (int i = 0; i < 2 * pairs; ++i) {
+    sum += static_cast<std::uint32_t>(by_pair[i / 2][y % 2][y / 2 * 2 + i % 2] * values[i]);
   }
+  return sum;
 }
 
 void run_block(const BlockLoopTables& tables, BlockLoopState& state, int channel,
                const RoundedState& rounded, const double* in, std::uint8_t* out) {
-  std::int16_t input[kBlockMaxTaps + 3];
-  for (int j = 0; j < tables.taps + 3; ++j) input[j] = rounded_input(in[j]);
+  std::int16_t input[kBlockMaxTaps + 4];
+  for (int j = 0; j < tables.taps + 4; ++j) input[j] = rounded_input(in[j]);
+  const int pairs = tables.taps / 2 + 1;
   std::int16_t next_a[8], next_c[8];
-  make_base(tables.state_to_a, tables.input_to_a, rounded, input, tables.taps + 2, kShiftA, next_a);
-  make_base(tables.state_to_c, tables.input_to_c, rounded, input, tables.taps + 3, kShiftC, next_c);
+  for (int y = 0; y < 8; ++y) {
+    next_a[y] = wrap16((products(tables.state_to_a, rounded.at, 5, y) +
+                        products(tables.input_to_a, input, pairs, y)) >>
+                           kShiftA |
+                       1u);
+    next_c[y] = wrap16((products(tables.state_to_c, rounded.at, 5, y) +
+                        products(tables.input_to_c, input, pairs + 1, y)) >>
+                           kShiftC |
+                       1u);
+  }
 
   const unsigned a = decide(tables, state.base_a[channel], state.base_c[channel]);
   const unsigned c = decide(tables, state.base_c[channel], next_a);

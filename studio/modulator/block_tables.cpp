@@ -70,6 +70,12 @@ std::int16_t nearest_even(double value) {
       static_cast<std::uint16_t>(2 * static_cast<std::int64_t>(std::floor(value / 2 + 0.5))));
 }
 
+void set_product(std::int16_t (*by_pair)[2][16], int element, int y, double value) {
+  std::int16_t* const row = by_pair[element / 2][y % 2];
+  row[y / 2 * 2 + element % 2] = nearest(value);
+  row[8 + y / 2 * 2 + element % 2] = nearest(value);
+}
+
 double bit_sign(int byte, int bit) { return (byte >> (kBits - 1 - bit) & 1) != 0 ? 1.0 : -1.0; }
 
 // Response to the samples from `first` on of a sub-block whose bits are interpolated from them.
@@ -124,9 +130,10 @@ void make_block_tables(const NoiseShaper& shaper, const Interpolation& interpola
   constexpr double kBase = 1 << kBaseFraction;
   constexpr double kState = 1 << kStateFraction;
   for (int bit = 0; bit < kBits; ++bit) {
-    for (int i = 0; i < kBits; ++i) {
-      tables.own[bit][i] = i > bit ? nearest_even(own.at[i][bit] * kBase) : std::int16_t{0};
-      tables.next[bit][i] = nearest_even(r1.at[i][bit] * kBase);
+    for (int i = 0; i < 2 * kBits; ++i) {
+      const int y = i % kBits;
+      tables.own[bit][i] = y > bit ? nearest_even(own.at[y][bit] * kBase) : std::int16_t{0};
+      tables.next[bit][i] = nearest_even(r1.at[y][bit] * kBase);
     }
   }
   double input_a[kBlockMaxTaps + 2][kBits] = {};
@@ -141,16 +148,16 @@ void make_block_tables(const NoiseShaper& shaper, const Interpolation& interpola
   add_inputs(own, interpolation, 3, input_c);
   add_inputs(early, interpolation, 0, input_state);
   add_inputs(g, interpolation, 1, input_state);
-  for (int i = 0; i < kBits; ++i) {
+  for (int y = 0; y < kBits; ++y) {
     for (int j = 0; j < kOrder; ++j) {
-      tables.state_to_a[j][i] = nearest(to_a.at[i][j] * (1 << kStateToA));
-      tables.state_to_c[j][i] = nearest(to_c.at[i][j] * (1 << kStateToC));
+      set_product(tables.state_to_a, j, y, to_a.at[y][j] * (1 << kStateToA));
+      set_product(tables.state_to_c, j, y, to_c.at[y][j] * (1 << kStateToC));
     }
     for (int j = 0; j < tables.taps + 2; ++j) {
-      tables.input_to_a[j][i] = nearest(input_a[j][i] * (1 << kInputToA));
+      set_product(tables.input_to_a, j, y, input_a[j][y] * (1 << kInputToA));
     }
     for (int j = 0; j < tables.taps + 3; ++j) {
-      tables.input_to_c[j][i] = nearest(input_c[j][i] * (1 << kInputToC));
+      set_product(tables.input_to_c, j, y, input_c[j][y] * (1 << kInputToC));
     }
   }
   for (int i = 0; i < kOrder; ++i) {
@@ -163,7 +170,10 @@ void make_block_tables(const NoiseShaper& shaper, const Interpolation& interpola
       if (i < 2) tables.first_by_input[j][i] = value;
       if (i >= 2) tables.rest_by_input[j][i - 2] = static_cast<float>(value);
     }
-    tables.bound[i] = i < shaper.order ? nearest(shaper.bound[i] * kState) : std::int16_t{0};
+  }
+  for (int i = 0; i < 16; ++i) {
+    tables.bound_first[i] = nearest(shaper.bound[i % 2] * kState);
+    tables.bound_rest[i] = nearest(shaper.bound[2 + i % kBlockRest] * kState);
   }
   for (int byte = 0; byte < 256; ++byte) {
     for (int i = 0; i < kBits; ++i) {
