@@ -20,30 +20,23 @@ std::int16_t rounded_input(double sample) {
   return static_cast<std::int16_t>((sample * (1 << kInputFraction) + kRounder) - kRounder);
 }
 
+std::uint16_t word(std::int16_t value) { return static_cast<std::uint16_t>(value); }
+
 void subtract(std::int16_t (&from)[8], const std::int16_t* row) {
-  for (int i = 0; i < 8; ++i) {
-    from[i] = wrap16(static_cast<std::uint32_t>(from[i]) - static_cast<std::uint32_t>(row[i]));
-  }
+  for (int i = 0; i < 8; ++i) from[i] = static_cast<std::int16_t>(word(from[i]) - word(row[i]));
 }
 
-void add(std::int16_t (&to)[8], const std::int16_t* row) {
-  for (int i = 0; i < 8; ++i) {
-    to[i] = wrap16(static_cast<std::uint32_t>(to[i]) + static_cast<std::uint32_t>(row[i]));
-  }
-}
-
-// A sub-block's bits.
+// A sub-block's bits. Nobody can predict them, so the sign goes into the rows without a branch.
 unsigned decide(const BlockLoopTables& tables, std::int16_t (&base)[8], std::int16_t (&next)[8]) {
   unsigned bits = 0;
   for (int i = 0; i < 8; ++i) {
-    const bool plus = base[i] > 0;
-    bits = bits << 1 | (plus ? 1u : 0u);
-    if (plus) {
-      subtract(base, tables.own[i]);
-      subtract(next, tables.next[i]);
-    } else {
-      add(base, tables.own[i]);
-      add(next, tables.next[i]);
+    const std::uint16_t minus = base[i] < 0 ? 0xffff : 0;
+    bits = bits << 1 | (~minus & 1u);
+    for (int j = 0; j < 8; ++j) {
+      const int own = (word(tables.own[i][j]) ^ minus) - minus;
+      const int other = (word(tables.next[i][j]) ^ minus) - minus;
+      base[j] = static_cast<std::int16_t>(word(base[j]) - own);
+      next[j] = static_cast<std::int16_t>(word(next[j]) - other);
     }
   }
   return bits;
