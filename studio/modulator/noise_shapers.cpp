@@ -27,11 +27,12 @@ constexpr double kWeights6[] = {0x1.59a551d5ea02cp-1,  0x1.be82255024916p-3,
                                 0x1.6a23ec7a92ab0p-15, 0x1.fd24e5d25da48p-20};
 constexpr double kZeros6[] = {0x1.71dd5b7a7ad04p-17, 0x1.62fdbaf148032p-14, 0x1.61003769607a6p-13};
 
-// 2.2 times the largest |c_i x_i| under the loudest signals that the loop follows for ever. 1.6
-// times gave a false alarm, each of which is a click.
+// 2.2 to 2.5 times the largest |c_i x_i| under the loudest signals that the loops follow for ever.
+// 1.6 times gave a false alarm, each of which is a click.
 constexpr double kBounds10[] = {3.61, 8.51, 12.81, 19.87, 21.2, 15.78, 12.65, 2.81, 2.34, 0.86};
-constexpr double kBounds8[] = {3.61, 8.51, 12.81, 19.87, 21.2, 15.78, 12.65, 2.81};
-constexpr double kBounds6[] = {3.61, 8.51, 12.81, 19.87, 21.2, 15.78};
+constexpr double kBoundsTree[] = {4.4, 12.5, 18.2, 31.5, 32.2, 25.5, 20.3, 6.2, 4.5, 1.05};
+constexpr double kBounds8[] = {3.4, 6.9, 8.3, 15.8, 11.3, 12.2, 4.8, 3.1};
+constexpr double kBounds6[] = {3.0, 3.3, 2.2, 2.8, 1.4, 1.4};
 
 template <int kOrder>
 NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
@@ -48,8 +49,8 @@ NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
 
 // With a ceiling 0.01 higher, clipped loud signals already throw the loops out of lock.
 const NoiseShaper kStandard = shaper(kPlain10, kZeros10, kBounds10, 0.7075, 0.72);
-const NoiseShaper kHigh = shaper(kTree4, kZeros10, kBounds10, 0.7075, 0.72);
-const NoiseShaper kBest = shaper(kTree8, kZeros10, kBounds10, 0.7075, 0.72);
+const NoiseShaper kHigh = shaper(kTree4, kZeros10, kBoundsTree, 0.7075, 0.72);
+const NoiseShaper kBest = shaper(kTree8, kZeros10, kBoundsTree, 0.7075, 0.72);
 const NoiseShaper kQuadruple = shaper(kWeights8, kZeros8, kBounds8, 0.79, 0.82);
 const NoiseShaper kOctuple = shaper(kWeights6, kZeros6, kBounds6, 0.83, 0.86);
 

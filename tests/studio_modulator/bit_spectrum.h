@@ -35,11 +35,11 @@ inline std::vector<double> kaiser(std::size_t half, double beta) {
 }
 
 /// Low-passes bits (earliest in the most significant place) and keeps one sample in `step`: flat up
-/// to `band`, in parts of the bit rate, and 190 dB down wherever that folds into the band. Sample n
-/// lies on bit n x step + the first element.
+/// to `band` and 190 dB down from `stop`, in parts of the bit rate. Sample n lies on bit n x step +
+/// the first element.
 inline std::pair<std::size_t, std::vector<double>> decimate(const std::vector<std::uint8_t>& bytes,
-                                                            std::size_t step, double band) {
-  const double stop = 1.0 / static_cast<double>(step) - band;
+                                                            std::size_t step, double band,
+                                                            double stop) {
   const double cutoff = (band + stop) / 2;
   const auto half = static_cast<std::size_t>(
       std::ceil((190 - 7.95) / (2.285 * 2 * std::numbers::pi * (stop - band)) / 2));
@@ -112,7 +112,9 @@ class BitSpectrum {
     while (rate_hz / static_cast<double>(2 * step) > 3.4 * band_hz) step *= 2;
     const std::vector<std::uint8_t> used(bytes.begin() + static_cast<std::ptrdiff_t>(settle),
                                          bytes.end());
-    const std::vector<double> samples = decimate(used, step, band_hz / rate_hz).second;
+    const std::vector<double> samples =
+        decimate(used, step, band_hz / rate_hz, 1.0 / static_cast<double>(step) - band_hz / rate_hz)
+            .second;
     std::size_t size = 1;
     while (2 * size <= samples.size()) size *= 2;
     const std::vector<double> window = kaiser(size / 2, 26);
