@@ -57,15 +57,26 @@ inline __m256i half_rows(const std::int16_t* left, const std::int16_t* right) {
       _mm_load_si128(reinterpret_cast<const __m128i*>(right)), 1);
 }
 
-// Decision i of a sub-block.
+// Compilers would cluster what is spread with care: values pinned one after the other are made in
+// this order.
+template <typename Vector>
+inline void pin(Vector& vector) {
+  asm volatile("" : "+x"(vector));
+}
+template <typename Vector>
+inline void pin(Vector& first, Vector& second) {
+  asm volatile("" : "+x"(first), "+x"(second));
+}
+
+// Decision i of a sub-block. The base waits for nothing but the broadcast of the sign and a blend,
+// the shortest chain; the next base has time for fewer instructions.
 template <int kBit>
 inline void decide(const BlockLoopTables& tables, __m256i& base, __m256i& next) {
-  constexpr char kLow = 2 * kBit;
-  constexpr char kHigh = 2 * kBit + 1;
-  const __m256i lane = _mm256_set1_epi16(static_cast<short>(kHigh << 8 | kLow));
-  const __m256i y = _mm256_shuffle_epi8(base, lane);
-  base = _mm256_sub_epi16(base, _mm256_sign_epi16(row(tables.own[kBit]), y));
-  next = _mm256_sub_epi16(next, _mm256_sign_epi16(row(tables.next[kBit]), y));
+  const __m256i y = _mm256_shuffle_epi8(base, _mm256_set1_epi8(2 * kBit + 1));
+  const __m256i own = row(tables.own[kBit]);
+  const __m256i other = row(tables.next[kBit]);
+  base = _mm256_blendv_epi8(_mm256_sub_epi16(base, own), _mm256_add_epi16(base, own), y);
+  next = _mm256_sub_epi16(next, _mm256_sign_epi16(other, _mm256_or_si256(y, _mm256_set1_epi16(1))));
 }
 
 struct Bytes {
@@ -81,6 +92,63 @@ inline Bytes bytes_of(__m256i base) {
   return {mask & 0xff, mask >> 16 & 0xff};
 }
 
+// Sums of products for the even and the odd y of a base.
+struct Sums {
+  __m256i even;
+  __m256i odd;
+
+  inline void multiply(__m256i pair, const std::int16_t (&by)[2][16]) {
+    even = _mm256_madd_epi16(pair, row(by[0]));
+    odd = _mm256_madd_epi16(pair, row(by[1]));
+  }
+  inline void add(__m256i pair, const std::int16_t (&by)[2][16]) {
+    even = _mm256_add_epi32(even, _mm256_madd_epi16(pair, row(by[0])));
+    odd = _mm256_add_epi32(odd, _mm256_madd_epi16(pair, row(by[1])));
+  }
+  template <int kShift>
+  inline __m256i base() const {
+    const __m256i merged = _mm256_blend_epi16(_mm256_srli_epi32(even, kShift),
+                                              _mm256_slli_epi32(odd, 16 - kShift), 0xaa);
+    return _mm256_or_si256(merged, _mm256_set1_epi16(1));
+  }
+};
+
+// The next state's floats of one channel, two chains of additions.
+struct Rest {
+  __m256 one;
+  __m256 other;
+
+  static inline __m256 term(const float (&by)[kBlockRest], const float& value) {
+    return _mm256_mul_ps(_mm256_load_ps(by), _mm256_broadcast_ss(&value));
+  }
+  template <int kTaps>
+  inline void add_inputs(const BlockLoopTables& tables, const float* samples) {
+    one = term(tables.rest_by_input[0], samples[0]);
+    for (int j = 1; j <= kTaps; ++j)
+      one = _mm256_add_ps(one, term(tables.rest_by_input[j], samples[j]));
+  }
+  inline void add_state(const BlockLoopTables& tables, const float* first, const float* x) {
+    for (int j = 0; j < 2; ++j) one = _mm256_add_ps(one, term(tables.rest_by_state[j], first[j]));
+    other = term(tables.rest_by_state[2], x[0]);
+    for (int j = 3; j < 6; ++j)
+      other = _mm256_add_ps(other, term(tables.rest_by_state[j], x[j - 2]));
+    for (int j = 6; j < 10; ++j) one = _mm256_add_ps(one, term(tables.rest_by_state[j], x[j - 2]));
+    one = _mm256_add_ps(one, other);
+  }
+};
+
+inline __m256d column(const double (&two)[2]) {
+  return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(two));
+}
+
+inline __m256d halves(const double (*by_byte)[2], Bytes bytes) {
+  return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(by_byte[bytes.left])),
+                              _mm_load_pd(by_byte[bytes.right]), 1);
+}
+
+// What the decisions wait for is spread between them: the inputs' share first, the states' share,
+// which becomes known some fifty cycles after the last bit, from the middle on. In plain order the
+// processor's window fills with what has to wait, which costs a sixth.
 template <int kTaps>
 struct Loop {
   const BlockLoopTables& tables;
@@ -93,132 +161,102 @@ struct Loop {
   // False: nothing happens, since a state is out of bounds.
   inline bool block(const Inputs& inputs, std::size_t number, bool checked, std::uint8_t* out_left,
                     std::uint8_t* out_right) {
+    constexpr int kPairs = kTaps / 2 + 1;
+    const std::int16_t(*pairs)[16] = inputs.pairs + number;
+    __m256i a_now = base_a;
+    __m256i c_now = base_c;
+    decide<0>(tables, a_now, c_now);
+    Sums sums_a, sums_c;
+    sums_a.multiply(row(pairs[0]), tables.input_to_a[0]);
+    for (int i = 1; i < kPairs; ++i) sums_a.add(row(pairs[i]), tables.input_to_a[i]);
+    pin(sums_a.even, sums_a.odd);
+    decide<1>(tables, a_now, c_now);
+    sums_c.multiply(row(pairs[0]), tables.input_to_c[0]);
+    for (int i = 1; i <= kPairs; ++i) sums_c.add(row(pairs[i]), tables.input_to_c[i]);
+    pin(sums_c.even, sums_c.odd);
+    decide<2>(tables, a_now, c_now);
+    const double(*wide)[4] = inputs.wide + kBlockSamples * number;
+    __m256d next_first = _mm256_mul_pd(column(tables.first_by_input[0]), _mm256_load_pd(wide[0]));
+    for (int j = 1; j <= kTaps; ++j) {
+      next_first = _mm256_add_pd(
+          next_first, _mm256_mul_pd(column(tables.first_by_input[j]), _mm256_load_pd(wide[j])));
+    }
+    pin(next_first);
+    decide<3>(tables, a_now, c_now);
+    Rest next_left, next_right;
+    next_left.template add_inputs<kTaps>(tables, inputs.narrow[0] + kBlockSamples * number);
+    pin(next_left.one);
+    decide<4>(tables, a_now, c_now);
+    next_right.template add_inputs<kTaps>(tables, inputs.narrow[1] + kBlockSamples * number);
+    pin(next_right.one);
+    decide<5>(tables, a_now, c_now);
     const __m128 first_narrow = _mm256_cvtpd_ps(first);
     const __m128i first_integers = _mm_cvtps_epi32(first_narrow);
-    const __m256i first_rounded =
-        _mm256_castsi128_si256(_mm_packs_epi32(first_integers, first_integers));
+    const __m256i pair_first = _mm256_permutevar8x32_epi32(
+        _mm256_castsi128_si256(_mm_packs_epi32(first_integers, first_integers)),
+        _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
     const __m256i rest_rounded = _mm256_permute4x64_epi64(
         _mm256_packs_epi32(_mm256_cvtps_epi32(left), _mm256_cvtps_epi32(right)), 0xd8);
-    const __m256i pair_first =
-        _mm256_permutevar8x32_epi32(first_rounded, _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
     const __m256i excess =
         _mm256_or_si256(_mm256_subs_epu16(_mm256_abs_epi16(rest_rounded), row(tables.bound_rest)),
                         _mm256_subs_epu16(_mm256_abs_epi16(pair_first), row(tables.bound_first)));
     if (checked && !_mm256_testz_si256(excess, excess)) return false;
-
     alignas(32) float x[2][kBlockRest];
     alignas(16) float x_first[4];
     _mm256_store_ps(x[0], left);
     _mm256_store_ps(x[1], right);
     _mm_store_ps(x_first, first_narrow);
-
+    decide<6>(tables, a_now, c_now);
     const __m256i state[5] = {pair_first, _mm256_shuffle_epi32(rest_rounded, 0x00),
                               _mm256_shuffle_epi32(rest_rounded, 0x55),
                               _mm256_shuffle_epi32(rest_rounded, 0xaa),
                               _mm256_shuffle_epi32(rest_rounded, 0xff)};
-    decide<0>(tables, base_a, base_c);
-    decide<1>(tables, base_a, base_c);
-    __m256i next_a = next_base<kTaps / 2 + 1, kShiftA>(tables.state_to_a, tables.input_to_a, state,
-                                                       inputs, number);
-    decide<2>(tables, base_a, base_c);
-    decide<3>(tables, base_a, base_c);
-    __m256i next_c = next_base<kTaps / 2 + 2, kShiftC>(tables.state_to_c, tables.input_to_c, state,
-                                                       inputs, number);
-    decide<4>(tables, base_a, base_c);
-    decide<5>(tables, base_a, base_c);
-    __m256d next_first = next_doubles(inputs, number);
-    decide<6>(tables, base_a, base_c);
-    decide<7>(tables, base_a, base_c);
-    const Bytes a = bytes_of(base_a);
+    for (int i = 0; i < 5; ++i) sums_a.add(state[i], tables.state_to_a[i]);
+    __m256i next_a = sums_a.template base<kShiftA>();
+    pin(next_a);
+    decide<7>(tables, a_now, c_now);
+    const Bytes a = bytes_of(a_now);
 
-    decide<0>(tables, base_c, next_a);
-    decide<1>(tables, base_c, next_a);
-    __m256 next_left = next_floats(inputs.narrow[0] + kBlockSamples * number, x_first, x[0]);
-    decide<2>(tables, base_c, next_a);
-    decide<3>(tables, base_c, next_a);
-    __m256 next_right = next_floats(inputs.narrow[1] + kBlockSamples * number, x_first + 2, x[1]);
-    decide<4>(tables, base_c, next_a);
-    decide<5>(tables, base_c, next_a);
+    decide<0>(tables, c_now, next_a);
+    for (int i = 0; i < 5; ++i) sums_c.add(state[i], tables.state_to_c[i]);
+    __m256i next_c = sums_c.template base<kShiftC>();
+    pin(next_c);
+    decide<1>(tables, c_now, next_a);
+    next_first = _mm256_add_pd(
+        next_first, _mm256_mul_pd(column(tables.first_by_state[0]), _mm256_movedup_pd(first)));
+    next_first = _mm256_add_pd(
+        next_first, _mm256_mul_pd(column(tables.first_by_state[1]), _mm256_permute_pd(first, 15)));
+    pin(next_first);
+    decide<2>(tables, c_now, next_a);
+    next_left.add_state(tables, x_first, x[0]);
+    pin(next_left.one);
+    decide<3>(tables, c_now, next_a);
+    next_right.add_state(tables, x_first + 2, x[1]);
+    pin(next_right.one);
+    decide<4>(tables, c_now, next_a);
     next_a = _mm256_sub_epi16(next_a, half_rows(tables.second[a.left], tables.second[a.right]));
     next_c = _mm256_sub_epi16(next_c, half_rows(tables.third[a.left], tables.third[a.right]));
+    pin(next_a, next_c);
+    decide<5>(tables, c_now, next_a);
     next_first = _mm256_add_pd(next_first, halves(tables.first_by_a, a));
-    next_left = _mm256_add_ps(next_left, _mm256_load_ps(tables.rest_by_a[a.left]));
-    next_right = _mm256_add_ps(next_right, _mm256_load_ps(tables.rest_by_a[a.right]));
-    decide<6>(tables, base_c, next_a);
-    decide<7>(tables, base_c, next_a);
-    const Bytes c = bytes_of(base_c);
+    next_left.one = _mm256_add_ps(next_left.one, _mm256_load_ps(tables.rest_by_a[a.left]));
+    next_right.one = _mm256_add_ps(next_right.one, _mm256_load_ps(tables.rest_by_a[a.right]));
+    pin(next_first);
+    pin(next_left.one, next_right.one);
+    decide<6>(tables, c_now, next_a);
+    decide<7>(tables, c_now, next_a);
+    const Bytes c = bytes_of(c_now);
 
     base_a = next_a;
     base_c = _mm256_sub_epi16(next_c, half_rows(tables.second[c.left], tables.second[c.right]));
     first = _mm256_add_pd(next_first, halves(tables.first_by_c, c));
-    left = _mm256_add_ps(next_left, _mm256_load_ps(tables.rest_by_c[c.left]));
-    right = _mm256_add_ps(next_right, _mm256_load_ps(tables.rest_by_c[c.right]));
+    left = _mm256_add_ps(next_left.one, _mm256_load_ps(tables.rest_by_c[c.left]));
+    right = _mm256_add_ps(next_right.one, _mm256_load_ps(tables.rest_by_c[c.right]));
     out_left[0] = static_cast<std::uint8_t>(a.left);
     out_left[1] = static_cast<std::uint8_t>(c.left);
     out_right[0] = static_cast<std::uint8_t>(a.right);
     out_right[1] = static_cast<std::uint8_t>(c.right);
     return true;
-  }
-
- private:
-  static inline __m256d column(const double (&two)[2]) {
-    return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(two));
-  }
-
-  static inline __m256 term(const float (&by)[kBlockRest], const float& value) {
-    return _mm256_mul_ps(_mm256_load_ps(by), _mm256_broadcast_ss(&value));
-  }
-
-  static inline __m256d halves(const double (*by_byte)[2], Bytes bytes) {
-    return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(by_byte[bytes.left])),
-                                _mm_load_pd(by_byte[bytes.right]), 1);
-  }
-
-  template <int kPairs, int kShift>
-  static inline __m256i next_base(const std::int16_t (*by_state)[2][16],
-                                  const std::int16_t (*by_input)[2][16], const __m256i (&state)[5],
-                                  const Inputs& inputs, std::size_t number) {
-    __m256i even = _mm256_madd_epi16(row(inputs.pairs[number]), row(by_input[0][0]));
-    __m256i odd = _mm256_madd_epi16(row(inputs.pairs[number]), row(by_input[0][1]));
-    for (int pair = 1; pair < kPairs; ++pair) {
-      const __m256i samples = row(inputs.pairs[number + static_cast<std::size_t>(pair)]);
-      even = _mm256_add_epi32(even, _mm256_madd_epi16(samples, row(by_input[pair][0])));
-      odd = _mm256_add_epi32(odd, _mm256_madd_epi16(samples, row(by_input[pair][1])));
-    }
-    for (int pair = 0; pair < 5; ++pair) {
-      even = _mm256_add_epi32(even, _mm256_madd_epi16(state[pair], row(by_state[pair][0])));
-      odd = _mm256_add_epi32(odd, _mm256_madd_epi16(state[pair], row(by_state[pair][1])));
-    }
-    const __m256i base = _mm256_blend_epi16(_mm256_srli_epi32(even, kShift),
-                                            _mm256_slli_epi32(odd, 16 - kShift), 0xaa);
-    return _mm256_or_si256(base, _mm256_set1_epi16(1));
-  }
-
-  inline __m256d next_doubles(const Inputs& inputs, std::size_t number) const {
-    const double(*samples)[4] = inputs.wide + kBlockSamples * number;
-    __m256d sum = _mm256_mul_pd(column(tables.first_by_input[0]), _mm256_load_pd(samples[0]));
-    for (int j = 1; j <= kTaps; ++j) {
-      sum = _mm256_add_pd(
-          sum, _mm256_mul_pd(column(tables.first_by_input[j]), _mm256_load_pd(samples[j])));
-    }
-    sum = _mm256_add_pd(sum,
-                        _mm256_mul_pd(column(tables.first_by_state[0]), _mm256_movedup_pd(first)));
-    return _mm256_add_pd(
-        sum, _mm256_mul_pd(column(tables.first_by_state[1]), _mm256_permute_pd(first, 15)));
-  }
-
-  inline __m256 next_floats(const float* samples, const float* x_first, const float* x) const {
-    __m256 one = term(tables.rest_by_input[0], samples[0]);
-    for (int j = 1; j <= kTaps; ++j) {
-      one = _mm256_add_ps(one, term(tables.rest_by_input[j], samples[j]));
-    }
-    for (int j = 0; j < 2; ++j) one = _mm256_add_ps(one, term(tables.rest_by_state[j], x_first[j]));
-    __m256 other = term(tables.rest_by_state[2], x[0]);
-    for (int j = 3; j < 6; ++j) {
-      other = _mm256_add_ps(other, term(tables.rest_by_state[j], x[j - 2]));
-    }
-    for (int j = 6; j < 10; ++j) one = _mm256_add_ps(one, term(tables.rest_by_state[j], x[j - 2]));
-    return _mm256_add_ps(one, other);
   }
 };
 
