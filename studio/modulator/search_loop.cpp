@@ -106,11 +106,14 @@ class SearchLoop final : public ModulatorLoop {
 
   void search(std::size_t words, std::uint8_t* const* out) {
     const bool apart = shape_.paths == kSearchLanes;
-    for (int state = 0; state < (apart ? channels_ : 1); ++state) {
-      const std::int32_t* const values[2] = {values_[state], values_[1]};
-      if (words_ == 0) states_[state] = path_search_start(shape_.paths, values);
-      kernel_->run(shape_, states_[state], values, words, out + state);
+    const std::int32_t* const values[2] = {values_[0],
+                                           apart && channels_ == 1 ? nullptr : values_[1]};
+    if (words_ == 0) {
+      for (int state = 0; state < (apart ? channels_ : 1); ++state) {
+        states_[state] = path_search_start(shape_.paths, values + state);
+      }
     }
+    kernel_->run(shape_, states_, values, words, out);
   }
 
   int channels_;

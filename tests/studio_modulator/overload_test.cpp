@@ -224,12 +224,13 @@ TEST(ModulatorOverload, SearchesCatchUp) {
     Bytes expected;
     for (std::uint32_t mask : {0u, ~0u}) {
       const std::int32_t* const in[2] = {values.data(), zeros.data()};
-      PathSearchState state = path_search_start(shape.paths, in);
+      PathSearchState states[2] = {path_search_start(shape.paths, in)};
+      if (shape.paths == 8) states[1] = path_search_start(shape.paths, in + 1);
       Bytes left(4 * kWords), right(4 * kWords);
       std::uint8_t* const out[2] = {left.data(), right.data()};
-      choose_path_search(detected_features() & mask).run(shape, state, in, kWords, out);
-      EXPECT_GT(state.overloads[0], 0u);
-      EXPECT_EQ(state.overloads[1], 0u);
+      choose_path_search(detected_features() & mask).run(shape, states, in, kWords, out);
+      EXPECT_GT(states[0].overloads[0], 0u);
+      EXPECT_EQ(states[0].overloads[1] + states[1].overloads[0], 0u);
       if (mask == 0) expected = left;
       EXPECT_EQ(left, expected);
       // The band 2 ms (5645 bits) and the search's delay later.

@@ -149,6 +149,21 @@ TEST(ModulatorStream, EveryBuildGivesTheSameBytes) {
   }
 }
 
+TEST(ModulatorStream, TheMaskedBuildIsTheOneThatRuns) {
+  const struct {
+    std::uint32_t mask;
+    const char* blocks;
+    const char* paths;
+  } kRows[] = {{0, "portable", "portable"},
+               {kCpuSse2, "SSE2", "portable"},
+               {kCpuSse2 | kCpuAvx2, "AVX2", "AVX2"}};
+  for (const auto& row : kRows) {
+    if ((row.mask & ~detected_features()) != 0) continue;
+    EXPECT_STREQ(choose_block_loop(row.mask).info.name, row.blocks);
+    EXPECT_STREQ(choose_path_search(row.mask).info.name, row.paths);
+  }
+}
+
 std::uint64_t fingerprint(const Modulated& made) {
   std::uint64_t hash = 0xcbf29ce484222325u;
   for (const Bytes& channel : made.bytes) {
