@@ -156,7 +156,8 @@ TEST(ModulatorStream, TheMaskedBuildIsTheOneThatRuns) {
     const char* paths;
   } kRows[] = {{0, "portable", "portable"},
                {kCpuSse2, "SSE2", "portable"},
-               {kCpuSse2 | kCpuAvx2, "AVX2", "AVX2"}};
+               {kCpuSse2 | kCpuAvx2, "AVX2", "AVX2"},
+               {kCpuSse2 | kCpuAvx2 | kCpuAvx512, "AVX2", "AVX-512"}};
   for (const auto& row : kRows) {
     if ((row.mask & ~detected_features()) != 0) continue;
     EXPECT_STREQ(choose_block_loop(row.mask).info.name, row.blocks);
