@@ -45,9 +45,6 @@ inline Floats broadcast(float value) { return _mm256_set1_ps(value); }
 inline Ints pair(std::int32_t left, std::int32_t right) {
   return {_mm256_set_m128i(_mm_set1_epi32(right), _mm_set1_epi32(left))};
 }
-inline Floats pair(float left, float right) {
-  return _mm256_set_m128(_mm_set1_ps(right), _mm_set1_ps(left));
-}
 
 inline Ints operator+(Ints a, Ints b) { return {_mm256_add_epi32(a.v, b.v)}; }
 inline Ints operator-(Ints a, Ints b) { return {_mm256_sub_epi32(a.v, b.v)}; }

@@ -41,9 +41,8 @@ template <typename T>
 inline Lanes<T> broadcast(T value) {
   return each<Lanes<T>>([&](unsigned) { return value; });
 }
-template <typename T>
-inline Lanes<T> pair(T left, T right) {
-  return each<Lanes<T>>([&](unsigned i) { return i < kSearchLanes / 2 ? left : right; });
+inline Ints pair(std::int32_t left, std::int32_t right) {
+  return each<Ints>([&](unsigned i) { return i < kSearchLanes / 2 ? left : right; });
 }
 
 inline Floats operator+(const Floats& a, const Floats& b) {
