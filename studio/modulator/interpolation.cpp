@@ -3,7 +3,7 @@
 
 #include "studio/modulator/interpolation.h"
 
-#include <cmath>
+#include <cstdlib>
 
 #include "studio/plan/exact_math.h"
 

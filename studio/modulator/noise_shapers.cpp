@@ -35,7 +35,7 @@ constexpr double kBounds8[] = {3.4, 6.9, 8.3, 15.8, 11.3, 12.2, 4.8, 3.1};
 constexpr double kBounds6[] = {3.0, 3.3, 2.2, 2.8, 1.4, 1.4};
 
 template <int kOrder>
-NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
+constexpr NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
                    const double (&bounds)[kOrder], double knee, double ceiling) {
   NoiseShaper made;
   made.order = kOrder;
@@ -48,11 +48,11 @@ NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
 }
 
 // With a ceiling 0.01 higher, clipped loud signals already throw the loops out of lock.
-const NoiseShaper kStandard = shaper(kPlain10, kZeros10, kBounds10, 0.7075, 0.72);
-const NoiseShaper kHigh = shaper(kTree4, kZeros10, kBoundsTree, 0.7075, 0.72);
-const NoiseShaper kBest = shaper(kTree8, kZeros10, kBoundsTree, 0.7075, 0.72);
-const NoiseShaper kQuadruple = shaper(kWeights8, kZeros8, kBounds8, 0.79, 0.82);
-const NoiseShaper kOctuple = shaper(kWeights6, kZeros6, kBounds6, 0.83, 0.86);
+constexpr NoiseShaper kStandard = shaper(kPlain10, kZeros10, kBounds10, 0.7075, 0.72);
+constexpr NoiseShaper kHigh = shaper(kTree4, kZeros10, kBoundsTree, 0.7075, 0.72);
+constexpr NoiseShaper kBest = shaper(kTree8, kZeros10, kBoundsTree, 0.7075, 0.72);
+constexpr NoiseShaper kQuadruple = shaper(kWeights8, kZeros8, kBounds8, 0.79, 0.82);
+constexpr NoiseShaper kOctuple = shaper(kWeights6, kZeros6, kBounds6, 0.83, 0.86);
 
 }  // namespace
 
