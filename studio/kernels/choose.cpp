@@ -6,6 +6,7 @@
 #include "studio/kernels/bit_fir.h"
 #include "studio/kernels/block_loop.h"
 #include "studio/kernels/fold_fir.h"
+#include "studio/kernels/interpolate.h"
 #include "studio/kernels/path_search.h"
 #include "studio/kernels/quantise.h"
 #include "studio/kernels/spectral.h"
@@ -34,6 +35,9 @@ std::uint32_t detected_features() {
 #undef CORVIN_VARIANT
 #define CORVIN_VARIANT(name) extern const SpectralVariant name;
 #include "spectral_variants.inc"
+#undef CORVIN_VARIANT
+#define CORVIN_VARIANT(name) extern const InterpolateVariant name;
+#include "interpolate_variants.inc"
 #undef CORVIN_VARIANT
 #define CORVIN_VARIANT(name) extern const QuantiseVariant name;
 #include "quantise_variants.inc"
@@ -64,6 +68,13 @@ const FoldFirVariant& choose_fold_fir(std::uint32_t features) {
 const SpectralVariant& choose_spectral(std::uint32_t features) {
   static constexpr const SpectralVariant* kVariants[] = {
 #include "spectral_variants.inc"
+  };
+  return best_variant(kVariants, features);
+}
+
+const InterpolateVariant& choose_interpolate(std::uint32_t features) {
+  static constexpr const InterpolateVariant* kVariants[] = {
+#include "interpolate_variants.inc"
   };
   return best_variant(kVariants, features);
 }

@@ -5,40 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "tests/studio/streams.h"
-
-// Counts this program's allocations. Never inlined: g++ would take malloc and delete for a
-// mismatch.
-namespace {
-std::atomic<std::size_t> allocations = 0;
-}  // namespace
-
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* place = std::malloc(size)) return place;
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void* operator new(std::size_t size, std::align_val_t alignment) {
-  ++allocations;
-  const auto grain = static_cast<std::size_t>(alignment);
-  if (void* place = std::aligned_alloc(grain, (size + grain - 1) / grain * grain)) return place;
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* place) noexcept { std::free(place); }
-__attribute__((noinline)) void operator delete(void* place, std::align_val_t) noexcept {
-  std::free(place);
-}
-__attribute__((noinline)) void operator delete(void* place, std::size_t,
-                                               std::align_val_t) noexcept {
-  std::free(place);
-}
-__attribute__((noinline)) void operator delete(void* place, std::size_t) noexcept {
-  std::free(place);
-}
+#include "tests/support/allocation_count.h"
 
 namespace corvin::studio {
 namespace {
