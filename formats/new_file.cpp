@@ -31,7 +31,7 @@ bool NewFile::Open(const char* path) {
     const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path, nullptr), std::free);
     if (!resolved) return false;
     target_ = resolved.get();
-  } else if (errno != ENOENT) {
+  } else if (errno != ENOENT || target_.empty()) {
     return false;
   }
   const std::size_t slash = target_.rfind('/');

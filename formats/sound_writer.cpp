@@ -139,7 +139,8 @@ bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
   if (format_.kind == kDsf) {
     bytes = (bytes + kDsfBlockBytes - 1) / kDsfBlockBytes * kDsfBlockBytes;
     for (std::size_t c = 0; c < format_.channels; ++c) {
-      for (std::size_t i = held_; i < bytes; ++i) buffer_[Place(c, i)] = SilentByte(lsb_first_);
+      // Zeros, as the format asks for: the number of samples keeps them from being heard.
+      for (std::size_t i = held_; i < bytes; ++i) buffer_[Place(c, i)] = 0;
     }
   }
   if (!Flush(bytes)) return false;

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // Writes the three containers by their published rules: true sizes and speaker names for every
-// channel count, a last block filled up with silence, an exact number of samples.
+// channel count, a last block filled up, an exact number of samples.
 
 #ifndef CORVIN_FORMATS_SOUND_WRITER_H_
 #define CORVIN_FORMATS_SOUND_WRITER_H_

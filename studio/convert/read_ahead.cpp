@@ -48,11 +48,9 @@ void ReadAhead::run() {
     lock.unlock();
     const bool whole = fill(block);
     lock.lock();
-    ++filled_;
-    if (!whole) {
-      read_failed_ = true;
-      break;
-    }
+    if (block.count > 0) ++filled_;
+    read_failed_ = !whole;
+    if (!whole) break;
     changed_.notify_all();
   }
   ended_ = true;
