@@ -65,8 +65,8 @@ std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
   if (names.size() == 4 * channels) return names;
   names.clear();
   for (std::uint32_t c = 0; c < channels; ++c) {
-    const std::string number = std::to_string(c);
-    names += "C" + std::string(3 - number.size(), '0') + number;
+    const char digits[] = {'C', '0', static_cast<char>('0' + c / 10), static_cast<char>('0' + c % 10)};
+    names.append(digits, sizeof digits);
   }
   return names;
 }
@@ -145,16 +145,15 @@ bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
   }
   if (!Flush(bytes)) return false;
 
-  std::vector<std::uint8_t> end;
+  Fields tail(ByteOrder::kBig);
+  const std::string_view tag(reinterpret_cast<const char*>(id3.data()), id3.size());
+  if (format_.kind == kDsf) tail.Text(tag);
   if (format_.kind == kDsdiff) {
-    if (SoundBytes() % 2 != 0) end.push_back(0);
-    if (!id3.empty()) {
-      const auto head = Fields(ByteOrder::kBig).Text("ID3 ").Number(id3.size(), 8).Take();
-      end.insert(end.end(), head.begin(), head.end());
-    }
+    tail.Number(0, SoundBytes() % 2 != 0 ? 1 : 0);
+    if (!tag.empty()) tail.Text("ID3 ").Number(tag.size(), 8).Text(tag);
+    tail.Number(0, tag.size() % 2 != 0 ? 1 : 0);
   }
-  if (format_.kind != kOneBit) end.insert(end.end(), id3.begin(), id3.end());
-  if (format_.kind == kDsdiff && id3.size() % 2 != 0) end.push_back(0);
+  const std::vector<std::uint8_t> end = tail.Take();
   if (!end.empty() && !sink_.Write(offset_, end.data(), end.size())) return false;
   const std::vector<std::uint8_t> header = Header(samples, id3.size());
   return sink_.Write(0, header.data(), header.size());

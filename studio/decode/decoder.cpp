@@ -90,7 +90,7 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
       idle_byte_(settings.bit_order == CORVIN_LSB_FIRST ? kIdlePatternLsbFirst : kIdlePattern),
       most_bytes_(settings.length == 0 ? std::numeric_limits<std::uint64_t>::max()
                                        : settings.length / 8 + (settings.length % 8 != 0)),
-      pieces_(settings.threads == 0 ? 2 : 6 * settings.threads + 2),
+      pieces_(settings.threads == 0 ? 2 : 3 * settings.threads + 2),
       group_(channels_ * settings.block_bytes) {
   const std::size_t threads = std::max<std::size_t>(1, settings.threads);
   workers_.reserve(threads);
