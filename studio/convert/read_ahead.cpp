@@ -9,7 +9,7 @@ namespace corvin::studio {
 namespace {
 
 constexpr std::size_t kBlockBytes = 1 << 18;
-constexpr std::size_t kBlocks = 4;
+constexpr std::size_t kBlocks = 8;
 
 }  // namespace
 
@@ -25,7 +25,7 @@ ReadAhead::~ReadAhead() {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
   }
-  changed_.notify_all();
+  changed_.notify_one();
   thread_.join();
 }
 
@@ -42,7 +42,11 @@ bool ReadAhead::fill(Block& block) {
 void ReadAhead::run() {
   std::unique_lock lock(mutex_);
   while (left_ > 0) {
-    changed_.wait(lock, [this] { return stopping_ || filled_ - released_ < blocks_.size(); });
+    // Several blocks at a time: being woken costs as much as reading one.
+    if (filled_ - released_ == blocks_.size()) {
+      changed_.wait(lock,
+                    [this] { return stopping_ || filled_ - released_ <= blocks_.size() / 2; });
+    }
     if (stopping_) return;
     Block& block = blocks_[filled_ % blocks_.size()];
     lock.unlock();
@@ -51,10 +55,10 @@ void ReadAhead::run() {
     if (block.count > 0) ++filled_;
     read_failed_ = !whole;
     if (!whole) break;
-    changed_.notify_all();
+    if (waiting_) changed_.notify_one();
   }
   ended_ = true;
-  changed_.notify_all();
+  changed_.notify_one();
 }
 
 std::span<const std::uint8_t> ReadAhead::next() {
@@ -66,8 +70,10 @@ std::span<const std::uint8_t> ReadAhead::next() {
   }
   std::unique_lock lock(mutex_);
   released_ = taken_;
-  changed_.notify_all();
+  if (filled_ - released_ <= blocks_.size() / 2) changed_.notify_one();
+  waiting_ = true;
   changed_.wait(lock, [this] { return ended_ || filled_ > taken_; });
+  waiting_ = false;
   if (filled_ == taken_) {
     failed_ = read_failed_;
     return {};

@@ -57,6 +57,7 @@ class ReadAhead {
   std::size_t taken_ = 0;
   bool ended_ = false;
   bool stopping_ = false;
+  bool waiting_ = false;  // for a block
   bool read_failed_ = false;
   std::thread thread_;
 };

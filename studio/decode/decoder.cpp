@@ -36,6 +36,13 @@ std::size_t round_up(std::size_t value, std::size_t grain) {
   return (value + grain - 1) / grain * grain;
 }
 
+// Enough pieces to keep the workers busy while others are taken in and out, as far as memory that is
+// no burden reaches; and one for each worker, one coming in and one going out at least.
+std::size_t ring_pieces(std::size_t threads, std::size_t piece_bytes) {
+  constexpr std::size_t kMostBytes = 24 << 20;
+  return std::clamp(kMostBytes / piece_bytes, threads + 2, 6 * threads + 2);
+}
+
 // Every `stride`th byte. The stereo loop is cut into pieces of fixed size for the compiler's
 // vectors.
 void pick(const std::uint8_t* in, std::size_t stride, std::size_t count, std::uint8_t* out) {
@@ -90,7 +97,9 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
       idle_byte_(settings.bit_order == CORVIN_LSB_FIRST ? kIdlePatternLsbFirst : kIdlePattern),
       most_bytes_(settings.length == 0 ? std::numeric_limits<std::uint64_t>::max()
                                        : settings.length / 8 + (settings.length % 8 != 0)),
-      pieces_(settings.threads == 0 ? 2 : 3 * settings.threads + 2),
+      pieces_(settings.threads == 0
+                  ? 2
+                  : ring_pieces(settings.threads, channels_ * (piece_stride_ + 4 * piece_frames_))),
       group_(channels_ * settings.block_bytes) {
   const std::size_t threads = std::max<std::size_t>(1, settings.threads);
   workers_.reserve(threads);
@@ -309,11 +318,16 @@ bool Decoder::ready() {
   if (draining_ == filling_) return false;
   if (pool_ == nullptr) return true;
   const auto job = static_cast<std::size_t>(draining_ % pieces_.size());
-  if (finishing_ || filling_ - draining_ == pieces_.size()) {
-    pool_->wait_for(job);
-    return true;
+  if (pool_->finished(job)) return true;
+  const bool full = filling_ - draining_ == pieces_.size();
+  if (!finishing_ && !full) return false;
+  // Being woken costs as much as a good part of a piece: with a full ring, half of it at a time. The
+  // workers go on with the other half meanwhile.
+  if (full && settings_.low_latency == 0) {
+    pool_->wait_for(static_cast<std::size_t>((draining_ + pieces_.size() / 2) % pieces_.size()));
   }
-  return pool_->finished(job);
+  pool_->wait_for(job);
+  return true;
 }
 
 // Has frames taken piece by piece: take(piece, first, count), from frame `first` of the piece on.

@@ -48,7 +48,9 @@ bool WorkerPool::finished(std::size_t job) {
 
 void WorkerPool::wait_for(std::size_t job) {
   std::unique_lock lock(mutex_);
+  awaited_ = job;
   has_result_.wait(lock, [this, job] { return finished_[job]; });
+  awaited_ = kNone;
 }
 
 void WorkerPool::clear() {
@@ -70,7 +72,7 @@ void WorkerPool::serve(std::size_t worker) {
     lock.lock();
     --busy_;
     finished_[job] = true;
-    has_result_.notify_all();
+    if (job == awaited_ || busy_ == 0) has_result_.notify_one();
   }
 }
 
