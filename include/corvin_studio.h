@@ -146,7 +146,8 @@ CORVIN_API int corvin_decoder_push_planar(corvin_decoder* decoder, const uint8_t
                                           size_t bytes, size_t* taken);
 
 /** Ends the input: the rest of the output can now be pulled. What comes before the first and after
- *  the last sample counts as silence. An incomplete last block counts as far as all its channels
+ *  the last sample counts as silence, the byte 0x69 over and over: a tone at an eighth of the DSD
+ *  rate, which only 768 kHz PCM from 2.8224 MHz DSD has in its band. An incomplete last block counts as far as all its channels
  *  reach. Calling it again does nothing.
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */

@@ -4,8 +4,10 @@
 // Whole conversions: what the decoder makes of the sound, told and ended as promised.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "tests/studio_files/sound_files.h"
@@ -202,6 +204,54 @@ TEST(Convert, TellsProgressAndEndsWhereverItIsAsked) {
                 CORVIN_E_WRITE);
     }
   }
+}
+
+// Two minutes after two seconds: the process has not grown by more than a sanitizer's bookkeeping.
+TEST(Convert, MemoryDoesNotGrowWithTheLength) {
+  struct Silence {
+    Bytes header;
+    std::uint64_t bytes, position = 0;
+  };
+  const auto megabytes_after = [](std::uint64_t seconds) {
+    const std::uint64_t sound = seconds * 352800 / 4096 * 4096;
+    Silence silence = {file_of(writer_settings(CORVIN_DSF, 1), Bytes()), 92 + sound};
+    for (int i = 0; i < 8; ++i) {
+      silence.header[64 + i] = static_cast<std::uint8_t>(sound * 8 >> 8 * i);
+      silence.header[84 + i] = static_cast<std::uint8_t>((12 + sound) >> 8 * i);
+    }
+    corvin_stream stream = {};
+    stream.size = sizeof stream;
+    stream.user = &silence;
+    stream.seek = [](void* user, std::uint64_t offset) {
+      static_cast<Silence*>(user)->position = offset;
+      return 0;
+    };
+    stream.length = [](void* user) {
+      return static_cast<std::int64_t>(static_cast<Silence*>(user)->bytes);
+    };
+    stream.read = [](void* user, void* to, std::size_t count) {
+      auto& self = *static_cast<Silence*>(user);
+      std::memset(to, 0x96, count);
+      if (self.position < self.header.size()) {
+        const auto at = static_cast<std::size_t>(self.position);
+        std::memcpy(to, &self.header[at], std::min(count, self.header.size() - at));
+      }
+      self.position += count;
+      return static_cast<std::int64_t>(count);
+    };
+    File file(stream);
+    corvin_pcm_sink sink = {};
+    sink.size = sizeof sink;
+    sink.write = [](void*, const void*, std::size_t) { return 0; };
+    ConvertSettings settings;
+    settings.threads = 2;
+    EXPECT_EQ(convert_to_pcm(file, sink, settings).frames, sound / 8);
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+  };
+  const double before = megabytes_after(2);
+  EXPECT_LT(megabytes_after(120) - before, 8);
 }
 
 TEST(Convert, SourcesThatFailInTheMiddle) {
