@@ -32,6 +32,10 @@ CDiskReaderDec::~CDiskReaderDec() {
   blocks_.Exit();
 }
 
+CBufferDec* CDiskReaderDec::Read1Lock(int block, int channel) {
+  return blocks_.Read1Lock(block, channel);
+}
+
 void CDiskReaderDec::Run() {
   bool data_left = true;
   for (int seq = 0;; seq = NextSequence(seq, blocks_.count)) {

@@ -33,7 +33,7 @@ class CORVIN_API CDiskReaderDec {
   /// Joins the thread.
   ~CDiskReaderDec();
 
-  CBufferDec* Read1Lock(int block, int channel) { return blocks_.Read1Lock(block, channel); }
+  CBufferDec* Read1Lock(int block, int channel);
   int Next(int seq) const { return NextSequence(seq, blocks_.count); }
   void Abandon() { blocks_.Abandon(); }
 

@@ -11,22 +11,15 @@
 #include <stdexcept>
 
 #include "decode/design_state.h"
-#include "foundation/lowpass_design.h"
 
 namespace {
 
-constexpr double kStopBandDb = 90.0;
-constexpr int kMaxDsdRate = 98304000;
-constexpr int kMaxRatio = 16384;
 constexpr float kPollSeconds = 0.5f;
 
 void CheckArguments(bool from_memory, int channels, int block_samples, int dsd_rate, int pcm_rate,
                     int bits, bool interleaved) {
-  const bool sane = channels >= 1 && channels <= CDSDtoPCM2::kMaxChannels && dsd_rate >= 1 &&
-                    dsd_rate <= kMaxDsdRate && pcm_rate >= 1 && pcm_rate <= dsd_rate &&
-                    dsd_rate / pcm_rate <= kMaxRatio &&
-                    (bits == 8 || bits == 16 || bits == 24 || bits == 32) &&
-                    (interleaved || channels <= 2) &&
+  const bool sane = channels >= 1 && channels <= CDSDtoPCM2::kMaxChannels &&
+                    IsConvertible(dsd_rate, pcm_rate, bits) && (interleaved || channels <= 2) &&
                     (!from_memory || (channels == 2 && block_samples >= 0));
   if (!sane) throw std::invalid_argument("DSD to PCM job");
 }
@@ -41,14 +34,14 @@ unsigned long long ScaleCount(unsigned long long samples, int rate_out, int rate
 /// How many of the plan's blocks the threads hand over at once: as many as make waking another thread
 /// worth it, within a bound on the job's memory.
 int BatchFor(const RatePlan& plan, int channels, int workers, int ring_depth) {
-  constexpr long long kSamples = 131072;
+  constexpr long long kSamples = 524288;
   constexpr long long kBytes = 32 << 20;
   if (!plan.polyphase) return 1;
   const long long samples = plan.block_samples;
   const long long outputs = plan.block_outputs;
   // Blocks of the three rings, then history and mailboxes.
   const long long block_bytes = ring_depth * channels * (samples / 8 + outputs * 8) +
-                                channels * (1 + workers) * samples * 4;
+                                channels * (1 + workers) * samples / 8;
   return static_cast<int>(std::max(1LL, std::min(kSamples / samples, kBytes / block_bytes)));
 }
 
@@ -62,13 +55,12 @@ CDSDtoPCM2::CDSDtoPCM2(CorvinReadCallback readProc, void* readData, void* output
     CheckArguments(inBuffer != nullptr, channels, blockSamples, dsdRate, pcmRate, bits,
                    interleaved);
     channels_ = channels;
-    plan_ = PlanRates(dsdRate, pcmRate);
     const Source source{readProc,       readData,    inBuffer, 2LL * blockSamples,
                         lsbFirst, interleaved, totalBits};
     const Sink sink{output, outBuffer, bits, bigEndian};
     const auto lock = DesignLock();
     DEFTAPS = (tapsHint & 0x80) != 0 ? 4096 : 1024;
-    DesignFilter(dsdRate, pcmRate);
+    filter_.Design(dsdRate, pcmRate);
     SelectKernels();
     BuildPipeline(source, sink, dsdRate, pcmRate);
   } catch (...) {
@@ -90,41 +82,28 @@ int CDSDtoPCM2::Translate(bool (*progress)(void*), void* data) {
 
 int CDSDtoPCM2::Translate2() { return writer_ ? writer_->Wait() : -1; }
 
-void CDSDtoPCM2::DesignFilter(int dsd_rate, int pcm_rate) {
-  CFIRFilter design(plan_.tap_budget);
-  const int taps = design.Init(dsd_rate, static_cast<double>(plan_.design_factor) * dsd_rate,
-                               pcm_rate * 0.5, plan_.design_factor * 8, kStopBandDb);
-  DEFTAPS = taps;
-  prototype_ = MakeAlignedFloats(static_cast<std::size_t>(taps) +
-                                 static_cast<std::size_t>(plan_.interpolation));
-  design.CreateCoeffs(prototype_.get(), static_cast<float>(plan_.tap_scale));
-  if (!plan_.polyphase) return;
-  sets_.Make(prototype_.get(), taps, plan_.interpolation, plan_.phase_gain);
-  schedule_ = MakePhaseSchedule(plan_.interpolation, plan_.decimation, plan_.block_samples);
-}
-
 void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_rate,
                                int pcm_rate) {
-  const int taps = DEFTAPS;
+  const RatePlan& plan = filter_.plan;
   const int workers = static_cast<int>(GetCPU_GPU_Cores(channels_));
   const int ring_depth = workers * 4;
-  const int batch = BatchFor(plan_, channels_, workers, ring_depth);
-  const int batch_samples = plan_.block_samples * batch;
-  const int batch_outputs = plan_.block_outputs * batch;
+  const int batch = BatchFor(plan, channels_, workers, ring_depth);
+  const int batch_samples = plan.block_samples * batch;
+  const int batch_outputs = plan.block_outputs * batch;
   const int batch_bytes = batch_samples / 8;
   const int out_channels = std::min(channels_, 2);
   const int frame_bytes = sink.bits / 8 * out_channels;
 
   // Half the filter's length in silence flushes it; a last byte that the source does not fill counts
   // as silence too.
-  const int tail = static_cast<int>(std::lround(taps / plan_.interpolation * 0.0625)) +
+  const int tail = static_cast<int>(std::lround(filter_.taps / plan.interpolation * 0.0625)) +
                    (source.total_bits % 8 != 0 ? 1 : 0);
   reader_ = std::make_unique<CDiskReaderDec>(
       source.read, source.data, batch_bytes * channels_, ring_depth, channels_, tail * channels_,
       source.total_bits / 8 * static_cast<unsigned long long>(channels_), source.memory,
       source.memory_bytes);
 
-  const int skip = frame_bytes * static_cast<int>(std::lround(taps * 0.5 / plan_.decimation));
+  const int skip = frame_bytes * filter_.delay_frames;
   const unsigned long long frames = ScaleCount(source.total_bits, pcm_rate, dsd_rate);
   const auto frame = static_cast<unsigned long long>(frame_bytes);
   const unsigned long long limit =
@@ -135,21 +114,21 @@ void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_r
 
   for (int c = 0; c < channels_; ++c) {
     const auto at = static_cast<std::size_t>(c);
-    if (plan_.polyphase) {
+    if (plan.polyphase) {
       polyphase_outputs_[at] = std::make_unique<CDecimationDen>(
           writer_.get(), c, ring_depth, channels_, sink.bits, batch_outputs, sink.big_endian);
       polyphase_stages_[at] = std::make_unique<CFormatChangeDen>(
-          reader_.get(), c, batch_samples, sink.bits, channels_, sets_.rows(),
-          polyphase_outputs_[at].get(), source.interleaved, source.lsb_first, plan_.interpolation,
-          plan_.decimation, plan_.block_samples, schedule_.data(),
-          static_cast<int>(schedule_.size()));
+          reader_.get(), c, batch_samples, sink.bits, channels_, filter_.sets.rows(),
+          polyphase_outputs_[at].get(), source.interleaved, source.lsb_first, plan.interpolation,
+          plan.decimation, plan.block_samples, filter_.schedule.data(),
+          static_cast<int>(filter_.schedule.size()));
     } else {
       integer_outputs_[at] = std::make_unique<CDecimationDec>(
           writer_.get(), c, channels_, out_channels, dsd_rate, pcm_rate, batch_bytes, sink.bits,
           sink.big_endian, ring_depth);
       integer_outputs_[at]->Start();
       integer_stages_[at] = std::make_unique<CFormatChangeDec>(
-          reader_.get(), c, batch_bytes, pcm_rate, sink.bits, channels_, prototype_.get(),
+          reader_.get(), c, batch_bytes, pcm_rate, sink.bits, channels_, filter_.prototype.get(),
           integer_outputs_[at].get(), source.interleaved, source.lsb_first, pcm_rate, dsd_rate, 0u);
     }
   }

@@ -8,18 +8,15 @@
 
 #include <array>
 #include <memory>
-#include <vector>
 
 #include "corvin.h"
+#include "decode/conversion_filter.h"
 #include "decode/dsd_reader.h"
 #include "decode/integer_output.h"
 #include "decode/integer_stage.h"
 #include "decode/pcm_writer.h"
 #include "decode/polyphase_output.h"
 #include "decode/polyphase_stage.h"
-#include "decode/rate_plan.h"
-#include "foundation/aligned_storage.h"
-#include "foundation/polyphase.h"
 
 class CORVIN_API CDSDtoPCM2 {
  public:
@@ -77,16 +74,12 @@ class CORVIN_API CDSDtoPCM2 {
     bool big_endian;
   };
 
-  void DesignFilter(int dsd_rate, int pcm_rate);
   void BuildPipeline(const Source& source, const Sink& sink, int dsd_rate, int pcm_rate);
   void TearDown();
   void Abandon();
 
-  RatePlan plan_{};
+  ConversionFilter filter_;
   int channels_ = 0;
-  AlignedFloats prototype_;
-  PolyphaseSets sets_;
-  std::vector<DOT8Dec_DATA> schedule_;
   std::unique_ptr<CDiskReaderDec> reader_;
   std::unique_ptr<CDiskWriterDec> writer_;
   std::array<std::unique_ptr<CFormatChangeDec>, kMaxChannels> integer_stages_;

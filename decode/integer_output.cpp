@@ -26,6 +26,10 @@ CDecimationDec::~CDecimationDec() {
   blocks_.Exit();
 }
 
+CBufferDec* CDecimationDec::Write1Lock(int block, int) { return blocks_.Write1Lock(block, 0); }
+
+CBufferDec* CDecimationDec::Read1Lock(int block, int) { return blocks_.Read1Lock(block, 0); }
+
 void CDecimationDec::Run() {
   const int sample_bytes = bits_ / 8;
   long long in_position = 0;

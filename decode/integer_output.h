@@ -26,8 +26,8 @@ class CORVIN_API CDecimationDec {
   ~CDecimationDec();
 
   void Start() { thread_ = std::thread(DecimationThread, this); }
-  CBufferDec* Write1Lock(int block, int) { return blocks_.Write1Lock(block, 0); }
-  CBufferDec* Read1Lock(int block, int) { return blocks_.Read1Lock(block, 0); }
+  CBufferDec* Write1Lock(int block, int);
+  CBufferDec* Read1Lock(int block, int);
   void Abandon() { blocks_.Abandon(); }
 
  private:

@@ -22,13 +22,15 @@ int WorkFloats(int taps, int block_bytes) { return taps + 8 * block_bytes + kVec
 
 CLpfDec::CLpfDec(int, float* filter, CFormatChangeDec* owner, int blockBytes, int pcmRate,
                  int dsdRate)
-    : FilterWorker(WorkFloats(DEFTAPS, blockBytes)),
+    : FilterWorker(WorkFloats(DEFTAPS, blockBytes) * static_cast<int>(sizeof(float))),
       filter_(filter),
       taps_(DEFTAPS),
       block_samples_(8LL * blockBytes),
       pcm_rate_(pcmRate),
       dsd_rate_(dsdRate),
       owner_(owner) {}
+
+CLpfDec::~CLpfDec() = default;
 
 void CLpfDec::Post(int blockNumber, const float* samples, int bytes, long long outPos,
                    long long inPos, CBufferDec* dest) {
@@ -46,12 +48,15 @@ CLpfCPUDec::CLpfCPUDec(int channel, float* filter, CFormatChangeDec* owner, int 
   StartWorker();
 }
 
-int CLpfCPUDec::Filter(const float* in, int, CBufferDec& out) {
+CLpfCPUDec::~CLpfCPUDec() { StopWorker(); }
+
+int CLpfCPUDec::Filter(const char* in, int, CBufferDec& out) {
+  const auto* const input = reinterpret_cast<const float*>(in);
   auto* const output = reinterpret_cast<float*>(out.data);
   const long long steps = block_samples_ * pcm_rate_ / dsd_rate_;
   for (long long k = 0; k <= steps; ++k) {
     const long long at = (out_position_ + k) * dsd_rate_ / pcm_rate_ - in_position_;
-    if (at >= 0 && at < block_samples_) kernel_(output + at, in + at, filter_, taps_);
+    if (at >= 0 && at < block_samples_) kernel_(output + at, input + at, filter_, taps_);
   }
   return static_cast<int>(block_samples_) * static_cast<int>(sizeof(float));
 }

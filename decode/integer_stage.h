@@ -27,6 +27,7 @@ class CORVIN_API CLpfDec : public FilterWorker {
   /// @param blockBytes  B, bytes per channel in a block
   CLpfDec(int channel, float* filter, CFormatChangeDec* owner, int blockBytes, int pcmRate,
           int dsdRate);
+  ~CLpfDec() override;
 
   /// Hands over DEFTAPS floats of history and the new samples, to be filtered into `dest`.
   /// @param bytes   bytes at `samples`; 0 ends the stream
@@ -54,11 +55,11 @@ class CORVIN_API CLpfCPUDec : public CLpfDec {
  public:
   CLpfCPUDec(int channel, float* filter, CFormatChangeDec* owner, int blockBytes, int pcmRate,
              int dsdRate);
-  ~CLpfCPUDec() override { StopWorker(); }
+  ~CLpfCPUDec() override;
 
  private:
   /// Fills the destination sparsely: element i - in_position_ for each kept input position i.
-  int Filter(const float* in, int floats, CBufferDec& out) override;
+  int Filter(const char* in, int bytes, CBufferDec& out) override;
 
   Dot8Plain kernel_;
 };

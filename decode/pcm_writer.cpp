@@ -8,6 +8,16 @@
 #include <algorithm>
 #include <cstring>
 
+CWriterDec::CWriterDec(int count, int size, int locks) { blocks_.Init(count, size, locks); }
+
+CWriterDec::~CWriterDec() { blocks_.Exit(); }
+
+CBufferDec* CWriterDec::Write1Lock(int block, int channel) {
+  return blocks_.Write1Lock(block, channel);
+}
+
+// ---- Stream or memory -------------------------------------------------------------------------
+
 CDiskWriterDec::CDiskWriterDec(void* file, int count, int size, int locks, int skip,
                                unsigned long long limit, char* memory)
     : CWriterDec(count, size, locks),
@@ -43,7 +53,7 @@ void CDiskWriterDec::Take(const CBufferDec& block) {
   const auto length = static_cast<unsigned long long>(block.length);
   const unsigned long long skipped = std::min(length, skip_left_);
   skip_left_ -= skipped;
-  const unsigned long long count = std::min(limit_left_, length - skipped);
+  const auto count = static_cast<std::size_t>(std::min(limit_left_, length - skipped));
   if (count == 0) return;
   if (memory_)
     std::memcpy(memory_ + bytes_written_, block.data + skipped, count);

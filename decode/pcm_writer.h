@@ -16,12 +16,12 @@
 /// The ring that the quantising stages fill, one lock per channel.
 class CORVIN_API CWriterDec {
  public:
-  CWriterDec(int count, int size, int locks) { blocks_.Init(count, size, locks); }
+  CWriterDec(int count, int size, int locks);
   CWriterDec(const CWriterDec&) = delete;
   CWriterDec& operator=(const CWriterDec&) = delete;
-  virtual ~CWriterDec() { blocks_.Exit(); }
+  virtual ~CWriterDec();
 
-  CBufferDec* Write1Lock(int block, int channel) { return blocks_.Write1Lock(block, channel); }
+  CBufferDec* Write1Lock(int block, int channel);
   void Abandon() { blocks_.Abandon(); }
 
  protected:

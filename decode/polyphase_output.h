@@ -27,8 +27,8 @@ class CORVIN_API CDecimationDen {
 
   /// The producer's and the consumer's side of the input ring; it has one reader, whatever the second
   /// argument of Write1Lock says.
-  CBufferDec* Write1Lock(int seq, int) { return blocks_.Write1Lock(seq, 0); }
-  CBufferDec* Read1Lock(int seq, int reader) { return blocks_.Read1Lock(seq, reader); }
+  CBufferDec* Write1Lock(int seq, int);
+  CBufferDec* Read1Lock(int seq, int reader);
   void Abandon() { blocks_.Abandon(); }
 
  private:

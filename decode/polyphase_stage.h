@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The filter stage of every planned pair of rates: turns a channel's bits into floats and has a pool
-// of workers compute the output samples, each from one of several coefficient sets as a schedule
-// tells. It neither designs the sets nor quantises.
+// The filter stage of every planned pair of rates: hands a channel's bits to a pool of workers, which
+// turn them into floats and compute the output samples, each from one of several coefficient sets as
+// a schedule tells. It neither designs the sets nor quantises.
 
 #ifndef CORVIN_DECODE_POLYPHASE_STAGE_H_
 #define CORVIN_DECODE_POLYPHASE_STAGE_H_
@@ -29,10 +29,12 @@ class CORVIN_API CLpfDen : public FilterWorker {
   /// @param blockParam    input samples that the schedule covers
   CLpfDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
           int blockParam);
+  ~CLpfDen() override;
 
   /// Hands over `bytes` bytes of history and new samples, to be filtered into `out`; 0 bytes ends the
   /// stream. Waits until the mailbox is free.
-  void Post(int tag, const float* data, int bytes, CBufferDec* out);
+  /// @param unset  leading bytes from before the stream's start, which count as samples of 0
+  void Post(int tag, const char* data, int bytes, int unset, CBufferDec* out);
 
  protected:
   void BecomeIdle() override;
@@ -41,6 +43,7 @@ class CORVIN_API CLpfDen : public FilterWorker {
   int phases_;
   int taps_total_;
   int block_samples_;
+  int unset_bytes_ = 0;
 
  private:
   CFormatChangeDen* owner_;
@@ -49,16 +52,18 @@ class CORVIN_API CLpfDen : public FilterWorker {
 class CORVIN_API CLpfCPUDen : public CLpfDen {
  public:
   CLpfCPUDen(int channel, float** sets, int phases, int batchSamples, CFormatChangeDen* owner,
-             int blockParam, DOT8Dec_DATA* schedule, int scheduleLength);
-  ~CLpfCPUDen() override { StopWorker(); }
+             int blockParam, bool lsbFirst, DOT8Dec_DATA* schedule, int scheduleLength);
+  ~CLpfCPUDen() override;
 
  private:
   /// Runs the schedule over each of the job's blocks.
-  int Filter(const float* in, int floats, CBufferDec& out) override;
+  int Filter(const char* in, int bytes, CBufferDec& out) override;
 
+  bool lsb_first_;
   DOT8Dec_DATA* schedule_;
   int schedule_length_;
   Dot8Planned kernel_;
+  AlignedFloats work_;  ///< filter memory, then the samples of a block
 };
 
 class CORVIN_API CFormatChangeDen {
@@ -82,7 +87,7 @@ class CORVIN_API CFormatChangeDen {
   ~CFormatChangeDen();
 
   /// Waits for an idle worker and posts a job to it.
-  void DispatchFIR(int tag, const float* data, int bytes, CBufferDec* out);
+  void DispatchFIR(int tag, const char* data, int bytes, int unset, CBufferDec* out);
   /// Returns a worker to the idle queue.
   void AddTail(CLpfDen* worker);
 
@@ -95,9 +100,8 @@ class CORVIN_API CFormatChangeDen {
   int channels_;
   CDecimationDen* next_;
   bool interleaved_;
-  bool lsb_first_;
-  std::size_t history_floats_;
-  AlignedFloats history_;  ///< filter memory, then the new samples of the block
+  int history_bytes_;
+  std::vector<char> packed_;  ///< filter memory, then the new samples of the block
   std::unique_ptr<IdleQueue<CLpfDen>> idle_;
   std::vector<std::unique_ptr<CLpfDen>> workers_;  ///< last, for they use all of the above
   std::thread thread_;

@@ -9,6 +9,12 @@
 #include <algorithm>
 #include <cstring>
 
+CWriter::CWriter(int blockBytes, int nb, int channels) { blocks_.Init(nb, blockBytes, channels); }
+
+CWriter::~CWriter() = default;
+
+CBuffer* CWriter::Write1Lock(int n, int ch) { return blocks_.Write1Lock(n, ch); }
+
 int CWriter::Wait() {
   if (thread_.joinable()) thread_.join();
   return result_;
@@ -40,6 +46,8 @@ CDiskWriter::CDiskWriter(std::FILE* out, int blockBytes, int nb, int channels, i
   thread_ = std::thread(DiskWriterThread, this);
 }
 
+CDiskWriter::~CDiskWriter() { Wait(); }
+
 void CDiskWriter::Run() {
   TakeBlocks([this](const char* data, int length) {
     const auto count = static_cast<std::size_t>(window_.Cut(data, length));
@@ -67,6 +75,8 @@ CBlockWriter::CBlockWriter(std::FILE* out, int blockBytes, int nb, int channels,
       window_(skipBytes, totalBytes) {
   thread_ = std::thread(BlockWriterThread, this);
 }
+
+CBlockWriter::~CBlockWriter() { Wait(); }
 
 void CBlockWriter::Run() {
   TakeBlocks([this](const char* data, int length) {
@@ -109,6 +119,8 @@ CBufferWriter::CBufferWriter(CorvinReadCallback write, void* data, int blockByte
     : CWriter(blockBytes, nb, channels), write_(write), data_(data) {
   thread_ = std::thread(BufferWriterThread, this);
 }
+
+CBufferWriter::~CBufferWriter() { Wait(); }
 
 void CBufferWriter::Run() {
   TakeBlocks([this](char* data, int length) {

@@ -18,15 +18,15 @@
 
 class CORVIN_API CWriter {
  public:
-  CWriter(int blockBytes, int nb, int channels) { blocks_.Init(nb, blockBytes, channels); }
+  CWriter(int blockBytes, int nb, int channels);
   CWriter(const CWriter&) = delete;
   CWriter& operator=(const CWriter&) = delete;
-  virtual ~CWriter() = default;
+  virtual ~CWriter();
 
   /// Joins the thread and returns its result: 0 after a normal end, -1 when writing failed.
   virtual int Wait();
 
-  CBuffer* Write1Lock(int n, int ch) { return blocks_.Write1Lock(n, ch); }
+  CBuffer* Write1Lock(int n, int ch);
   void Abandon() { blocks_.Abandon(); }
 
  protected:
@@ -74,7 +74,7 @@ class CORVIN_API CDiskWriter : public CWriter {
   ///                   it so
   CDiskWriter(std::FILE* out, int blockBytes, int nb, int channels, int skipBytes,
               unsigned long long totalBytes, char* outBuffer);
-  ~CDiskWriter() override { Wait(); }
+  ~CDiskWriter() override;
 
  private:
   static void DiskWriterThread(CDiskWriter* self) { self->Run(); }
@@ -95,7 +95,7 @@ class CORVIN_API CBlockWriter : public CWriter {
   ///                   channel, which gets the valid bytes alone
   CBlockWriter(std::FILE* out, int blockBytes, int nb, int channels, int blockSize, int skipBytes,
                unsigned long long totalBytes, char* outBuffer);
-  ~CBlockWriter() override { Wait(); }
+  ~CBlockWriter() override;
 
  private:
   static void BlockWriterThread(CBlockWriter* self) { self->Run(); }
@@ -117,7 +117,7 @@ class CORVIN_API CBlockWriter : public CWriter {
 class CORVIN_API CBufferWriter : public CWriter {
  public:
   CBufferWriter(CorvinReadCallback write, void* data, int blockBytes, int nb, int channels);
-  ~CBufferWriter() override { Wait(); }
+  ~CBufferWriter() override;
 
  private:
   static void BufferWriterThread(CBufferWriter* self) { self->Run(); }

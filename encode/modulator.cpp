@@ -92,6 +92,10 @@ CShaper::CShaper(CWriter* writer, int ch, int nb, double* A, double* B, int chan
 
 CShaper::~CShaper() { thread_.join(); }
 
+CBuffer* CShaper::Write1Lock(int n, int) { return blocks_.Write1Lock(n, 0); }
+
+CBuffer* CShaper::Read1Lock(int n, int) { return blocks_.Read1Lock(n, 0); }
+
 void CShaper::Run() {
   for (int seq = 0;; seq = NextSequence(seq, blocks_.count)) {
     CBuffer* const in = blocks_.Read1Lock(seq, 0);

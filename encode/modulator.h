@@ -46,8 +46,8 @@ class CORVIN_API CShaper {
   /// Joins the thread.
   ~CShaper();
 
-  CBuffer* Write1Lock(int n, int) { return blocks_.Write1Lock(n, 0); }
-  CBuffer* Read1Lock(int n, int) { return blocks_.Read1Lock(n, 0); }
+  CBuffer* Write1Lock(int n, int);
+  CBuffer* Read1Lock(int n, int);
   void Abandon() { blocks_.Abandon(); }
 
  private:

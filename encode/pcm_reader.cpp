@@ -22,6 +22,8 @@ CDiskReader::CDiskReader(CorvinReadCallback read, void* data, int blockBytes, in
 
 CDiskReader::~CDiskReader() { thread_.join(); }
 
+CBuffer* CDiskReader::Read1Lock(int n, int ch) { return blocks_.Read1Lock(n, ch); }
+
 void CDiskReader::Run() {
   bool data_left = true;
   for (int seq = 0;; seq = Next(seq)) {

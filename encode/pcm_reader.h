@@ -28,7 +28,7 @@ class CORVIN_API CDiskReader {
   /// Joins the thread.
   ~CDiskReader();
 
-  CBuffer* Read1Lock(int n, int ch) { return blocks_.Read1Lock(n, ch); }
+  CBuffer* Read1Lock(int n, int ch);
   int Next(int n) const { return NextSequence(n, blocks_.count); }
   void Abandon() { blocks_.Abandon(); }
 

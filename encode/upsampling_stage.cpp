@@ -20,15 +20,21 @@ int WorkFloats(int history, int frames) { return history + frames + kVectorSlack
 
 // ---- Workers ----------------------------------------------------------------------------------
 
+CLpf::~CLpf() = default;
+
 void CLpf::Post(int seq, const float* data, int bytes, CBuffer* dest) {
   PostJob(seq, data, bytes, dest, [] {});
+}
+
+void CLpf::Post2(int seq, const float* data, int bytes, CBuffer* dest) {
+  Post(seq, data, bytes, dest);
 }
 
 void CLpf::BecomeIdle() { owner_->AddTail(this); }
 
 CLpfCPU2::CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* schedule, int entries,
                    int frames, int blockFrames)
-    : CLpf(owner, WorkFloats(DEFTAPS_PCMtoDSD / L, frames)),
+    : CLpf(owner, WorkFloats(DEFTAPS_PCMtoDSD / L, frames) * static_cast<int>(sizeof(float))),
       phase_count_(L),
       phases_(phases),
       taps_total_(DEFTAPS_PCMtoDSD),
@@ -39,11 +45,15 @@ CLpfCPU2::CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* sched
   StartWorker();
 }
 
-int CLpfCPU2::Filter(const float* in, int floats, CBufferDec& out) {
+CLpfCPU2::~CLpfCPU2() { StopWorker(); }
+
+int CLpfCPU2::Filter(const char* in, int bytes, CBufferDec& out) {
+  const auto* const input = reinterpret_cast<const float*>(in);
+  const int floats = bytes / static_cast<int>(sizeof(float));
   auto* const samples = reinterpret_cast<float*>(out.data);
   int written = 0;
   for (int at = 0; at < floats - taps_total_ / phase_count_; at += block_frames_)
-    written += kernel_(samples + written, in + at, phases_, phase_count_, taps_total_, schedule_,
+    written += kernel_(samples + written, input + at, phases_, phase_count_, taps_total_, schedule_,
                        entries_);
   return written * static_cast<int>(sizeof(float));
 }

@@ -25,12 +25,16 @@ class CRateConvert2;
 /// A worker with a mailbox for one job.
 class CORVIN_API CLpf : public FilterWorker {
  public:
+  ~CLpf() override;
+
   /// Hands over `bytes` bytes of history and new samples, to be filtered into `dest`; 0 bytes end the
   /// stream. Waits until the mailbox is free.
   void Post(int seq, const float* data, int bytes, CBuffer* dest);
+  /// As Post(), the name that other hosts know.
+  void Post2(int seq, const float* data, int bytes, CBuffer* dest);
 
  protected:
-  CLpf(CRateConvert2* owner, int mailbox_floats) : FilterWorker(mailbox_floats), owner_(owner) {}
+  CLpf(CRateConvert2* owner, int mailbox_bytes) : FilterWorker(mailbox_bytes), owner_(owner) {}
   void BecomeIdle() override;
 
  private:
@@ -44,11 +48,11 @@ class CORVIN_API CLpfCPU2 : public CLpf {
   /// @param blockFrames  frames that the schedule covers
   CLpfCPU2(CRateConvert2* owner, int L, float** phases, DOT8_DATA* schedule, int entries,
            int frames, int blockFrames);
-  ~CLpfCPU2() override { StopWorker(); }
+  ~CLpfCPU2() override;
 
  private:
   /// Runs the schedule over each of the job's blocks.
-  int Filter(const float* in, int floats, CBufferDec& out) override;
+  int Filter(const char* in, int bytes, CBufferDec& out) override;
 
   int phase_count_;
   float** phases_;

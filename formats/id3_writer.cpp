@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 10;
 constexpr std::uint8_t kUtf8 = 3;
-constexpr std::size_t kLargestSize = (std::size_t{1} << 28) - 1;  // four times seven bits
+constexpr std::uint64_t kLargestSize = (1u << 28) - 1;  // four times seven bits
 
 /// Where the bytes of a block go: nowhere while measuring.
 class Sink {
@@ -39,11 +39,11 @@ class Sink {
     for (int shift = 24; shift >= 0; shift -= 8) PutByte(static_cast<std::uint8_t>(size >> shift));
     Put(std::string_view("\0\0", 2));
   }
-  std::size_t size() const { return size_; }
+  std::uint64_t size() const { return size_; }
 
  private:
   std::uint8_t* to_;
-  std::size_t size_ = 0;
+  std::uint64_t size_ = 0;  // pictures of 2 GiB each add up beyond 32 bits
 };
 
 /// The text of a field, which has no terminator when it is full.
@@ -107,7 +107,7 @@ void PutHeader(Sink& sink, std::size_t size) {
   }
 }
 
-std::size_t FramesSize(const DSD_TAG& tag) {
+std::uint64_t FramesSize(const DSD_TAG& tag) {
   Sink measure;
   PutFrames(measure, tag);
   return measure.size();
@@ -118,8 +118,9 @@ std::size_t FramesSize(const DSD_TAG& tag) {
 namespace corvin::formats {
 
 std::vector<std::uint8_t> MakeId3Block(const DSD_TAG& tag) {
-  const std::size_t size = FramesSize(tag);
-  if (size == 0 || size > kLargestSize) return {};
+  const std::uint64_t frames_size = FramesSize(tag);
+  if (frames_size == 0 || frames_size > kLargestSize) return {};
+  const auto size = static_cast<std::size_t>(frames_size);
   std::vector<std::uint8_t> block(kHeaderBytes + size);
   Sink sink(block.data());
   PutHeader(sink, size);
@@ -132,15 +133,16 @@ std::vector<std::uint8_t> MakeId3Block(const DSD_TAG& tag) {
 extern "C" {
 
 int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
-  const std::size_t size = FramesSize(*tag);
-  if (size > kLargestSize) return -1;
+  const std::uint64_t frames_size = FramesSize(*tag);
+  if (frames_size > kLargestSize) return -1;
+  const auto size = static_cast<std::size_t>(frames_size);
   const std::unique_ptr<std::uint8_t, void (*)(void*)> block(
       static_cast<std::uint8_t*>(std::malloc(kHeaderBytes + size)), std::free);
   if (!block) return -1;
   Sink sink(block.get());
   PutHeader(sink, size);
   PutFrames(sink, *tag);
-  return static_cast<int>(std::fwrite(block.get(), 1, sink.size(), stream));
+  return static_cast<int>(std::fwrite(block.get(), 1, kHeaderBytes + size, stream));
 }
 
 int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag) { return id3tag_write_v2(stream, tag); }

@@ -12,6 +12,7 @@
 
 #include "foundation/aligned_storage.h"
 
+CBufferDec::CBufferDec() = default;
 CBufferDec::~CBufferDec() { Exit(); }
 
 bool CBufferDec::Init(int block_size, int block_readers) {
@@ -82,6 +83,9 @@ void CBufferDec::Abandon() {
   }
 }
 
+CBuffer::CBuffer() = default;
+CBuffer::~CBuffer() = default;
+
 bool CBuffer::Init(int block_size, int block_readers) {
   CBufferDec::Init(block_size, block_readers);
   std::memset(data, 0, static_cast<std::size_t>(size));
@@ -143,3 +147,25 @@ void BlockRing<Block>::Abandon() {
 
 template class BlockRing<CBufferDec>;
 template class BlockRing<CBuffer>;
+
+CBufferListDec::CBufferListDec() = default;
+CBufferListDec::~CBufferListDec() = default;
+bool CBufferListDec::Init(int ring_depth, int size, int readers) {
+  return BlockRing::Init(ring_depth, size, readers);
+}
+CBufferDec* CBufferListDec::WriteLock(int seq) { return BlockRing::WriteLock(seq); }
+CBufferDec* CBufferListDec::ReadLock(int seq) { return BlockRing::ReadLock(seq); }
+CBufferDec* CBufferListDec::Write1Lock(int seq, int reader) { return BlockRing::Write1Lock(seq, reader); }
+CBufferDec* CBufferListDec::Read1Lock(int seq, int reader) { return BlockRing::Read1Lock(seq, reader); }
+void CBufferListDec::Exit() { BlockRing::Exit(); }
+
+CBufferList::CBufferList() = default;
+CBufferList::~CBufferList() { Exit(); }
+bool CBufferList::Init(int ring_depth, int size, int readers) {
+  return BlockRing::Init(ring_depth, size, readers);
+}
+CBuffer* CBufferList::WriteLock(int seq) { return BlockRing::WriteLock(seq); }
+CBuffer* CBufferList::ReadLock(int seq) { return BlockRing::ReadLock(seq); }
+CBuffer* CBufferList::Write1Lock(int seq, int reader) { return BlockRing::Write1Lock(seq, reader); }
+CBuffer* CBufferList::Read1Lock(int seq, int reader) { return BlockRing::Read1Lock(seq, reader); }
+void CBufferList::Exit() { BlockRing::Exit(); }

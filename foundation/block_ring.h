@@ -22,7 +22,7 @@ class CORVIN_API CBufferDec {
  public:
   static constexpr int kMaxReaders = 8;
 
-  CBufferDec() = default;
+  CBufferDec();
   CBufferDec(const CBufferDec&) = delete;
   CBufferDec& operator=(const CBufferDec&) = delete;
   ~CBufferDec();
@@ -72,13 +72,15 @@ class CORVIN_API CBufferDec {
 /// The same block for the PCM to DSD side, whose storage starts as zeros.
 class CORVIN_API CBuffer : public CBufferDec {
  public:
+  CBuffer();
+  ~CBuffer();
   bool Init(int size, int readers);
 };
 
 /// A ring of `count` blocks. Sequence number `seq` lives at place seq % count; every lock returns
 /// the block, on which it is undone.
 template <class Block>
-class CORVIN_API BlockRing {
+class BlockRing {
  public:
   BlockRing() = default;
   BlockRing(const BlockRing&) = delete;
@@ -110,12 +112,30 @@ extern template class BlockRing<CBuffer>;
 
 /// Released only by Exit(): owners of a DSD to PCM ring end its threads first and then call it, so
 /// the destructor leaves the blocks alone.
-class CORVIN_API CBufferListDec : public BlockRing<CBufferDec> {};
+class CORVIN_API CBufferListDec : public BlockRing<CBufferDec> {
+ public:
+  CBufferListDec();
+  ~CBufferListDec();
+  // The ring's own functions, exported under this class's name.
+  bool Init(int ring_depth, int size, int readers);
+  CBufferDec* WriteLock(int seq);
+  CBufferDec* ReadLock(int seq);
+  CBufferDec* Write1Lock(int seq, int reader);
+  CBufferDec* Read1Lock(int seq, int reader);
+  void Exit();
+};
 
 /// The PCM to DSD ring releases itself.
 class CORVIN_API CBufferList : public BlockRing<CBuffer> {
  public:
-  ~CBufferList() { Exit(); }
+  CBufferList();
+  ~CBufferList();
+  bool Init(int ring_depth, int size, int readers);
+  CBuffer* WriteLock(int seq);
+  CBuffer* ReadLock(int seq);
+  CBuffer* Write1Lock(int seq, int reader);
+  CBuffer* Read1Lock(int seq, int reader);
+  void Exit();
 };
 
 #endif  // CORVIN_FOUNDATION_BLOCK_RING_H_

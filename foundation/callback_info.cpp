@@ -10,10 +10,14 @@
 
 #include "foundation/dsd_silence.h"
 
+CCallbackInfoDec::CCallbackInfoDec(std::FILE* source, std::uint64_t sound_bytes,
+                                   CorvinProgressCallback user_progress, void* user_data)
+    : stream(source), length(sound_bytes), progress(user_progress), progressData(user_data) {}
+
 int CCallbackInfoDec::Read(void* buffer, int size) {
   if (cancelled) return 0;
-  const auto wanted = std::min<std::uint64_t>(static_cast<std::uint64_t>(std::max(size, 0)),
-                                              Remaining());
+  const auto wanted = static_cast<std::size_t>(
+      std::min<std::uint64_t>(static_cast<std::uint64_t>(std::max(size, 0)), Remaining()));
   const std::size_t count = wanted ? std::fread(buffer, 1, wanted, stream) : 0;
   position += count;
   if (count == 0) ended = true;
@@ -43,6 +47,10 @@ CCallbackInfoBlock::CCallbackInfoBlock(std::FILE* source, std::uint64_t sound_by
       blockSize(block_size),
       channels(channel_count) {}
 
+CCallbackInfoBlock::~CCallbackInfoBlock() = default;
+
+bool CCallbackInfoBlock::Progress() { return CCallbackInfoDec::Progress(); }
+
 bool CCallbackInfoBlock::LoadGroup() {
   const std::size_t count = std::fread(block.data(), 1, block.size(), stream);
   std::fill(block.begin() + static_cast<std::ptrdiff_t>(count), block.end(), kDsdSilence);
@@ -70,6 +78,16 @@ int CCallbackInfoBlock::Read(void* buffer, int size) {
 }
 
 // ---- PCM --------------------------------------------------------------------------------------
+
+CCallbackInfo::CCallbackInfo(std::FILE* source, std::uint64_t pcm_bytes,
+                             CorvinProgressCallback user_progress, void* user_data, int dsd_rate,
+                             int pcm_rate, int bytes_per_frame)
+    : CCallbackInfoDec(source, pcm_bytes, user_progress, user_data),
+      dsdRate(dsd_rate),
+      pcmRate(pcm_rate),
+      divisor(bytes_per_frame) {}
+
+bool CCallbackInfo::Progress() { return CCallbackInfoDec::Progress(); }
 
 int CCallbackInfo::Read(void* buffer, int size) {
   if (cancelled || size < 1) return 0;

@@ -22,8 +22,7 @@ class CORVIN_API CCallbackInfoDec {
   /// @param sound_bytes   bytes of sound data
   /// @param user_progress may be null
   CCallbackInfoDec(std::FILE* source, std::uint64_t sound_bytes,
-                   CorvinProgressCallback user_progress, void* user_data)
-      : stream(source), length(sound_bytes), progress(user_progress), progressData(user_data) {}
+                   CorvinProgressCallback user_progress, void* user_data);
 
   /// Delivers at most `size` bytes; 0 at the end, after a read error and after a cancel.
   int Read(void* buffer, int size);
@@ -53,10 +52,12 @@ class CORVIN_API CCallbackInfoBlock : public CCallbackInfoDec {
   CCallbackInfoBlock(std::FILE* source, std::uint64_t sound_bytes,
                      CorvinProgressCallback user_progress, void* user_data, int block_size,
                      int channel_count);
+  ~CCallbackInfoBlock();
 
   /// As above; `size` is a whole number of frames of one byte per channel. A group of blocks that the
   /// file cuts short is silence beyond the cut.
   int Read(void* buffer, int size);
+  bool Progress();
 
   std::vector<unsigned char> block;  ///< one group: channels x blockSize bytes
   int cursor;                        ///< next byte inside each channel's block
@@ -72,13 +73,10 @@ class CORVIN_API CCallbackInfo : public CCallbackInfoDec {
  public:
   /// @param bytes_per_frame  at least 1
   CCallbackInfo(std::FILE* source, std::uint64_t pcm_bytes, CorvinProgressCallback user_progress,
-                void* user_data, int dsd_rate, int pcm_rate, int bytes_per_frame)
-      : CCallbackInfoDec(source, pcm_bytes, user_progress, user_data),
-        dsdRate(dsd_rate),
-        pcmRate(pcm_rate),
-        divisor(bytes_per_frame) {}
+                void* user_data, int dsd_rate, int pcm_rate, int bytes_per_frame);
 
   int Read(void* buffer, int size);
+  bool Progress();
 
   int dsdRate;
   int pcmRate;

@@ -7,12 +7,12 @@
 
 #include <cstring>
 
-FilterWorker::FilterWorker(int mailbox_floats) {
-  mailbox_.Init(mailbox_floats * static_cast<int>(sizeof(float)), 1);
+FilterWorker::FilterWorker(int mailbox_bytes) {
+  mailbox_.Init(mailbox_bytes, 1);
   std::memset(mailbox_.data, 0, static_cast<std::size_t>(mailbox_.size));
 }
 
-void FilterWorker::CopyIn(const float* data, int bytes) {
+void FilterWorker::CopyIn(const void* data, int bytes) {
   if (bytes > 0) std::memcpy(mailbox_.data, data, static_cast<std::size_t>(bytes));
 }
 
@@ -36,9 +36,7 @@ void FilterWorker::Run() {
     const int length = mailbox_.length;
     {
       const std::lock_guard lock(data_lock_);
-      const int bytes = length < 1 ? length
-                                   : Filter(reinterpret_cast<const float*>(mailbox_.data),
-                                            length / static_cast<int>(sizeof(float)), *out_);
+      const int bytes = length < 1 ? length : Filter(mailbox_.data, length, *out_);
       out_->Write1Unlock(0, bytes);
     }
     mailbox_.Read1Unlock(0);

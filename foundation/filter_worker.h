@@ -30,13 +30,13 @@ class FilterWorker {
   void WaitReady() { ready_.Close(); }
 
  protected:
-  /// @param mailbox_floats  capacity; starts as zeros
-  explicit FilterWorker(int mailbox_floats);
+  /// @param mailbox_bytes  capacity; starts as zeros
+  explicit FilterWorker(int mailbox_bytes);
 
   /// Waits until the mailbox is free, copies `bytes` bytes into it, has `prepare` store what else
   /// belongs to the job, and wakes the worker. 0 bytes end the stream.
   template <class Prepare>
-  void PostJob(int tag, const float* data, int bytes, CBufferDec* out, Prepare prepare) {
+  void PostJob(int tag, const void* data, int bytes, CBufferDec* out, Prepare prepare) {
     mailbox_.Write1Lock(tag, 0);
     {
       const std::lock_guard lock(data_lock_);
@@ -51,13 +51,14 @@ class FilterWorker {
   /// Finishes a job that was posted, wakes the worker and joins it.
   void StopWorker();
 
-  /// Filters `floats` floats into out.data and returns the number of bytes there.
-  virtual int Filter(const float* in, int floats, CBufferDec& out) = 0;
+  /// Filters the `bytes` bytes of a job, which start on a 32-byte boundary, into out.data and returns
+  /// the number of bytes there.
+  virtual int Filter(const char* in, int bytes, CBufferDec& out) = 0;
   /// Returns the worker to its stage's idle queue.
   virtual void BecomeIdle() = 0;
 
  private:
-  void CopyIn(const float* data, int bytes);
+  void CopyIn(const void* data, int bytes);
   void Run();
 
   CBufferDec mailbox_;

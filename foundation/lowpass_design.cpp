@@ -126,6 +126,8 @@ void CFIRFilter::CreateCoeffs(float* out, float gain) {
 
 // ---- PCM to DSD -------------------------------------------------------------------------------
 
+CFIRFilterEnc::CFIRFilterEnc() = default;
+
 CFIRFilterEnc::~CFIRFilterEnc() { delete[] coeffs; }
 
 int CFIRFilterEnc::Init(int dsd_rate, double sampling_rate, double edge, int phase_count, double) {

@@ -52,7 +52,7 @@ class CORVIN_API CFIRFilter {
 
 class CORVIN_API CFIRFilterEnc {
  public:
-  CFIRFilterEnc() = default;
+  CFIRFilterEnc();
   CFIRFilterEnc(const CFIRFilterEnc&) = delete;
   CFIRFilterEnc& operator=(const CFIRFilterEnc&) = delete;
   ~CFIRFilterEnc();

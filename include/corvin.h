@@ -15,7 +15,9 @@
  *    to reach it.
  *  - Container kinds: 1 = DSDIFF, 2 = DSF, 3 = "1bit".
  *  - Buffers, streams and records belong to the caller unless a function says otherwise.
- *  - Any number of calls may run at once from different threads, on different files and buffers.
+ *  - Any number of calls may run at once from different threads, on different files, buffers, records
+ *    and objects; one of these takes one call at a time.
+ *  - Functions allocate and may block, unless they say otherwise: they are not for real-time threads.
  *  - No function throws; none but the header writer of the PCM to DSD direction prints. */
 
 #ifndef CORVIN_H_
@@ -107,7 +109,7 @@ typedef struct DSD_TAG {
    *  @return           the first new entry; null when none was added: a count of 0, an argument out
    *                    of range, too many pictures, or no memory. The pictures kept are then as
    *                    they were
-   *  Since 0.1. */
+   *  Threads: reentrant for different records. Since 0.1. */
   CORVIN_API DSD_PICTURE* PictureAlloc(int count, int dataBytes, bool keep);
 #endif
 } DSD_TAG;
@@ -153,8 +155,10 @@ CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
  *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API int DSDTag(const char* path, DSD_TAG* tag);
 
-/** Empties a record: releases its pictures and zeroes every field. For pictures that the library
- *  allocated; a host that has put in memory of its own takes it out before. Since 0.1. */
+/** Empties a record: releases its pictures and zeroes every field.
+ *  @param tag  not null. Its pictures are those that the library allocated: a host that has put in
+ *              memory of its own takes it out before
+ *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API void DSDTagClear(DSD_TAG* tag);
 
 /** Reads an ID3v2.3 block from a stream's current position into a record.
@@ -172,20 +176,22 @@ CORVIN_API int Read_id3tag_v2(FILE* stream, DSD_TAG* tag);
 
 /** Writes a record as one ID3v2.3 block at a stream's current position. Texts are announced as UTF-8
  *  and written as they stand; empty fields, a year of 0 and pictures without data are left out.
+ *  @param stream  left behind the block; need not be seekable
+ *  @param tag     is not changed
  *  @return  bytes written: the size of the block, 10 for an empty record, unless the stream's error
  *           flag is set; -1 without writing when memory runs out or the block would exceed the 256
  *           MiB that an ID3v2 header can state
  *  Threads: reentrant for different streams. Since 0.1. */
 CORVIN_API int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag);
 
-/** Same as Write_id3tag_v2(). Since 0.1. */
+/** Does the same as Write_id3tag_v2(), under its older name. Since 0.1. */
 CORVIN_API int id3tag_write_v2(FILE* stream, const DSD_TAG* tag);
 
 /** Copies a text without its byte-order mark: FF FE, FE FF or EF BB BF.
  *  @param src  src[len]
  *  @param dst  receives what follows the mark; may be `src`
  *  @return     bytes copied; 0, and nothing is copied, when there is no mark or `len` is below 4
- *  Since 0.1. */
+ *  Threads: reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API int CutUnicodeBOM(const unsigned char* src, int len, unsigned char* dst);
 
 /** Whether the latest Read_id3tag_v2() to make progress has taken a comment. Reads in several threads
@@ -204,11 +210,16 @@ extern CORVIN_API const char* const genre_names[CORVIN_GENRE_COUNT];
 /** The genre numbers in the order of the listing. */
 extern CORVIN_API const int genre_alpha_map[CORVIN_GENRE_COUNT];
 
-/** Is told one genre. */
+/** Is told one genre.
+ *  @param genre  its ID3v1 number, 0..147
+ *  @param name   its English name, terminated, for good
+ *  @param user   what id3tag_genre_list() was given */
 typedef void (*CorvinGenreCallback)(int genre, const char* name, void* user);
 
 /** Calls `callback` for every genre in alphabetical order, "Alt. Rock" right after "Alternative".
- *  Does nothing when `callback` is null. Since 0.1. */
+ *  @param callback  called #CORVIN_GENRE_COUNT times on this thread; nothing happens when it is null
+ *  @param user      passed to `callback`
+ *  Threads: reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
 
 /* ---- DSD to PCM --------------------------------------------------------------------------- */
@@ -233,7 +244,8 @@ CORVIN_API void id3tag_genre_list(CorvinGenreCallback callback, void* user);
  *                       -1 when the file cannot be opened, its header or an argument is out of
  *                       range (nothing is written), resources run out, or `progress` cancelled
  *                       (`output` then holds the PCM up to there)
- *  The length is pcmRate x samples / DSD rate frames, rounded down.
+ *  The length is pcmRate x samples / DSD rate frames, rounded down. The filter's delay is taken out:
+ *  the first frame belongs to the first sample.
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback progress,
                         void* progressData, int reserved1, int reserved2, int pcmRate, int bits,
@@ -247,9 +259,56 @@ CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback p
  *  @param pcm      receives (bits / 8) x 2 x (pcmRate x bytes x 8 / dsdRate) bytes, interleaved
  *  @param pcmRate  as for DSDtoPCM()
  *  @param bits     8, 16, 24 or 32
- *  On an argument out of range `pcm` is left untouched.
- *  Threads: reentrant. Since 0.1. */
+ *  On an argument out of range `pcm` is left untouched. Delay: none, as DSDtoPCM().
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int pcmRate, int bits);
+
+/* ---- DSD to PCM, buffer by buffer ---------------------------------------------------------- */
+
+/** Converts one stereo DSD stream to PCM in pieces: the filters of DSDtoPCM(), with memory from piece
+ *  to piece and threads that sleep in between. */
+#ifdef __cplusplus
+class CDSDtoPCMBuf;
+#else
+typedef struct CDSDtoPCMBuf CDSDtoPCMBuf;
+#endif
+
+/** Creates a converter at the beginning of a stream.
+ *  @param dsdRate    DSD rate in Hz, up to 98304000
+ *  @param pcmRate    as for DSDtoPCM(); at least dsdRate / 16384
+ *  @param lsbFirst   earliest sample of a byte in its least significant bit, as in DSF
+ *  @param bits       8, 16, 24 or 32 bits per PCM sample, signed
+ *  @param bigEndian  most significant byte of each sample first
+ *  @return           to be released by CloseDSDtoPCMBuf(); null when an argument is out of range or
+ *                    resources run out
+ *  Threads: reentrant. Starts two threads, one per channel. Since 0.1. */
+CORVIN_API CDSDtoPCMBuf* GetCDSDtoPCMBufClass(int dsdRate, int pcmRate, bool lsbFirst, int bits,
+                                              bool bigEndian);
+
+/** Converts the next piece of the stream. The frames are those that RTBufDSDtoPCM() makes of the whole
+ *  stream, whatever the pieces; those of the last DSDtoPCMBuf_Delay() frames of the stream come only
+ *  when that much silence, bytes of 0x69, is sent behind it.
+ *  @param dsd      2 x `bytes` bytes: the left channel, then the right; may be null for 0 bytes
+ *  @param bytes    DSD bytes per channel, 0 or more
+ *  @param pcm      receives the frames, interleaved; room for (8 x bytes x pcmRate / dsdRate, rounded
+ *                  up) frames is always enough. Must not overlap `dsd`
+ *  @param pcmSize  bytes of room in `pcm`; what does not get PCM is left untouched
+ *  @return         bytes written to `pcm`. After a stream of N samples per channel so far, N x pcmRate
+ *                  / dsdRate, rounded up, less the delay, frames have come out in all. -1, and the
+ *                  piece is not taken, for a null pointer, a negative count or too little room: the
+ *                  same piece may be sent again
+ *  Threads: one call per converter at a time; converters are independent. Real time: never allocates;
+ *  waits for its two threads. Since 0.1. */
+CORVIN_API int DSDtoPCMBuf_ToPCM(CDSDtoPCMBuf* engine, const unsigned char* dsd, int bytes,
+                                 unsigned char* pcm, int pcmSize);
+
+/** Returns by how many frames the output lags behind the input: half the filter's length, or the
+ *  longer lead that pairs of rates without a plan have. They are held back, not replaced: the first
+ *  frame that comes out is the first of DSDtoPCM(). -1 for null. Since 0.1. */
+CORVIN_API int DSDtoPCMBuf_Delay(const CDSDtoPCMBuf* engine);
+
+/** Ends a converter and its threads; null is allowed. No call on it may be running. Since 0.1. */
+CORVIN_API void CloseDSDtoPCMBuf(CDSDtoPCMBuf* engine);
 
 /* ---- PCM to DSD --------------------------------------------------------------------------- */
 
@@ -272,7 +331,7 @@ CORVIN_API void RTBufDSDtoPCM(char* dsd, int bytes, int dsdRate, char* pcm, int 
  *  The file holds (frames x dsdRate / PCM rate + 7) / 8 bytes of sound per channel. Headers of other
  *  than two channels carry stereo sizes, as docs/formats.md tells. 0 dBFS is 50 % modulation times
  *  the plan's level; louder sound clips. When a header field cannot be written, "Write error" and a
- *  yen sign with an n go to the standard error stream.
+ *  yen sign with an n go to the standard error stream. The filter's delay is taken out.
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const char* dsdPath,
                         int dsdRate, CorvinProgressCallback progress,
@@ -287,10 +346,66 @@ CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const cha
  *                   the right, earliest sample in the most significant bit
  *  @param dsdRate   as for PCMtoDSD()
  *  @param frames    PCM frames in `pcm`
- *  On an argument out of range `dsdOut` is left untouched.
- *  Threads: reentrant. Since 0.1. */
+ *  On an argument out of range `dsdOut` is left untouched. Delay: none, as PCMtoDSD().
+ *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API void RTBufPCMtoDSD(char* pcm, int pcmBytes, int pcmRate, int bits, void* dsdOut,
                               unsigned int dsdRate, int frames);
+
+/* ---- Streams that hold what is pushed ------------------------------------------------------- */
+
+/* These eight functions are kept for hosts that are linked against them. A stream here is a pair of
+ * rings of four blocks: it holds what is pushed and converts nothing. A decoding stream therefore
+ * never gives PCM, and an encoding one never gives DSD. To convert a stream of DSD, use
+ * corvin_decoder_create() and its companions, or GetCDSDtoPCMBufClass().
+ *
+ * Rates and formats are fixed: two channels, DSD at 2822400 Hz, PCM at 44100 Hz in 24 bits. Threads:
+ * one thread per function and stream at a time; pushing and pulling may overlap. Streams are
+ * independent. Ending a stream is allowed while other threads wait in it: their calls return what
+ * they have moved; no new call may begin then. Nothing allocates between creation and end. */
+
+/** Creates a decoding stream.
+ *  @param reserved  ignored
+ *  @return          to be released by DSDDecodeExit(); null when memory runs out
+ *  Since 0.1. */
+CORVIN_API void* DSDDecodeInit(int reserved);
+
+/** Stores DSD bytes. Waits once 4 x 8192 bytes are stored, for nothing takes them: until the stream
+ *  ends.
+ *  @param data  data[size]
+ *  @return      bytes stored: `size`, or less when the stream ended meanwhile; 0 for a null pointer or
+ *               a size that is not positive
+ *  Since 0.1. */
+CORVIN_API int DSDDecodeSetDSDData(void* stream, const unsigned char* data, int size);
+
+/** Waits for PCM, of which there is never any: until the stream ends.
+ *  @param buffer  buffer[size]; left untouched
+ *  @return        bytes delivered, 0; at once for a null pointer or a size that is not positive
+ *  Since 0.1. */
+CORVIN_API int DSDDecodeGetPCMData(void* stream, unsigned char* buffer, int size);
+
+/** Ends a decoding stream and drops what it holds; null is allowed. Returns 0. Since 0.1. */
+CORVIN_API int DSDDecodeExit(void* stream);
+
+/** Creates an encoding stream.
+ *  @return  to be released by DSDEncodeExit(); null when memory runs out
+ *  Since 0.1. */
+CORVIN_API void* DSDEncode(void);
+
+/** Stores PCM bytes. Waits once 4 x 384 bytes are stored, for nothing takes them: until the stream
+ *  ends.
+ *  @param data  data[size]
+ *  @return      as DSDDecodeSetDSDData()
+ *  Since 0.1. */
+CORVIN_API int DSDEncodeSetPCMData(void* stream, const unsigned char* data, int size);
+
+/** Takes DSD, of which there is never any; does not wait.
+ *  @param buffer  buffer[size]; left untouched
+ *  @return        bytes delivered: 0
+ *  Since 0.1. */
+CORVIN_API int DSDEncodeGetDSDData(void* stream, unsigned char* buffer, int size);
+
+/** Ends an encoding stream and drops what it holds; null is allowed. Returns 0. Since 0.1. */
+CORVIN_API int DSDEncodeExit(void* stream);
 
 /* ---- Compact DSD to PCM ------------------------------------------------------------------- */
 
@@ -305,10 +420,13 @@ typedef struct dsd2pcm_state dsd2pcm_state;
  *  Threads: any number at once, the first call too. Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_init(void);
 
-/** Brings a converter back to how dsd2pcm_init() made it. Since 0.1. */
+/** Brings a converter back to how dsd2pcm_init() made it.
+ *  @param state  not null
+ *  Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API void dsd2pcm_reset(dsd2pcm_state* state);
 
 /** Creates a converter that goes on exactly as `state` would.
+ *  @param state  not null; is not changed
  *  @return  to be released by dsd2pcm_destroy(); null when memory runs out. Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_clone(const dsd2pcm_state* state);
 
@@ -332,14 +450,16 @@ CORVIN_API void dsd2pcm_destroy(dsd2pcm_state* state);
 /* ---- Platform services -------------------------------------------------------------------- */
 
 /** Returns how many worker threads a job runs when each wants `perThread` processors:
- *  max(processors, perThread) / perThread; 1 when `perThread` is not positive. Since 0.1. */
+ *  max(processors, perThread) / perThread; 1 when `perThread` is not positive. Processors are those
+ *  that the process may use. Threads: reentrant. Since 0.1. */
 CORVIN_API unsigned GetCPU_GPU_Cores(int perThread);
 
 /** Waits `seconds` while the host's event loop (on macOS the thread's run loop) goes on. Values that
- *  are not positive return at once. Since 0.1. */
+ *  are not positive return at once. Threads: reentrant; blocks. Since 0.1. */
 CORVIN_API void ProgressWaitNS(float seconds);
 
-/** Accepts a message and does nothing with it. Since 0.1. */
+/** Accepts a message, null too, and does nothing with it. Real time: never allocates, locks or blocks.
+ *  Since 0.1. */
 CORVIN_API void WriteLog(const char* text);
 
 #ifdef __cplusplus

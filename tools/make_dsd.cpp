@@ -27,7 +27,7 @@ constexpr uint32_t kMaxChannels = 8;
 struct Sound {
   uint32_t rate_hz;
   uint32_t channels;
-  uint64_t samples;                              // per channel, a multiple of 8
+  size_t samples;                                   // per channel, a multiple of 8
   std::vector<std::vector<uint8_t>> channel_bytes;  // earliest sample in the most significant bit
 };
 
@@ -57,10 +57,10 @@ class Header {
   std::vector<uint8_t> bytes_;
 };
 
-std::vector<uint8_t> modulate(uint64_t samples, double cycles_per_sample) {
+std::vector<uint8_t> modulate(size_t samples, double cycles_per_sample) {
   std::vector<uint8_t> bytes(samples / 8);
   double first = 0, second = 0, fed_back = 0;
-  for (uint64_t i = 0; i < samples; ++i) {
+  for (size_t i = 0; i < samples; ++i) {
     const double phase = 2 * std::numbers::pi * cycles_per_sample * static_cast<double>(i);
     first += kFullScale * kLevel * std::sin(phase) - fed_back;
     second += first - fed_back;
@@ -71,7 +71,7 @@ std::vector<uint8_t> modulate(uint64_t samples, double cycles_per_sample) {
 }
 
 Sound make_sound(double seconds, uint32_t rate_hz, uint32_t channels) {
-  Sound sound{rate_hz, channels, static_cast<uint64_t>(seconds * rate_hz) / 8 * 8, {}};
+  Sound sound{rate_hz, channels, static_cast<size_t>(seconds * rate_hz) / 8 * 8, {}};
   // Each channel has its own tone, so that swapped channels are heard and seen.
   for (uint32_t c = 0; c < channels; ++c)
     sound.channel_bytes.push_back(modulate(sound.samples, (1000.0 + 500.0 * c) / rate_hz));
@@ -90,7 +90,7 @@ std::vector<uint8_t> interleaved(const Sound& sound) {
 }
 
 std::vector<uint8_t> dsf(const Sound& sound) {
-  const uint64_t blocks = (sound.samples / 8 + kDsfBlock - 1) / kDsfBlock;
+  const size_t blocks = (sound.samples / 8 + kDsfBlock - 1) / kDsfBlock;
   const uint64_t payload = blocks * kDsfBlock * sound.channels;
   constexpr uint32_t kTypes[] = {0, 1, 2, 3, 4, 6, 7};  // by channels; none for more than six
   const uint32_t type = sound.channels <= 6 ? kTypes[sound.channels] : 0;
@@ -103,7 +103,7 @@ std::vector<uint8_t> dsf(const Sound& sound) {
           .number(kDsfBlock, 4).number(0, 4)
           .id("data").number(12 + payload, 8)
           .bytes();
-  for (uint64_t block = 0; block < blocks; ++block)
+  for (size_t block = 0; block < blocks; ++block)
     for (const auto& channel : sound.channel_bytes)
       for (size_t i = block * kDsfBlock; i < (block + 1) * kDsfBlock; ++i) {
         uint8_t reversed = 0;
@@ -169,7 +169,7 @@ int main(int argc, char** argv) {
   const long rate_hz = argc > 4 ? std::atol(argv[4]) : 2822400;
   const long channels = argc > 5 ? std::atol(argv[5]) : 2;
   if (!(seconds >= 0 && seconds <= 3600) || rate_hz < 8000 || rate_hz > 100'000'000 ||
-      channels < 1 || channels > kMaxChannels)
+      channels < 1 || channels > static_cast<long>(kMaxChannels))
     return usage();
 
   const Sound sound =

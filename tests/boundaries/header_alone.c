@@ -26,6 +26,8 @@ int main(void) {
   if (CommentLanguage[0] != 'j' || genre_names[genre_alpha_map[0]][0] != 'A') return 4;
   DSDTagClear(&tag);
   dsd2pcm_destroy(dsd2pcm_init());
+  CloseDSDtoPCMBuf(GetCDSDtoPCMBufClass(0, 0, false, 0, false));
+  if (DSDDecodeExit(DSDDecodeInit(0)) != 0 || DSDEncodeExit(DSDEncode()) != 0) return 5;
   buffer_to_pcm(NULL, 0, 0, NULL, 0, 0); /* arguments out of range: nothing is touched */
   return GetCPU_GPU_Cores(1) == 0;
 }

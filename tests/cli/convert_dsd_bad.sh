@@ -54,13 +54,14 @@ ln -s /dev/full full.dsf
 try corvin convert in.wav -o full.dsf
 [ -c /dev/full ] || echo "a device was replaced"
 refused in.wav -o missing/out.dsf
-make_wav long.wav 60
+make_wav second.wav 1
 for kind in dsf dff 1bit; do
   cp out/out.dsf out/out.$kind 2>/dev/null
-  (ulimit -f 200 && refused long.wav -o out/out.$kind)
+  (ulimit -f 200 && refused second.wav -o out/out.$kind)
 done
 
 # An interrupt.
+make_wav long.wav 60
 env --default-signal corvin convert long.wav -o out/out.dsf -y &
 tool=$!
 for _ in $(seq 600); do
