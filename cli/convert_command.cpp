@@ -106,7 +106,13 @@ void add_convert_command(CLI::App& app, int& exit_code) {
                    "Level change in dB, -120 to 60; by default 0, which makes 50 % modulation full "
                    "scale")
       ->type_name("DB")
-      ->check(CLI::Range(-120.0, 60.0));
+      ->check([](const std::string& text) {
+        double db = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), db);
+        const bool is_number = error == std::errc() && end == text.data() + text.size();
+        return is_number && db >= -120 && db <= 60 ? std::string()
+                                                   : text + " is no number from -120 to 60";
+      });
   command
       ->add_option("--engine", options->engine,
                    "studio, or classic, which converts two channels and rates of any kind; PCM is "

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/decode/decoder.h"
 
@@ -157,10 +156,10 @@ void Decoder::filter(BlockFilter& filter, const Piece& piece, double* samples) {
 bool Decoder::begin_piece() {
   if (filling_begun_) return true;
   if (filling_ - draining_ == pieces_.size()) return false;
-  Piece& piece = pieces_[filling_ % pieces_.size()];
+  Piece& piece = pieces_[place_of(filling_)];
   filled_ = filling_ == 0 ? plan_.lead_bytes : shared_bytes_;
   // Nobody writes to the piece before until this one is done, so its tail is still there.
-  const Piece& before = pieces_[(filling_ + pieces_.size() - 1) % pieces_.size()];
+  const Piece& before = pieces_[place_of(filling_ + pieces_.size() - 1)];
   for (std::size_t c = 0; c < channels_; ++c) {
     std::uint8_t* head = &piece.in[c * piece_stride_];
     if (filling_ == 0) {
@@ -175,7 +174,7 @@ bool Decoder::begin_piece() {
 
 // Hands the filled piece over, of whose frames the first `frames` belong to the stream.
 void Decoder::submit(std::size_t frames) {
-  const auto job = static_cast<std::size_t>(filling_ % pieces_.size());
+  const auto job = place_of(filling_);
   pieces_[job].number = filling_;
   pieces_[job].frames = frames;
   if (pool_ != nullptr) {
@@ -188,7 +187,7 @@ void Decoder::submit(std::size_t frames) {
 }
 
 std::size_t Decoder::store(const Source& source, std::size_t offset, std::size_t bytes) {
-  Piece& piece = pieces_[filling_ % pieces_.size()];
+  Piece& piece = pieces_[place_of(filling_)];
   const std::size_t count = std::min(bytes, piece_bytes_ - filled_);
   for (std::size_t c = 0; c < channels_; ++c) {
     std::uint8_t* out = &piece.in[c * piece_stride_ + filled_];
@@ -304,7 +303,7 @@ void Decoder::settle_length() {
     length_frames_ = frames_of(samples);
   }
   while (filling_ * piece_frames_ < length_frames_ && begin_piece()) {
-    Piece& piece = pieces_[filling_ % pieces_.size()];
+    Piece& piece = pieces_[place_of(filling_)];
     for (std::size_t c = 0; c < channels_; ++c) {
       std::memset(&piece.in[c * piece_stride_ + filled_], idle_byte_, piece_bytes_ - filled_);
     }
@@ -317,14 +316,14 @@ void Decoder::settle_length() {
 bool Decoder::ready() {
   if (draining_ == filling_) return false;
   if (pool_ == nullptr) return true;
-  const auto job = static_cast<std::size_t>(draining_ % pieces_.size());
+  const auto job = place_of(draining_);
   if (pool_->finished(job)) return true;
   const bool full = filling_ - draining_ == pieces_.size();
   if (!finishing_ && !full) return false;
   // Being woken costs as much as a good part of a piece: with a full ring, half of it at a time. The
   // workers go on with the other half meanwhile.
   if (full && settings_.low_latency == 0) {
-    pool_->wait_for(static_cast<std::size_t>((draining_ + pieces_.size() / 2) % pieces_.size()));
+    pool_->wait_for(place_of(draining_ + pieces_.size() / 2));
   }
   pool_->wait_for(job);
   return true;
@@ -339,11 +338,11 @@ std::size_t Decoder::pull_pieces(std::size_t frames, Take take) {
     if (length_known_ && frames_out_ == length_frames_) break;
     // With workers: having something to give is no reason to wait for more.
     if (done > 0 && pool_ != nullptr && draining_ != filling_ &&
-        !pool_->finished(static_cast<std::size_t>(draining_ % pieces_.size()))) {
+        !pool_->finished(place_of(draining_))) {
       break;
     }
     if (!ready()) break;
-    const Piece& piece = pieces_[draining_ % pieces_.size()];
+    const Piece& piece = pieces_[place_of(draining_)];
     const std::size_t count = std::min(frames - done, piece.frames - drained_);
     if (drained_ == 0) {
       tally_.peak = std::max(tally_.peak, piece.tally.peak);

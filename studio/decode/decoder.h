@@ -75,6 +75,9 @@ class Decoder {
   std::size_t store(const Source& source, std::size_t offset, std::size_t bytes);
   bool empty_group();
 
+  std::size_t place_of(std::uint64_t number) const {
+    return static_cast<std::size_t>(number % pieces_.size());
+  }
   bool begin_piece();
   void submit(std::size_t frames);
   void work(Worker& worker, Piece& piece);

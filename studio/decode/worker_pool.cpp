@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/decode/worker_pool.h"
 
@@ -72,6 +71,7 @@ void WorkerPool::serve(std::size_t worker) {
     lock.lock();
     --busy_;
     finished_[job] = true;
+    // Somebody waits for one job, or for the last one that runs.
     if (job == awaited_ || busy_ == 0) has_result_.notify_one();
   }
 }

@@ -15,7 +15,7 @@ for rate in 0 -1 768001 44.1k 99999999999999999999; do
   try corvin convert in.dsf -o out.wav -r $rate
 done
 for rate in 44101 22050; do try corvin convert in.dsf -o out.wav -r $rate; done
-for option in "--dither x" "--phase x" "--gain x" "--gain 61" "--engine x"; do
+for option in "--dither x" "--phase x" "--gain x" "--gain 61" "--gain nan" "--gain 1dB" "--engine x"; do
   try corvin convert in.dsf -o out.wav $option
 done
 for bits in 8 20 0 x; do try corvin convert in.dsf -o out.wav -b $bits; done
