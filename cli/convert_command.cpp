@@ -8,6 +8,7 @@
 #include <charconv>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/convert.h"
@@ -17,10 +18,19 @@
 namespace corvin::cli {
 namespace {
 
-int run(const ConvertOptions& options) {
+int run_classic(const ConvertOptions& options) {
   DsdSource source;
   const auto failure = read_source(options.input, source);
   if (source.is_of_unknown_kind) return convert_to_dsd(options);
+  if (failure) return report(options.input, *failure);
+  return convert_to_wav_classic(options, source);
+}
+
+int run(const ConvertOptions& options) {
+  if (options.engine == "classic") return run_classic(options);
+  StudioSource source;
+  const auto failure = source.open(options.input);
+  if (source.is_of_unknown_kind()) return convert_to_dsd(options);
   if (failure) return report(options.input, *failure);
   return convert_to_wav(options, source);
 }
@@ -60,19 +70,55 @@ void add_convert_command(CLI::App& app, int& exit_code) {
       ->type_name("OUT");
   command
       ->add_option("-r,--rate", options->rate,
-                   "From DSD: PCM rate in Hz, 1 to 768000, not above the DSD rate; by default "
-                   "96000 for multiples of 48 kHz, 88200 for all others. From PCM: dsd64, dsd128, "
-                   "dsd256 (times 44100 or 48000 Hz, as fits the PCM) or a rate in Hz; by default "
-                   "dsd64")
+                   "From DSD: PCM rate, 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up "
+                   "to 768000 Hz); by default 96000 for multiples of 48 kHz, 88200 for all others. "
+                   "From PCM: dsd64, dsd128, dsd256 (times 44100 or 48000 Hz, as fits the PCM) or "
+                   "a rate in Hz; by default dsd64")
       ->type_name("RATE");
+  const auto one_of = [](std::vector<std::string> names) {
+    return [names](const std::string& text) {
+      if (std::find(names.begin(), names.end(), text) != names.end()) return std::string();
+      std::string list;
+      for (const std::string& name : names)
+        list += (list.empty() ? "" : name == names.back() ? " or " : ", ") + name;
+      return text + " is not " + list;
+    };
+  };
   command
       ->add_option("-b,--bits", options->bits,
-                   "Bits per sample of the WAV file, 16, 24 or 32; by default 24")
+                   "Bits per sample of the WAV file, 16, 24, 32 or float; by default 24")
       ->type_name("N")
+      ->check(one_of({"16", "24", "32", "float"}));
+  command
+      ->add_option("--dither", options->dither,
+                   "For 16, 24 and 32 bits: none, tpdf, or shaped, its noise moved to where the "
+                   "ear hears least; by default tpdf")
+      ->type_name("KIND")
+      ->check(one_of({"none", "tpdf", "shaped"}));
+  command
+      ->add_option("--phase", options->phase,
+                   "Phase of the filters: linear, or minimum, which has no ringing ahead of a "
+                   "sound; by default linear")
+      ->type_name("KIND")
+      ->check(one_of({"linear", "minimum"}));
+  command
+      ->add_option("--gain", options->gain_db,
+                   "Level change in dB, -120 to 60; by default 0, which makes 50 % modulation full "
+                   "scale")
+      ->type_name("DB")
       ->check([](const std::string& text) {
-        return text == "16" || text == "24" || text == "32" ? std::string()
-                                                            : text + " is not 16, 24 or 32";
+        double db = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), db);
+        const bool is_number = error == std::errc() && end == text.data() + text.size();
+        return is_number && db >= -120 && db <= 60 ? std::string()
+                                                   : text + " is no number from -120 to 60";
       });
+  command
+      ->add_option("--engine", options->engine,
+                   "studio, or classic, which converts two channels and rates of any kind; PCM is "
+                   "converted by the classic engine always")
+      ->type_name("NAME")
+      ->check(one_of({"studio", "classic"}));
   command->add_flag("-y,--overwrite", options->overwrite, "Replace OUT if it exists");
   command->callback([options, &exit_code] { exit_code = run(*options); });
 }

@@ -94,7 +94,10 @@ ExitCode convert_to_dsd(const ConvertOptions& options) {
   if (kind == 0)
     return report(options.output,
                   {kUsage, "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit"});
-  if (options.bits != 0) return report("--bits", {kUsage, "is for WAV files; a DSD file has 1"});
+  if (!options.bits.empty())
+    return report("--bits", {kUsage, "is for WAV files; a DSD file has 1"});
+  if (const char* option = options.studio_option())
+    return report(option, {kUsage, "is for WAV files"});
   const std::string rate = options.rate.empty() ? "dsd64" : options.rate;
   const int rate_hz = dsd_rate_hz(rate, source.rate_hz());
   if (rate_hz == 0)

@@ -1,121 +1,164 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from a DSD file to a WAV file.
+// corvin convert from a DSD file to a WAV file, by the studio engine.
 
-#include <cstdint>
+#include <algorithm>
+#include <cinttypes>
+#include <cmath>
 #include <cstdio>
-#include <span>
+#include <memory>
 #include <string>
+#include <thread>
 
 #include "cli/convert.h"
-#include "cli/dsd_source.h"
-#include "cli/exit_code.h"
-#include "cli/level_meter.h"
 #include "cli/output_file.h"
-#include "cli/pcm_pipe.h"
 #include "cli/progress_line.h"
 #include "cli/wav_writer.h"
-#include "corvin.h"
 
 namespace corvin::cli {
 namespace {
 
-constexpr int kMaxRateHz = 768000;
-constexpr int kDefaultBits = 24;
+// More do not pay: reading and writing are the limit by then.
+constexpr unsigned kMostThreads = 8;
 
-// What the conversion's progress callback works on.
-struct Watch {
-  ProgressLine line;
-  const PcmPipe& pipe;
+struct Encoding {
+  const char* name;  // as given
+  const char* words;
+  uint32_t format;
+  WavEncoding wav;
+  size_t bytes;
 };
 
-bool go_on(int percent, void* data) {
-  auto* watch = static_cast<Watch*>(data);
-  watch->line.show(percent);
-  return !watch->pipe.refused();
+constexpr Encoding kEncodings[] = {
+    {"24", "24 bits", CORVIN_S24, WavEncoding::k24, 3},
+    {"16", "16 bits", CORVIN_S16, WavEncoding::k16, 2},
+    {"32", "32 bits", CORVIN_S32, WavEncoding::k32, 4},
+    {"float", "32-bit float", CORVIN_F32, WavEncoding::kFloat, 4},
+};
+
+const Encoding& encoding_of(const std::string& bits) {
+  const auto found = std::find_if(std::begin(kEncodings), std::end(kEncodings),
+                                  [&](const Encoding& one) { return bits == one.name; });
+  return found == std::end(kEncodings) ? kEncodings[0] : *found;
 }
 
-int default_rate_hz(uint32_t source_rate_hz) {
-  return is_48k_family(source_rate_hz) ? 96000 : 88200;
+// What the conversion's callbacks work on.
+struct Job {
+  const ConvertOptions& options;
+  const Encoding& encoding;
+  OutputFile& output;
+  std::unique_ptr<WavWriter> writer = {};
+  size_t bytes_per_frame = 0;
+  ProgressLine line = {};
+};
+
+int begin(void* user, const corvin_pcm_format* format) {
+  auto& job = *static_cast<Job*>(user);
+  job.bytes_per_frame = format->channels * job.encoding.bytes;
+  job.writer = std::make_unique<WavWriter>(
+      WavWriter::Config{.descriptor = job.output.descriptor(),
+                        .rate_hz = static_cast<int>(format->pcm_rate),
+                        .channels = static_cast<int>(format->channels),
+                        .speakers = format->speakers,
+                        .encoding = job.encoding.wav,
+                        .expected_bytes = format->frames * job.bytes_per_frame});
+  return job.writer->error().empty() ? 0 : 1;
 }
 
-uint64_t expected_frames(const DSD_INFO& info, int rate_hz) {
-  // In two parts, as the product of a long file's length and a high rate may pass 64 bits.
-  const uint64_t seconds = info.sampleCount / info.samplingFrequency;
-  const uint64_t rest = info.sampleCount % info.samplingFrequency;
-  return seconds * rate_hz + rest * rate_hz / info.samplingFrequency;
+int write(void* user, const void* frames, size_t count) {
+  auto& job = *static_cast<Job*>(user);
+  const auto* bytes = static_cast<const uint8_t*>(frames);
+  return job.writer->write({bytes, count * job.bytes_per_frame}) ? 0 : 1;
+}
+
+int show_progress(void* user, uint64_t done, uint64_t total) {
+  const double part = static_cast<double>(done) / static_cast<double>(std::max<uint64_t>(total, 1));
+  static_cast<Job*>(user)->line.show(static_cast<int>(100 * part));
+  return 0;
+}
+
+bool is_studio_rate(int rate_hz) {
+  for (int times = 1; times <= 16; times *= 2)
+    if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
+  return false;
+}
+
+corvin_convert_settings settings_of(const ConvertOptions& options, int rate_hz, Job& job) {
+  corvin_convert_settings settings;
+  corvin_convert_settings_defaults(&settings);
+  settings.pcm_rate = static_cast<uint32_t>(rate_hz);
+  settings.format = job.encoding.format;
+  if (options.dither == "none") settings.dither = CORVIN_DITHER_NONE;
+  if (options.dither == "shaped") settings.dither = CORVIN_DITHER_SHAPED;
+  if (options.phase == "minimum") settings.phase = CORVIN_MINIMUM_PHASE;
+  if (!options.gain_db.empty()) settings.gain_db = std::stod(options.gain_db);
+  const unsigned processors = std::thread::hardware_concurrency();
+  settings.threads = processors < 2 ? 0 : std::min(processors, kMostThreads);
+  settings.progress = show_progress;
+  settings.progress_user = &job;
+  return settings;
+}
+
+Failure failure_of(int status, const StudioSource& source) {
+  if (status == CORVIN_E_UNSUPPORTED)
+    return {kBadInput, "has a rate of " + std::to_string(source.info().dsd_rate) +
+                           " Hz, which the studio engine does not convert; --engine classic may"};
+  return {kBadInput, corvin_strerror(status)};
+}
+
+std::string level_text(double peak) {
+  if (peak == 0) return "silent";
+  char text[40];
+  std::snprintf(text, sizeof text, "peak %.2f dBFS", 20 * std::log10(peak));
+  return text;
 }
 
 }  // namespace
 
-ExitCode convert_to_wav(const ConvertOptions& options, const DsdSource& source) {
-  const DSD_INFO& info = source.info;
+ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
+  const corvin_file_info& info = source.info();
   if (container_of(options.output) != 0)
     return report(options.output, {kUsage, "a DSD file is converted to WAV, which this name denies"});
-  int rate_hz = default_rate_hz(info.samplingFrequency);
+  int rate_hz = default_pcm_rate_hz(info.dsd_rate);
   if (!options.rate.empty()) {
-    rate_hz = parse_rate_hz(options.rate, kMaxRateHz);
-    if (rate_hz == 0)
-      return report("--rate", {kUsage, options.rate + " is no whole number from 1 to " +
-                                           std::to_string(kMaxRateHz)});
+    rate_hz = parse_rate_hz(options.rate, 16 * 48000);
+    if (!is_studio_rate(rate_hz))
+      return report("--rate", {kUsage, options.rate + " is not 44100 or 48000 times 1, 2, 4, 8 or "
+                                                      "16; --engine classic takes other rates"});
   }
-  if (static_cast<uint32_t>(rate_hz) > info.samplingFrequency)
-    return report(options.input,
-                  {kUsage, "its rate of " + std::to_string(info.samplingFrequency) +
-                               " Hz is below the " + std::to_string(rate_hz) + " Hz asked for"});
-  const int bits = options.bits != 0 ? options.bits : kDefaultBits;
+  if (const auto problem = source.problem()) return report(options.input, {kBadInput, *problem});
 
   OutputFile output(
       {.path = options.output, .input_path = options.input, .overwrite = options.overwrite});
   if (const auto failure = output.open()) return report(options.output, *failure);
 
-  const int channels = info.channels == 1 ? 1 : 2;
-  const size_t bytes_per_frame = static_cast<size_t>(channels * bits / 8);
-  WavWriter writer({.descriptor = output.descriptor(),
-                    .rate_hz = rate_hz,
-                    .channels = channels,
-                    .bits = bits,
-                    .expected_bytes = expected_frames(info, rate_hz) * bytes_per_frame});
-  if (!writer.error().empty()) return report(options.output, {kWriteError, writer.error()});
-
-  LevelMeter level(bits);
-  uint64_t frames = 0;
-  int result = 0;
-  {
-    PcmPipe pipe;
-    Watch watch{{}, pipe};
-    watch.line.show(0);
-    pipe.run(
-        bytes_per_frame,
-        [&](std::FILE* stream) {
-          result = DSDtoPCM(options.input.c_str(), stream, go_on, &watch, 0, 0, rate_hz,
-                            bits, false);
-        },
-        [&](std::span<const uint8_t> pcm) {
-          level.add(pcm);
-          frames += pcm.size() / bytes_per_frame;
-          return writer.write(pcm);
-        });
-  }
-  if (!writer.error().empty()) return report(options.output, {kWriteError, writer.error()});
-  const uint64_t expected = expected_frames(info, rate_hz);
-  if (result != 0) return report(options.input, {kBadInput, "cannot be converted"});
-  if (frames == 0 && expected != 0)
+  const Encoding& encoding = encoding_of(options.bits);
+  corvin_convert_report result{};
+  result.size = sizeof result;
+  Job job{.options = options, .encoding = encoding, .output = output};
+  const corvin_convert_settings settings = settings_of(options, rate_hz, job);
+  const corvin_pcm_sink sink = {sizeof sink, &job, begin, write};
+  job.line.show(0);
+  const int status = corvin_convert_to_pcm(source.handle(), &settings, &sink, &result);
+  job.line.clear();
+  if (status == CORVIN_E_WRITE)
+    return report(options.output, {kWriteError, job.writer->error()});
+  if (status != CORVIN_OK) return report(options.input, failure_of(status, source));
+  if (result.frames == 0 && info.stated_samples != 0)
     return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  if (!writer.finish()) return report(options.output, {kWriteError, writer.error()});
+  if (!job.writer->finish()) return report(options.output, {kWriteError, job.writer->error()});
   if (const auto failure = output.commit()) return report(options.output, *failure);
 
-  if (info.channels > 2)
-    note(options.input, "has " + std::to_string(info.channels) +
-                            " channels, of which the first two are converted");
-  if (expected == 0) note(options.input, "holds no sound");
-  if (source.is_cut_short() || frames < expected)
-    note(options.input, "is cut short: it declares more sound than it holds");
-  std::printf("%s: %d Hz, %d bits, %d channel%s, %s, %s\n", options.output.c_str(), rate_hz,
-              bits, channels, channels == 1 ? "" : "s",
-              duration_text(frames, static_cast<uint32_t>(rate_hz)).c_str(),
-              level.text().c_str());
+  source.note_warnings(options.input);
+  if (result.frames == 0) note(options.input, "holds no sound");
+  if (result.clips != 0)
+    note(options.input, std::to_string(result.clips) + " sample" + (result.clips == 1 ? "" : "s") +
+                            " beyond full scale clipped; a lower --gain avoids that");
+  std::printf("%s: %d Hz, %s, %" PRIu32 " channel%s, %s, %s\n", options.output.c_str(), rate_hz,
+              encoding.words, info.channels, info.channels == 1 ? "" : "s",
+              duration_text(result.frames, static_cast<uint32_t>(rate_hz)).c_str(),
+              level_text(result.peak).c_str());
   return kDone;
 }
 

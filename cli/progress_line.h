@@ -17,19 +17,19 @@ class ProgressLine {
   ~ProgressLine() { clear(); }
 
   void show(int percent) {
-    if (!is_terminal_) return;
+    if (!is_terminal_ || percent == shown_) return;
+    shown_ = percent;
     std::fprintf(stderr, "\r%3d %%", percent);
-    is_shown_ = true;
   }
 
   void clear() {
-    if (is_shown_) std::fputs("\r     \r", stderr);
-    is_shown_ = false;
+    if (shown_ >= 0) std::fputs("\r     \r", stderr);
+    shown_ = -1;
   }
 
  private:
   const bool is_terminal_ = isatty(STDERR_FILENO) == 1;
-  bool is_shown_ = false;
+  int shown_ = -1;
 };
 
 }  // namespace corvin::cli

@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/dsd_source.h"
 #include "cli/exit_code.h"
 #include "cli/pcm_tags.h"
+#include "cli/studio_source.h"
 #include "cli/unicode_text.h"
 #include "corvin.h"
 
@@ -90,13 +90,16 @@ int run(const Options& options) {
   bool is_first = true;
   if (options.as_json) std::printf("[");
   for (const std::string& path : options.paths) {
-    DsdSource source;
-    if (const auto failure = read_source(path, source)) {
+    StudioSource source;
+    if (const auto failure = source.open(path)) {
       exit_code = report(path, *failure);
       continue;
     }
     Tags tags;
-    DSDTag(path.c_str(), &tags);  // fails for files without tags only, and leaves the record empty
+    if (const int status = corvin_file_get_tags(source.handle(), &tags); status != CORVIN_OK) {
+      exit_code = report(path, {kBadInput, corvin_strerror(status)});
+      continue;
+    }
     if (options.as_json)
       print_json(path, tags, is_first);
     else

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <iterator>
+#include <vector>
 
 namespace corvin::cli {
 namespace {
@@ -12,8 +14,28 @@ namespace {
 // Room for the headers below the limit of the 32-bit sizes.
 constexpr uint64_t kMaxWavBytes = 0xffffffff - 4096;
 
-int sample_format(int bits) {
-  return bits == 16 ? SF_FORMAT_PCM_16 : bits == 24 ? SF_FORMAT_PCM_24 : SF_FORMAT_PCM_32;
+int sample_format(WavEncoding encoding) {
+  switch (encoding) {
+    case WavEncoding::k16:
+      return SF_FORMAT_PCM_16;
+    case WavEncoding::k24:
+      return SF_FORMAT_PCM_24;
+    case WavEncoding::k32:
+      return SF_FORMAT_PCM_32;
+    case WavEncoding::kFloat:
+      break;
+  }
+  return SF_FORMAT_FLOAT;
+}
+
+// The order of the mask's bits.
+std::vector<int> channel_map(uint32_t speakers) {
+  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT,     SF_CHANNEL_MAP_CENTER,
+                             SF_CHANNEL_MAP_LFE,  SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
+  std::vector<int> map;
+  for (size_t bit = 0; bit < std::size(kPlaces); ++bit)
+    if ((speakers >> bit & 1) != 0) map.push_back(kPlaces[bit]);
+  return map;
 }
 
 // libsndfile's own text wraps the system's in words that add nothing.
@@ -30,13 +52,20 @@ WavWriter::WavWriter(const Config& config) {
   SF_INFO info{};
   info.samplerate = config.rate_hz;
   info.channels = config.channels;
-  info.format = (is_long ? SF_FORMAT_RF64 : SF_FORMAT_WAV) | sample_format(config.bits);
+  const int container = is_long               ? SF_FORMAT_RF64
+                        : config.channels > 2 ? SF_FORMAT_WAVEX
+                                              : SF_FORMAT_WAV;
+  info.format = container | sample_format(config.encoding);
   errno = 0;
   file_.reset(sf_open_fd(config.descriptor, SFM_WRITE, &info, SF_FALSE));
   if (!file_) {
     error_ = why(sf_error(nullptr));
     return;
   }
+  std::vector<int> map = channel_map(config.speakers);
+  if (config.channels > 2 && map.size() == static_cast<size_t>(config.channels))
+    sf_command(file_.get(), SFC_SET_CHANNEL_MAP_INFO, map.data(),
+               static_cast<int>(map.size() * sizeof(int)));
   if (is_long) sf_command(file_.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Writes PCM that is ready for the file (signed, least significant byte first) as WAV, or as RF64
+// Writes PCM that is ready for the file (signed or floating, least significant byte first) as WAV, or as RF64
 // when it outgrows WAV's 4 GiB.
 
 #ifndef CORVIN_CLI_WAV_WRITER_H_
@@ -16,13 +16,21 @@
 
 namespace corvin::cli {
 
+enum class WavEncoding { k16, k24, k32, kFloat };
+
+/** The integers of 16, 24 or 32 bits. */
+constexpr WavEncoding encoding_of_bits(int bits) {
+  return bits == 16 ? WavEncoding::k16 : bits == 24 ? WavEncoding::k24 : WavEncoding::k32;
+}
+
 class WavWriter {
  public:
   struct Config {
     int descriptor = -1;  // open for writing and seeking; left open
     int rate_hz = 44100;
     int channels = 2;
-    int bits = 24;                // 16, 24 or 32
+    uint32_t speakers = 0;        // mask of the channels' speakers; 0: not known
+    WavEncoding encoding = WavEncoding::k24;
     uint64_t expected_bytes = 0;  // of PCM; decides between WAV and RF64
   };
 

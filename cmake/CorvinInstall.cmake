@@ -8,7 +8,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS corvin EXPORT CorvinTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(FILES include/corvin.h include/corvin_studio.h include/corvin.hpp
+install(FILES include/corvin.h include/corvin_studio.h include/corvin_studio_files.h include/corvin.hpp
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvin")

@@ -9,7 +9,8 @@ namespace corvin::formats {
 
 static_assert(sizeof(off_t) == 8, "DSD files are larger than 2 GiB");
 
-ChunkCursor::ChunkCursor(std::FILE* file, ByteOrder order) : file_(file), order_(order) {
+ChunkCursor::ChunkCursor(std::FILE* file, ByteOrder order)
+    : file_(file), source_(nullptr), order_(order) {
   const off_t start = ftello(file);
   if (start < 0 || fseeko(file, 0, SEEK_END) != 0) return;
   const off_t end = ftello(file);
@@ -18,9 +19,17 @@ ChunkCursor::ChunkCursor(std::FILE* file, ByteOrder order) : file_(file), order_
   file_size_ = limit_ = static_cast<std::uint64_t>(end);
 }
 
+ChunkCursor::ChunkCursor(ByteSource& source, ByteOrder order)
+    : file_(nullptr),
+      source_(&source),
+      order_(order),
+      file_size_(source.Size()),
+      limit_(source.Size()) {}
+
 bool ChunkCursor::Read(void* to, std::size_t bytes) {
   if (left() < bytes) return false;
-  const std::size_t count = std::fread(to, 1, bytes, file_);
+  const std::size_t count =
+      file_ != nullptr ? std::fread(to, 1, bytes, file_) : source_->Read(position_, to, bytes);
   position_ += count;
   return count == bytes;
 }
@@ -39,7 +48,7 @@ bool ChunkCursor::StepBack(std::uint64_t bytes) {
 }
 
 bool ChunkCursor::MoveTo(std::uint64_t offset) {
-  if (fseeko(file_, static_cast<off_t>(offset), SEEK_SET) != 0) return false;
+  if (file_ != nullptr && fseeko(file_, static_cast<off_t>(offset), SEEK_SET) != 0) return false;
   position_ = offset;
   return true;
 }

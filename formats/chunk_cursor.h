@@ -15,6 +15,7 @@
 #include <cstdio>
 
 #include "formats/byte_order.h"
+#include "formats/byte_source.h"
 #include "formats/container.h"
 
 namespace corvin::formats {
@@ -26,12 +27,14 @@ struct ChunkHeader {
   std::uint64_t size = 0;  ///< as the file states it, at most INT64_MAX
 };
 
-/// A position in a seekable stream that it does not own. Between two calls the stream stands at
-/// position(); whoever moves the stream itself makes a new cursor.
+/// A position in a seekable stream or a byte source that it does not own. Between two calls the
+/// stream stands at position(); whoever moves the stream itself makes a new cursor.
 class ChunkCursor {
  public:
   /// Starts where the stream stands. In a stream that cannot seek, every read fails.
   ChunkCursor(std::FILE* file, ByteOrder order);
+  /// Starts at the first byte.
+  ChunkCursor(ByteSource& source, ByteOrder order);
 
   /// Reads exactly `bytes` bytes, or returns false; nothing is to be read after that.
   bool Read(void* to, std::size_t bytes);
@@ -55,6 +58,9 @@ class ChunkCursor {
   /// Moves back over bytes just read; false, and nothing moves, before the start of the file.
   bool StepBack(std::uint64_t bytes);
 
+  /// Moves anywhere up to the limit; false, and nothing moves, beyond it.
+  bool SeekTo(std::uint64_t offset) { return offset <= limit_ && MoveTo(offset); }
+
   std::uint64_t position() const { return position_; }
   std::uint64_t file_size() const { return file_size_; }
 
@@ -67,7 +73,8 @@ class ChunkCursor {
  private:
   bool MoveTo(std::uint64_t offset);
 
-  std::FILE* file_;
+  std::FILE* file_;  ///< null when source_ is not
+  ByteSource* source_;
   ByteOrder order_;
   std::uint64_t position_ = 0;
   std::uint64_t file_size_ = 0;

@@ -17,6 +17,7 @@
 #include "corvin.h"
 #include "formats/byte_order.h"
 #include "formats/container.h"
+#include "formats/id3_block.h"
 #include "formats/tag_text.h"
 
 extern "C" {
@@ -143,7 +144,9 @@ bool IsFrameId(ByteSpan id) {
   });
 }
 
-int ReadFrames(ByteSpan block, DSD_TAG& tag) {
+}  // namespace
+
+int ReadId3Frames(ByteSpan block, DSD_TAG& tag) {
   FrameReader reader(tag);
   int result = kNoTag;
   // Padding ends the walk by having no identifier.
@@ -160,6 +163,8 @@ int ReadFrames(ByteSpan block, DSD_TAG& tag) {
   return result;
 }
 
+namespace {
+
 int ReadTag(std::FILE* stream, DSD_TAG& tag) {
   std::array<std::uint8_t, 5> start;
   if (std::fread(start.data(), 1, start.size(), stream) != start.size()) return kFailed;
@@ -173,7 +178,7 @@ int ReadTag(std::FILE* stream, DSD_TAG& tag) {
   if (size == 0) return kNoTag;
   std::vector<std::uint8_t> block;
   if (!ReadBlock(stream, size, block)) return kFailed;
-  return ReadFrames(block, tag);
+  return ReadId3Frames(block, tag);
 }
 
 }  // namespace

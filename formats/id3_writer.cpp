@@ -12,8 +12,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "corvin.h"
+#include "formats/id3_block.h"
 
 namespace {
 
@@ -97,28 +99,48 @@ void PutFrames(Sink& sink, const DSD_TAG& tag) {
   }
 }
 
-struct Free {
-  void operator()(std::uint8_t* block) const { std::free(block); }
-};
-
-}  // namespace
-
-extern "C" {
-
-int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
-  Sink measure;
-  PutFrames(measure, *tag);
-  if (measure.size() > kLargestSize) return -1;
-  const auto size = static_cast<std::size_t>(measure.size());
-  const std::unique_ptr<std::uint8_t, Free> block(
-      static_cast<std::uint8_t*>(std::malloc(kHeaderBytes + size)));
-  if (!block) return -1;
-
-  Sink sink(block.get());
+/// The header in front of `size` bytes of frames.
+void PutHeader(Sink& sink, std::size_t size) {
   sink.Put(std::string_view("ID3\3\0\0", 6));
   for (int shift = 21; shift >= 0; shift -= 7) {
     sink.PutByte(static_cast<std::uint8_t>(size >> shift & 0x7f));
   }
+}
+
+std::uint64_t FramesSize(const DSD_TAG& tag) {
+  Sink measure;
+  PutFrames(measure, tag);
+  return measure.size();
+}
+
+}  // namespace
+
+namespace corvin::formats {
+
+std::vector<std::uint8_t> MakeId3Block(const DSD_TAG& tag) {
+  const std::uint64_t frames_size = FramesSize(tag);
+  if (frames_size == 0 || frames_size > kLargestSize) return {};
+  const auto size = static_cast<std::size_t>(frames_size);
+  std::vector<std::uint8_t> block(kHeaderBytes + size);
+  Sink sink(block.data());
+  PutHeader(sink, size);
+  PutFrames(sink, tag);
+  return block;
+}
+
+}  // namespace corvin::formats
+
+extern "C" {
+
+int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
+  const std::uint64_t frames_size = FramesSize(*tag);
+  if (frames_size > kLargestSize) return -1;
+  const auto size = static_cast<std::size_t>(frames_size);
+  const std::unique_ptr<std::uint8_t, void (*)(void*)> block(
+      static_cast<std::uint8_t*>(std::malloc(kHeaderBytes + size)), std::free);
+  if (!block) return -1;
+  Sink sink(block.get());
+  PutHeader(sink, size);
   PutFrames(sink, *tag);
   return static_cast<int>(std::fwrite(block.get(), 1, kHeaderBytes + size, stream));
 }

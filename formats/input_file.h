@@ -6,6 +6,7 @@
 #ifndef CORVIN_FORMATS_INPUT_FILE_H_
 #define CORVIN_FORMATS_INPUT_FILE_H_
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 
@@ -20,6 +21,10 @@ using InputFile = std::unique_ptr<std::FILE, FileCloser>;
 /// Opens `path` in binary. Null when that fails and for everything that is not a regular file: a
 /// directory has no bytes, and a FIFO would block and cannot be seeked in.
 InputFile OpenInputFile(const char* path);
+
+/// The same as a descriptor, with the file's size; -1 on failure. errno then says why; it is 0 for
+/// what is not a regular file.
+int OpenInputDescriptor(const char* path, std::uint64_t& bytes);
 
 }  // namespace corvin::formats
 

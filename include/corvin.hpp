@@ -15,6 +15,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "corvin.h"
 
@@ -176,6 +177,119 @@ class Encoder {
   };
   std::unique_ptr<corvin_encoder, Destroy> handle_;
 };
+
+// ---- Files and whole conversions -------------------------------------------------------------
+
+class File {
+ public:
+  explicit File(const char* path) {
+    corvin_file* made = nullptr;
+    check(corvin_file_open(path, &made));
+    handle_.reset(made);
+  }
+  explicit File(const corvin_stream& stream) {
+    corvin_file* made = nullptr;
+    check(corvin_file_open_stream(&stream, &made));
+    handle_.reset(made);
+  }
+
+  corvin_file_info info() const {
+    corvin_file_info info = {};
+    info.size = sizeof info;
+    check(corvin_file_get_info(handle_.get(), &info));
+    return info;
+  }
+
+  /// Empty when the sound can be read.
+  std::string problem() const {
+    const char* sentence = corvin_file_problem(handle_.get());
+    return sentence == nullptr ? "" : sentence;
+  }
+  std::vector<std::string> warnings() const {
+    std::vector<std::string> all;
+    for (std::uint32_t i = 0; const char* one = corvin_file_warning(handle_.get(), i); ++i) {
+      all.emplace_back(one);
+    }
+    return all;
+  }
+
+  /// DSDTagClear() releases what `tag`, zero before its first use, holds afterwards.
+  void tags(DSD_TAG& tag) { check(corvin_file_get_tags(handle_.get(), &tag)); }
+
+  /// Returns the bytes of each channel that were read.
+  std::size_t read(void* to, std::size_t bytes, corvin_bit_order order = CORVIN_MSB_FIRST) {
+    std::size_t done = 0;
+    check(corvin_file_read(handle_.get(), to, bytes, order, &done));
+    return done;
+  }
+  std::size_t read_planar(std::span<std::uint8_t* const> channels, std::size_t bytes,
+                          corvin_bit_order order = CORVIN_MSB_FIRST) {
+    std::size_t done = 0;
+    check(corvin_file_read_planar(handle_.get(), channels.data(), bytes, order, &done));
+    return done;
+  }
+
+  void seek(std::uint64_t sample) { check(corvin_file_seek(handle_.get(), sample)); }
+  std::uint64_t tell() const { return corvin_file_tell(handle_.get()); }
+
+  corvin_file* handle() const { return handle_.get(); }
+
+ private:
+  struct Close {
+    void operator()(corvin_file* file) const { corvin_file_close(file); }
+  };
+  std::unique_ptr<corvin_file, Close> handle_;
+};
+
+/// corvin_writer_settings with its defaults.
+struct WriterSettings : corvin_writer_settings {
+  WriterSettings() { corvin_writer_settings_defaults(this); }
+};
+
+class Writer {
+ public:
+  Writer(const char* path, const corvin_writer_settings& settings) {
+    corvin_writer* made = nullptr;
+    check(corvin_writer_create(path, &settings, &made));
+    handle_.reset(made);
+  }
+  Writer(const corvin_stream& stream, const corvin_writer_settings& settings) {
+    corvin_writer* made = nullptr;
+    check(corvin_writer_create_stream(&stream, &settings, &made));
+    handle_.reset(made);
+  }
+
+  void write(const void* data, std::size_t bytes) {
+    check(corvin_writer_write(handle_.get(), data, bytes));
+  }
+  void write_planar(std::span<const std::uint8_t* const> channels, std::size_t bytes) {
+    check(corvin_writer_write_planar(handle_.get(), channels.data(), bytes));
+  }
+  void set_tags(const DSD_TAG& tag) { check(corvin_writer_set_tags(handle_.get(), &tag)); }
+  void finish(std::uint64_t samples) { check(corvin_writer_finish(handle_.get(), samples)); }
+
+  corvin_writer* handle() const { return handle_.get(); }
+
+ private:
+  struct Close {
+    void operator()(corvin_writer* writer) const { corvin_writer_close(writer); }
+  };
+  std::unique_ptr<corvin_writer, Close> handle_;
+};
+
+/// corvin_convert_settings with its defaults.
+struct ConvertSettings : corvin_convert_settings {
+  ConvertSettings() { corvin_convert_settings_defaults(this); }
+};
+
+inline corvin_convert_report convert_to_pcm(File& source, const corvin_pcm_sink& sink,
+                                            const corvin_convert_settings& settings =
+                                                ConvertSettings()) {
+  corvin_convert_report report = {};
+  report.size = sizeof report;
+  check(corvin_convert_to_pcm(source.handle(), &settings, &sink, &report));
+  return report;
+}
 
 }  // namespace corvin
 

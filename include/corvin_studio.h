@@ -2,8 +2,8 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin_studio.h
- *  The studio engine for C99 and C++: streaming conversion of DSD to PCM and of PCM to
- *  DSD. corvin.h includes it.
+ *  The studio engine for C99 and C++: streaming conversion of DSD to PCM and of PCM to DSD, and with
+ *  corvin_studio_files.h DSD files and whole conversions. corvin.h includes it.
  *
  *  Conventions, beyond those of corvin.h
  *  - Handles are opaque and independent; each is used by one thread at a time. Nothing is global.
@@ -35,7 +35,12 @@ typedef enum corvin_status {
   CORVIN_E_UNSUPPORTED = -2, /**< a pair of rates or an edge that no plan exists for */
   CORVIN_E_MEMORY = -3,      /**< out of memory */
   CORVIN_E_THREAD = -4,      /**< a thread could not be started */
-  CORVIN_E_STATE = -5        /**< a call out of order, such as a push after finish */
+  CORVIN_E_STATE = -5,       /**< a call out of order, such as a push after finish */
+  CORVIN_E_READ = -6,        /**< a file cannot be opened or read */
+  CORVIN_E_WRITE = -7,       /**< a file cannot be made or written, or a sink did not go on */
+  CORVIN_E_FORMAT = -8,      /**< no DSD file, or one that is damaged beyond reading */
+  CORVIN_E_COMPRESSED = -9,  /**< sound in DST compression */
+  CORVIN_E_CANCELLED = -10   /**< the caller's progress function did not go on */
 } corvin_status;
 
 /** Returns an English sentence for a status, never NULL. Since 0.1. */
@@ -141,7 +146,8 @@ CORVIN_API int corvin_decoder_push_planar(corvin_decoder* decoder, const uint8_t
                                           size_t bytes, size_t* taken);
 
 /** Ends the input: the rest of the output can now be pulled. What comes before the first and after
- *  the last sample counts as silence. An incomplete last block counts as far as all its channels
+ *  the last sample counts as silence, the byte 0x69 over and over: a tone at an eighth of the DSD
+ *  rate, which only 768 kHz PCM from 2.8224 MHz DSD has in its band. An incomplete last block counts as far as all its channels
  *  reach. Calling it again does nothing.
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */
@@ -177,7 +183,8 @@ CORVIN_API uint64_t corvin_decoder_latency(const corvin_decoder* decoder);
  *  dsd_rate, rounded down; 0 for NULL. Since 0.1. */
 CORVIN_API uint64_t corvin_decoder_frames(const corvin_decoder* decoder, uint64_t samples);
 
-/** Reports on the frames pulled since create or reset.
+/** Reports on the frames pulled since create or reset. Peak and clips run ahead of the frames by the
+ *  rest of a piece at most, and are those of all frames once all are pulled.
  *  @param report  its `size` set; fields beyond that are left untouched
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */
@@ -332,5 +339,7 @@ CORVIN_API int corvin_encoder_describe(const corvin_encoder* encoder, char* text
 #ifdef __cplusplus
 }
 #endif
+
+#include "corvin_studio_files.h"
 
 #endif /* CORVIN_STUDIO_H_ */

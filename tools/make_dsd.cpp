@@ -92,11 +92,13 @@ std::vector<uint8_t> interleaved(const Sound& sound) {
 std::vector<uint8_t> dsf(const Sound& sound) {
   const size_t blocks = (sound.samples / 8 + kDsfBlock - 1) / kDsfBlock;
   const uint64_t payload = blocks * kDsfBlock * sound.channels;
+  constexpr uint32_t kTypes[] = {0, 1, 2, 3, 4, 6, 7};  // by channels; none for more than six
+  const uint32_t type = sound.channels <= 6 ? kTypes[sound.channels] : 0;
   std::vector<uint8_t> file =
       Header(false)
           .id("DSD ").number(28, 8).number(92 + payload, 8).number(0, 8)
           .id("fmt ").number(52, 8).number(1, 4).number(0, 4)
-          .number(sound.channels, 4).number(sound.channels, 4)  // channel type, channel count
+          .number(type, 4).number(sound.channels, 4)
           .number(sound.rate_hz, 4).number(1, 4).number(sound.samples, 8)
           .number(kDsfBlock, 4).number(0, 4)
           .id("data").number(12 + payload, 8)

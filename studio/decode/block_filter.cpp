@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/decode/block_filter.h"
 

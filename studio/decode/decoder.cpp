@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/decode/decoder.h"
 
@@ -27,6 +26,13 @@ bool in_range(const corvin_decoder_settings& s) {
 
 std::size_t round_up(std::size_t value, std::size_t grain) {
   return (value + grain - 1) / grain * grain;
+}
+
+// Enough pieces to keep the workers busy while others are taken in and out, as far as memory that is
+// no burden reaches; and one for each worker, one coming in and one going out at least.
+std::size_t ring_pieces(std::size_t threads, std::size_t piece_bytes) {
+  constexpr std::size_t kMostBytes = 24 << 20;
+  return std::clamp(kMostBytes / piece_bytes, threads + 2, 6 * threads + 2);
 }
 
 // Every `stride`th byte. The stereo loop is cut into pieces of fixed size for the compiler's
@@ -83,24 +89,46 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
       idle_byte_(settings.bit_order == CORVIN_LSB_FIRST ? kIdlePatternLsbFirst : kIdlePattern),
       most_bytes_(settings.length == 0 ? std::numeric_limits<std::uint64_t>::max()
                                        : settings.length / 8 + (settings.length % 8 != 0)),
-      pieces_(settings.threads == 0 ? 2 : 6 * settings.threads + 2),
-      output_(settings, *kernels.quantise),
+      pieces_(settings.threads == 0
+                  ? 2
+                  : ring_pieces(settings.threads, channels_ * (piece_stride_ + 4 * piece_frames_))),
       group_(channels_ * settings.block_bytes) {
+  const std::size_t threads = std::max<std::size_t>(1, settings.threads);
+  workers_.reserve(threads);
+  for (std::size_t i = 0; i < threads; ++i) {
+    workers_.push_back({BlockFilter(plan_, kernels_), SampleOutput(settings, *kernels.quantise), {}});
+  }
+  const bool serial = workers_[0].output.is_serial();
+  const std::size_t samples = channels_ * piece_frames_;
   for (Piece& piece : pieces_) {
     piece.in = AlignedArray<std::uint8_t>(channels_ * piece_stride_);
-    piece.out = AlignedArray<double>(channels_ * piece_frames_);
+    if (serial) {
+      piece.samples = AlignedArray<double>(samples);
+    } else {
+      piece.finished = AlignedArray<std::uint8_t>(piece_frames_ * frame_bytes());
+    }
   }
-  const std::size_t filters = std::max<std::size_t>(1, settings.threads);
-  filters_.reserve(filters);
-  for (std::size_t i = 0; i < filters; ++i) filters_.emplace_back(plan_, kernels_);
+  for (Worker& worker : workers_) {
+    if (!serial) worker.samples = AlignedArray<double>(samples);
+  }
   if (settings.threads > 0) {
     pool_ = std::make_unique<WorkerPool>(
         settings.threads, pieces_.size(),
-        [this](std::size_t worker, std::size_t job) { filter(filters_[worker], pieces_[job]); });
+        [this](std::size_t worker, std::size_t job) { work(workers_[worker], pieces_[job]); });
   }
 }
 
-void Decoder::filter(BlockFilter& filter, Piece& piece) {
+void Decoder::work(Worker& worker, Piece& piece) {
+  if (worker.output.is_serial()) return filter(worker.filter, piece, &piece.samples[0]);
+  filter(worker.filter, piece, &worker.samples[0]);
+  const double* rows[kMostChannels];
+  for (std::size_t c = 0; c < channels_; ++c) rows[c] = &worker.samples[c * piece_frames_];
+  piece.tally = {};
+  worker.output.write(rows, piece.number * piece_frames_, piece.frames, &piece.finished[0],
+                      piece.tally);
+}
+
+void Decoder::filter(BlockFilter& filter, const Piece& piece, double* samples) {
   const std::size_t items = channels_ * items_per_channel_;
   const std::uint8_t* in[kWidestVector];
   double* out[kWidestVector];
@@ -111,7 +139,7 @@ void Decoder::filter(BlockFilter& filter, Piece& piece) {
       const std::size_t channel = item / items_per_channel_;
       const std::size_t place = item % items_per_channel_;
       in[count] = &piece.in[channel * piece_stride_ + place * 2 * plan_.hop_bytes];
-      out[count] = &piece.out[channel * piece_frames_ + place * item_frames(plan_)];
+      out[count] = samples + channel * piece_frames_ + place * item_frames(plan_);
     }
     filter.run(in, out, count);
   }
@@ -121,10 +149,10 @@ void Decoder::filter(BlockFilter& filter, Piece& piece) {
 bool Decoder::begin_piece() {
   if (filling_begun_) return true;
   if (filling_ - draining_ == pieces_.size()) return false;
-  Piece& piece = pieces_[filling_ % pieces_.size()];
+  Piece& piece = pieces_[place_of(filling_)];
   filled_ = filling_ == 0 ? plan_.lead_bytes : shared_bytes_;
   // Nobody writes to the piece before until this one is done, so its tail is still there.
-  const Piece& before = pieces_[(filling_ + pieces_.size() - 1) % pieces_.size()];
+  const Piece& before = pieces_[place_of(filling_ + pieces_.size() - 1)];
   for (std::size_t c = 0; c < channels_; ++c) {
     std::uint8_t* head = &piece.in[c * piece_stride_];
     if (filling_ == 0) {
@@ -137,19 +165,22 @@ bool Decoder::begin_piece() {
   return true;
 }
 
-void Decoder::submit() {
-  const auto job = static_cast<std::size_t>(filling_ % pieces_.size());
+// Hands the filled piece over, of whose frames the first `frames` belong to the stream.
+void Decoder::submit(std::size_t frames) {
+  const auto job = place_of(filling_);
+  pieces_[job].number = filling_;
+  pieces_[job].frames = frames;
   if (pool_ != nullptr) {
     pool_->hand_in(job);
   } else {
-    filter(filters_[0], pieces_[job]);
+    work(workers_[0], pieces_[job]);
   }
   ++filling_;
   filling_begun_ = false;
 }
 
 std::size_t Decoder::store(const Source& source, std::size_t offset, std::size_t bytes) {
-  Piece& piece = pieces_[filling_ % pieces_.size()];
+  Piece& piece = pieces_[place_of(filling_)];
   const std::size_t count = std::min(bytes, piece_bytes_ - filled_);
   for (std::size_t c = 0; c < channels_; ++c) {
     std::uint8_t* out = &piece.in[c * piece_stride_ + filled_];
@@ -170,7 +201,8 @@ std::size_t Decoder::store(const Source& source, std::size_t offset, std::size_t
       last = static_cast<std::uint8_t>((last & mask) | (idle_byte_ & ~mask));
     }
   }
-  if (filled_ == piece_bytes_) submit();
+  // Its bytes reach beyond its frames, all of which therefore belong to the stream.
+  if (filled_ == piece_bytes_) submit(piece_frames_);
   return count;
 }
 
@@ -264,11 +296,12 @@ void Decoder::settle_length() {
     length_frames_ = frames_of(samples);
   }
   while (filling_ * piece_frames_ < length_frames_ && begin_piece()) {
-    Piece& piece = pieces_[filling_ % pieces_.size()];
+    Piece& piece = pieces_[place_of(filling_)];
     for (std::size_t c = 0; c < channels_; ++c) {
       std::memset(&piece.in[c * piece_stride_ + filled_], idle_byte_, piece_bytes_ - filled_);
     }
-    submit();
+    submit(static_cast<std::size_t>(std::min<std::uint64_t>(
+        piece_frames_, length_frames_ - filling_ * piece_frames_)));
   }
 }
 
@@ -276,39 +309,43 @@ void Decoder::settle_length() {
 bool Decoder::ready() {
   if (draining_ == filling_) return false;
   if (pool_ == nullptr) return true;
-  const auto job = static_cast<std::size_t>(draining_ % pieces_.size());
-  if (finishing_ || filling_ - draining_ == pieces_.size()) {
-    pool_->wait_for(job);
-    return true;
+  const auto job = place_of(draining_);
+  if (pool_->finished(job)) return true;
+  const bool full = filling_ - draining_ == pieces_.size();
+  if (!finishing_ && !full) return false;
+  // Being woken costs as much as a good part of a piece: with a full ring, half of it at a time. The
+  // workers go on with the other half meanwhile.
+  if (full && settings_.low_latency == 0) {
+    pool_->wait_for(place_of(draining_ + pieces_.size() / 2));
   }
-  return pool_->finished(job);
+  pool_->wait_for(job);
+  return true;
 }
 
-template <typename Write>
-std::size_t Decoder::pull_pieces(std::size_t frames, Write write) {
-  const double* in[kMostChannels];
+// Has frames taken piece by piece: take(piece, first, count), from frame `first` of the piece on.
+template <typename Take>
+std::size_t Decoder::pull_pieces(std::size_t frames, Take take) {
   std::size_t done = 0;
   while (done < frames) {
     settle_length();
     if (length_known_ && frames_out_ == length_frames_) break;
     // With workers: having something to give is no reason to wait for more.
     if (done > 0 && pool_ != nullptr && draining_ != filling_ &&
-        !pool_->finished(static_cast<std::size_t>(draining_ % pieces_.size()))) {
+        !pool_->finished(place_of(draining_))) {
       break;
     }
     if (!ready()) break;
-    const Piece& piece = pieces_[draining_ % pieces_.size()];
-    std::size_t count = std::min(frames - done, piece_frames_ - drained_);
-    if (length_known_) {
-      count =
-          static_cast<std::size_t>(std::min<std::uint64_t>(count, length_frames_ - frames_out_));
+    const Piece& piece = pieces_[place_of(draining_)];
+    const std::size_t count = std::min(frames - done, piece.frames - drained_);
+    if (drained_ == 0) {
+      tally_.peak = std::max(tally_.peak, piece.tally.peak);
+      tally_.clips += piece.tally.clips;
     }
-    for (std::size_t c = 0; c < channels_; ++c) in[c] = &piece.out[c * piece_frames_ + drained_];
-    write(in, count, done);
+    take(piece, drained_, count);
     done += count;
     drained_ += count;
     frames_out_ += count;
-    if (drained_ == piece_frames_) {
+    if (drained_ == piece.frames) {
       drained_ = 0;
       ++draining_;
     }
@@ -316,16 +353,44 @@ std::size_t Decoder::pull_pieces(std::size_t frames, Write write) {
   return done;
 }
 
+// Writes frames of a piece, interleaved. `index` is that of the first one in the stream.
+void Decoder::write_frames(const Piece& piece, std::size_t first, std::size_t count,
+                           std::uint64_t index, std::uint8_t* out) {
+  SampleOutput& output = workers_[0].output;
+  if (!output.is_serial()) {
+    std::memcpy(out, &piece.finished[first * frame_bytes()], count * frame_bytes());
+    return;
+  }
+  const double* rows[kMostChannels];
+  for (std::size_t c = 0; c < channels_; ++c) rows[c] = &piece.samples[c * piece_frames_ + first];
+  output.write(rows, index, count, out, tally_);
+}
+
 std::size_t Decoder::pull(void* out, std::size_t frames) {
-  const std::size_t frame_bytes = channels_ * output_.sample_bytes();
-  return pull_pieces(frames, [&](const double* const* in, std::size_t count, std::size_t done) {
-    output_.write(in, frames_out_, count, static_cast<std::uint8_t*>(out) + done * frame_bytes);
+  auto* place = static_cast<std::uint8_t*>(out);
+  return pull_pieces(frames, [&](const Piece& piece, std::size_t first, std::size_t count) {
+    write_frames(piece, first, count, frames_out_, place);
+    place += count * frame_bytes();
   });
 }
 
 std::size_t Decoder::pull_planar(void* const* out, std::size_t frames) {
-  return pull_pieces(frames, [&](const double* const* in, std::size_t count, std::size_t done) {
-    output_.write_planar(in, frames_out_, count, out, done);
+  constexpr std::size_t kFrames = 64;
+  std::uint8_t interleaved[kFrames * kMostChannels * sizeof(double)];
+  const std::size_t bytes = workers_[0].output.sample_bytes();
+  std::size_t offset = 0;
+  return pull_pieces(frames, [&](const Piece& piece, std::size_t first, std::size_t count) {
+    for (std::size_t done = 0; done < count; done += kFrames) {
+      const std::size_t part = std::min(count - done, kFrames);
+      write_frames(piece, first + done, part, frames_out_ + done, interleaved);
+      for (std::size_t c = 0; c < channels_; ++c) {
+        std::uint8_t* place = static_cast<std::uint8_t*>(out[c]) + offset;
+        for (std::size_t i = 0; i < part; ++i) {
+          std::memcpy(place + i * bytes, &interleaved[i * frame_bytes() + c * bytes], bytes);
+        }
+      }
+      offset += part * bytes;
+    }
   });
 }
 
@@ -335,7 +400,8 @@ void Decoder::reset() {
   accepted_ = filling_ = draining_ = frames_out_ = length_frames_ = 0;
   filled_ = drained_ = 0;
   filling_begun_ = finishing_ = length_known_ = false;
-  output_.reset();
+  tally_ = {};
+  workers_[0].output.reset();
 }
 
 std::uint64_t Decoder::latency() const {
@@ -351,8 +417,8 @@ std::uint64_t Decoder::frames_of(std::uint64_t samples) const {
 
 void Decoder::report(corvin_decoder_report& report) const {
   report.frames = frames_out_;
-  report.clips = output_.clips();
-  report.peak = output_.peak();
+  report.clips = tally_.clips;
+  report.peak = tally_.peak * workers_[0].output.gain();
 }
 
 }  // namespace corvin::studio

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// A DSD stream in, PCM out: gathers bytes into pieces of the plan's grid, has them filtered on this
-// thread or by workers, and hands out the samples in order, quantised.
+// A DSD stream in, PCM out: gathers bytes into pieces of the plan's grid, has them filtered and
+// brought into the caller's format on this thread or by workers, and hands out the frames in order.
+// Noise shaping alone, where each sample depends on those before, is done when frames are handed out.
 //
 // A piece covers the same span of every channel. The ring holds pieces in stream order; each begins
 // with a copy of the bytes that it shares with the one before, so that pieces never share memory.
@@ -36,6 +37,7 @@ class Decoder {
   void finish();
   std::size_t pull(void* out, std::size_t frames);
   std::size_t pull_planar(void* const* out, std::size_t frames);
+  std::size_t frame_bytes() const { return workers_[0].output.frame_bytes(); }
   void reset();
   std::uint64_t latency() const;
   std::uint64_t frames_of(std::uint64_t samples) const;
@@ -44,8 +46,19 @@ class Decoder {
 
  private:
   struct Piece {
-    AlignedArray<std::uint8_t> in;  // [channel][piece_stride_]
-    AlignedArray<double> out;       // [channel][piece_frames_]
+    AlignedArray<std::uint8_t> in;        // [channel][piece_stride_]
+    AlignedArray<double> samples;         // [channel][piece_frames_], when the output is serial
+    AlignedArray<std::uint8_t> finished;  // [frame][channel] in the caller's format, when it is not
+    std::uint64_t number = 0;             // in the stream
+    std::size_t frames = 0;               // of them within the stream's length
+    QuantiseTally tally;                  // of the finished frames
+  };
+
+  // What a thread works with.
+  struct Worker {
+    BlockFilter filter;
+    SampleOutput output;
+    AlignedArray<double> samples;  // [channel][piece_frames_], unless the output is serial
   };
 
   Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const Kernels& kernels);
@@ -62,13 +75,19 @@ class Decoder {
   std::size_t store(const Source& source, std::size_t offset, std::size_t bytes);
   bool empty_group();
 
+  std::size_t place_of(std::uint64_t number) const {
+    return static_cast<std::size_t>(number % pieces_.size());
+  }
   bool begin_piece();
-  void submit();
-  void filter(BlockFilter& filter, Piece& piece);
+  void submit(std::size_t frames);
+  void work(Worker& worker, Piece& piece);
+  void filter(BlockFilter& filter, const Piece& piece, double* samples);
   void settle_length();
   bool ready();
-  template <typename Write>
-  std::size_t pull_pieces(std::size_t frames, Write write);
+  template <typename Take>
+  std::size_t pull_pieces(std::size_t frames, Take take);
+  void write_frames(const Piece& piece, std::size_t first, std::size_t count, std::uint64_t index,
+                    std::uint8_t* out);
 
   corvin_decoder_settings settings_;
   DecodePlan plan_;
@@ -83,8 +102,8 @@ class Decoder {
   std::uint64_t most_bytes_;  // per channel, by the settings' length
 
   std::vector<Piece> pieces_;
-  std::vector<BlockFilter> filters_;  // one for each thread
-  SampleOutput output_;
+  std::vector<Worker> workers_;  // one for each thread
+  QuantiseTally tally_;          // of the frames pulled
 
   // A block that came in parts, or that found room only for its head.
   std::vector<std::uint8_t> group_;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/decode/sample_output.h"
 
@@ -44,76 +43,47 @@ SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const Quanti
   for (std::size_t c = 0; c < channels_; ++c) integer_rows_[c] = &integers_[c * kChunkFrames];
 }
 
-void SampleOutput::reset() {
-  tally_ = {};
-  std::fill(shaped_.begin(), shaped_.end(), NoiseShaper::State{});
-}
+void SampleOutput::reset() { std::fill(shaped_.begin(), shaped_.end(), NoiseShaper::State{}); }
 
-void SampleOutput::quantise(const double* const* in, std::uint64_t first, std::size_t count) {
+void SampleOutput::quantise(const double* const* in, std::uint64_t first, std::size_t count,
+                            QuantiseTally& tally) {
   const auto index = static_cast<std::uint32_t>(first);
   for (std::size_t c = 0; c < channels_; ++c) {
     const std::uint32_t key = dither_key(seed_, c, first);
     std::int32_t* out = &integers_[c * kChunkFrames];
     if (shaper_) {
-      shaper_->run(in[c], count, scale_, key, index, out, tally_, shaped_[c]);
+      shaper_->run(in[c], count, scale_, key, index, out, tally, shaped_[c]);
     } else {
-      quantise_(in[c], count, scale_, key, index, out, tally_);
+      quantise_(in[c], count, scale_, key, index, out, tally);
     }
   }
 }
 
 void SampleOutput::write_chunk(const double* const* in, std::uint64_t first, std::size_t count,
-                               std::uint8_t* out) {
+                               std::uint8_t* out, QuantiseTally& tally) {
+  const auto bytes = static_cast<unsigned>(sample_bytes_);
   if (!floating_) {
-    quantise(in, first, count);
-    pack_integers(integer_rows_.data(), channels_, count, static_cast<unsigned>(sample_bytes_),
-                  out);
-    return;
+    quantise(in, first, count, tally);
+    return pack_integers(integer_rows_.data(), channels_, count, bytes, out);
   }
   for (std::size_t c = 0; c < channels_; ++c) {
-    for (std::size_t i = 0; i < count; ++i) {
-      tally_.peak = std::max(tally_.peak, std::fabs(in[c][i]));
-    }
+    for (std::size_t i = 0; i < count; ++i) tally.peak = std::max(tally.peak, std::fabs(in[c][i]));
   }
-  pack_floats(in, channels_, count, gain_, static_cast<unsigned>(sample_bytes_), out);
+  pack_floats(in, channels_, count, gain_, bytes, out);
 }
 
 void SampleOutput::write(const double* const* in, std::uint64_t first, std::size_t count,
-                         std::uint8_t* out) {
+                         std::uint8_t* out, QuantiseTally& tally) {
   std::copy(in, in + channels_, rows_.begin());
   while (count > 0) {
     // Chunks end on multiples of their size, so none crosses a multiple of 2^32 frames.
     const std::size_t part =
         std::min(count, kChunkFrames - static_cast<std::size_t>(first % kChunkFrames));
-    write_chunk(rows_.data(), first, part, out);
+    write_chunk(rows_.data(), first, part, out, tally);
     for (const double*& row : rows_) row += part;
     first += part;
     count -= part;
-    out += part * channels_ * sample_bytes_;
-  }
-}
-
-void SampleOutput::write_planar(const double* const* in, std::uint64_t first, std::size_t count,
-                                void* const* out, std::size_t offset) {
-  for (std::size_t done = 0; done < count;) {
-    const std::uint64_t at = first + done;
-    const std::size_t part =
-        std::min(count - done, kChunkFrames - static_cast<std::size_t>(at % kChunkFrames));
-    for (std::size_t c = 0; c < channels_; ++c) rows_[c] = in[c] + done;
-    if (!floating_) quantise(rows_.data(), at, part);
-    for (std::size_t c = 0; c < channels_; ++c) {
-      std::uint8_t* place = static_cast<std::uint8_t*>(out[c]) + (offset + done) * sample_bytes_;
-      const auto bytes = static_cast<unsigned>(sample_bytes_);
-      if (floating_) {
-        for (std::size_t i = 0; i < part; ++i) {
-          tally_.peak = std::max(tally_.peak, std::fabs(rows_[c][i]));
-        }
-        pack_floats(&rows_[c], 1, part, gain_, bytes, place);
-      } else {
-        pack_integers(&integer_rows_[c], 1, part, bytes, place);
-      }
-    }
-    done += part;
+    out += part * frame_bytes();
   }
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The last step: samples of +-1.0 to the caller's format, with gain, dither and the tally.
+// The last step: samples of +-1.0 to the caller's format, with gain, dither and the tally. One object
+// for each thread, for it has scratch memory.
 
 #ifndef CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_
 #define CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_
@@ -23,23 +24,26 @@ class SampleOutput {
   SampleOutput(const corvin_decoder_settings& settings, const QuantiseVariant& quantise);
 
   std::size_t sample_bytes() const { return sample_bytes_; }
+  std::size_t frame_bytes() const { return channels_ * sample_bytes_; }
 
-  /// Writes `count` frames from index `first` of the stream on, interleaved.
+  /// Whether samples depend on those before, so that one object has to write them all in order.
+  bool is_serial() const { return shaper_.has_value(); }
+
+  /// Writes `count` frames from index `first` of the stream on, interleaved, and adds them to a
+  /// tally, which counts before the gain.
   /// @param in  in[channels]
-  void write(const double* const* in, std::uint64_t first, std::size_t count, std::uint8_t* out);
+  void write(const double* const* in, std::uint64_t first, std::size_t count, std::uint8_t* out,
+             QuantiseTally& tally);
 
-  /// The same, to out[channels] from byte `offset` of each place on.
-  void write_planar(const double* const* in, std::uint64_t first, std::size_t count,
-                    void* const* out, std::size_t offset);
+  double gain() const { return gain_; }
 
   void reset();
-  double peak() const { return tally_.peak * gain_; }
-  std::uint64_t clips() const { return tally_.clips; }
 
  private:
-  void quantise(const double* const* in, std::uint64_t first, std::size_t count);
+  void quantise(const double* const* in, std::uint64_t first, std::size_t count,
+                QuantiseTally& tally);
   void write_chunk(const double* const* in, std::uint64_t first, std::size_t count,
-                   std::uint8_t* out);
+                   std::uint8_t* out, QuantiseTally& tally);
 
   std::size_t channels_;
   std::size_t sample_bytes_;
@@ -50,7 +54,6 @@ class SampleOutput {
   Quantise quantise_;
   std::optional<NoiseShaper> shaper_;
   std::vector<NoiseShaper::State> shaped_;
-  QuantiseTally tally_;
   AlignedArray<std::int32_t> integers_;  // [channel][chunk]
   std::vector<const std::int32_t*> integer_rows_;
   std::vector<const double*> rows_;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/dither/pack.h"
 
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 namespace corvin::studio {
 namespace {
@@ -29,6 +29,21 @@ void pack_words(const In* const* in, std::size_t channels, std::size_t count, st
   }
 }
 
+// Four bytes at a time, of which the next sample overwrites the fourth; so the last frame is not for
+// this loop. The stereo loop is the general one with a number that the compiler knows.
+void pack_triples(const std::int32_t* const* in, std::size_t channels, std::size_t count,
+                  std::uint8_t* out) {
+  const auto pack = [&](auto known_channels) {
+    for (std::size_t i = 0; i < count; ++i) {
+      for (std::size_t channel = 0; channel < known_channels; ++channel, out += 3) {
+        std::memcpy(out, &in[channel][i], 4);
+      }
+    }
+  };
+  if (channels == 2) return pack(std::integral_constant<std::size_t, 2>());
+  pack(channels);
+}
+
 }  // namespace
 
 void pack_integers(const std::int32_t* const* in, std::size_t channels, std::size_t count,
@@ -42,7 +57,13 @@ void pack_integers(const std::int32_t* const* in, std::size_t channels, std::siz
     return pack_words<std::int32_t>(in, channels, count, out,
                                     [](std::int32_t value) { return value; });
   }
-  for (std::size_t i = 0; i < count; ++i) {
+  std::size_t first = 0;
+  if (std::endian::native == std::endian::little && count > 1) {
+    first = count - 1;
+    pack_triples(in, channels, first, out);
+    out += first * channels * 3;
+  }
+  for (std::size_t i = first; i < count; ++i) {
     for (std::size_t channel = 0; channel < channels; ++channel, out += 3) {
       const auto value = static_cast<std::uint32_t>(in[channel][i]);
       out[0] = static_cast<std::uint8_t>(value);

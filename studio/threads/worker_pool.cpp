@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
-//
 
 #include "studio/threads/worker_pool.h"
 
@@ -62,7 +61,9 @@ bool WorkerPool::finished(std::size_t job) {
 
 void WorkerPool::wait_for(std::size_t job) {
   std::unique_lock lock(mutex_);
+  awaited_ = job;
   has_result_.wait(lock, [this, job] { return finished_[job]; });
+  awaited_ = kNone;
 }
 
 void WorkerPool::clear() {
@@ -86,7 +87,8 @@ void WorkerPool::serve(std::size_t worker) {
     lock.lock();
     --busy_;
     finished_[job] = true;
-    has_result_.notify_all();
+    // Somebody waits for one job, or for the last one that runs.
+    if (job == awaited_ || busy_ == 0) has_result_.notify_one();
   }
 }
 

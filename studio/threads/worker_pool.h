@@ -39,6 +39,8 @@ class WorkerPool {
   void clear();
 
  private:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
   void serve(std::size_t worker);
   void stop();
 
@@ -49,6 +51,7 @@ class WorkerPool {
   std::vector<std::size_t> queue_;  // oldest first
   std::vector<bool> finished_;
   std::size_t busy_ = 0;
+  std::size_t awaited_ = kNone;  // whose end is to be told, so that others' wake nobody
   bool stopping_ = false;
   std::vector<std::thread> threads_;
 };

@@ -5,7 +5,9 @@
 refused() {
   mkdir out
   echo old >out/out.wav
-  try corvin convert "$1" -o out/out.wav -y
+  for engine in studio classic; do
+    try corvin convert "$1" -o out/out.wav -y --engine $engine
+  done
   list out
   cat out/out.wav
   rm -r out
@@ -22,7 +24,7 @@ refused directory
 
 head -c 60 a.dsf >stub.dsf
 head -c 80 a.dsf >soundless.dsf
-cp a.dsf crowd.dsf && patch crowd.dsf 52 09000000  # nine channels
+cp a.dsf crowd.dsf && patch crowd.dsf 52 c8000000  # 200 channels
 cp a.dsf blockless.dsf && patch blockless.dsf 72 00000000
 for name in stub soundless crowd blockless; do refused $name.dsf; done
 
@@ -32,10 +34,15 @@ for name in packed stub; do refused $name.dff; done
 head -c 2048 c.bin >soundless.bin
 refused soundless.bin
 
-# Without its compression type the sound is not found, which looks like a file without sound.
+# Without its compression type the classic engine does not find the sound, which looks like a file
+# without sound.
 cp b.dff untyped.dff && patch untyped.dff 86 "43434343"
-try corvin convert untyped.dff -o untyped.wav
+for engine in studio classic; do
+  try corvin convert untyped.dff -o untyped.wav -y --engine $engine | cut -d, -f1-4
+done
 
 # What is left of a file that was cut short is worth having.
 head -c 40000 a.dsf >half.dsf
-try corvin convert half.dsf -o half.wav | cut -d, -f1-3
+for engine in studio classic; do
+  try corvin convert half.dsf -o half.wav -y --engine $engine | cut -d, -f1-3
+done

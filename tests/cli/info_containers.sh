@@ -7,8 +7,16 @@ make_dsd dsdiff b.dff 0.1 6144000 1
 make_dsd 1bit c.bin 0.01 12288000 4
 make_dsd dsf odd.dsf 0.01 3000000 6
 make_dsd dsdiff quad.dff 0.01 11289600
-try corvin info a.dsf b.dff c.bin odd.dsf quad.dff
+for engine in studio classic; do
+  try corvin info a.dsf b.dff c.bin odd.dsf quad.dff --engine $engine
+done
 
-# Over an hour: only the header has to be there for the numbers.
+# Over an hour: only the header has to be there for the classic numbers.
 patch a.dsf 64 "00c8af5c02000000"
+try corvin info a.dsf --engine classic
 try corvin info a.dsf
+
+# Compressed sound: everything but the sound can be told.
+cp b.dff packed.dff && patch packed.dff 94 "44535420" && patch packed.dff 114 "44535420"
+try corvin info packed.dff
+try corvin convert packed.dff -o packed.wav

@@ -13,9 +13,11 @@ cp good.dsf vast.dsf && patch vast.dsf 64 ffffffffffffffff
 
 for bad in missing text empty directory fifo silent.dsf timeless.dsf stub.dsf; do
   try corvin info $bad
+  try corvin info $bad --engine classic
 done
 try corvin info text good.dsf missing
 try corvin info vast.dsf
+try corvin info vast.dsf --engine classic
 
 # Nobody takes the answer.
 untold() { "$@" >/dev/full; }

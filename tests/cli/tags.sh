@@ -51,6 +51,28 @@ for path in "in.flac.dsf", "id3.wav.dsf":
         print(picture.type, picture.mime, picture.desc, picture.data == original)
 PYTHON
 
+# What another writer has put in: version 2.4, in both kinds of file, comments in any language.
+cp in.dff other.dff
+cp id3.wav.dsf other.dsf
+/usr/bin/python3 - <<'PYTHON'
+from mutagen.dsdiff import DSDIFF
+from mutagen.dsf import DSF
+from mutagen.id3 import TIT2, TDRC, COMM, APIC
+
+for path, kind in ("other.dff", DSDIFF), ("other.dsf", DSF):
+    file = kind(path)
+    if file.tags is None:
+        file.add_tags()
+    file.tags.clear()
+    file.tags.add(TIT2(encoding=3, text="Fünf"))
+    file.tags.add(TDRC(encoding=3, text="2004-05-06"))
+    file.tags.add(COMM(encoding=1, lang="eng", desc="what", text="not this"))
+    file.tags.add(COMM(encoding=1, lang="eng", desc="", text="plain"))
+    file.tags.add(APIC(encoding=0, mime="image/png", type=3, desc="", data=b"\xff\x00" * 200))
+    file.save()
+PYTHON
+try corvin tags other.dff other.dsf
+
 # Texts may be any bytes, and names of files as well.
 /usr/bin/python3 - <<'PYTHON'
 data = open("in.flac.dsf", "rb").read()

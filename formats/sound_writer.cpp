@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "formats/sound_writer.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "formats/bit_order.h"
+#include "formats/byte_order.h"
+#include "formats/sound_file.h"
+#include "formats/speakers.h"
+
+namespace corvin::formats {
+namespace {
+
+constexpr std::size_t kDsfBlockBytes = 4096;
+constexpr std::size_t kHeldBytes = 16 * kDsfBlockBytes;  // of each channel, at a time
+constexpr std::uint64_t kOneBitHeaderBytes = 2048;
+
+class Fields {
+ public:
+  explicit Fields(ByteOrder order) : order_(order) {}
+
+  Fields& Text(std::string_view text) {
+    bytes_.insert(bytes_.end(), text.begin(), text.end());
+    return *this;
+  }
+  Fields& Number(std::uint64_t value, int width) {
+    for (int i = 0; i < width; ++i) {
+      const int place = order_ == ByteOrder::kLittle ? i : width - 1 - i;
+      bytes_.push_back(static_cast<std::uint8_t>(value >> 8 * place));
+    }
+    return *this;
+  }
+  Fields& Fill(std::uint8_t value, std::size_t until) {
+    bytes_.resize(until, value);
+    return *this;
+  }
+  std::vector<std::uint8_t> Take() { return std::move(bytes_); }
+
+ private:
+  ByteOrder order_;
+  std::vector<std::uint8_t> bytes_;
+};
+
+std::uint32_t DsfType(std::uint32_t speakers, std::uint32_t channels) {
+  for (std::uint32_t type = 1; type <= 7; ++type) {
+    if (SpeakersOfDsfType(type) == speakers) return type;
+  }
+  constexpr std::uint32_t kByCount[] = {0, 1, 2, 3, 4, 6, 7};
+  return kByCount[channels];
+}
+
+std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
+  if (channels == 1) return "C000";
+  if (speakers == kStereo) return "SLFTSRGT";
+  constexpr const char* kNames[] = {"MLFT", "MRGT", "C   ", "LFE ", "LS  ", "RS  "};
+  std::string names;
+  for (std::uint32_t bit = 0; bit < 6; ++bit) {
+    if ((speakers >> bit & 1) != 0) names += kNames[bit];
+  }
+  if (names.size() == 4 * channels) return names;
+  names.clear();
+  for (std::uint32_t c = 0; c < channels; ++c) {
+    const char digits[] = {'C', '0', static_cast<char>('0' + c / 10), static_cast<char>('0' + c % 10)};
+    names.append(digits, sizeof digits);
+  }
+  return names;
+}
+
+std::uint64_t Bcd(std::uint64_t value) { return value / 10 % 10 * 16 + value % 10; }
+
+}  // namespace
+
+std::uint32_t MostChannels(ContainerKind kind) {
+  return kind == kDsf ? 6 : kind == kUnknown ? 0 : kMaxChannels;
+}
+
+SoundWriter::SoundWriter(ByteSink& sink, const SoundFormat& format)
+    : sink_(sink),
+      format_(format),
+      lsb_first_(format.kind == kDsf),
+      buffer_(kHeldBytes * format.channels) {
+  if (format_.speakers == 0) format_.speakers = UsualSpeakers(format.channels);
+}
+
+bool SoundWriter::Start() {
+  const std::vector<std::uint8_t> header = Header(0, 0);
+  offset_ = header.size();
+  return sink_.Write(0, header.data(), header.size());
+}
+
+std::size_t SoundWriter::Place(std::size_t channel, std::size_t byte) const {
+  if (format_.kind != kDsf) return byte * format_.channels + channel;
+  const std::size_t group = byte / kDsfBlockBytes;
+  return (group * format_.channels + channel) * kDsfBlockBytes + byte % kDsfBlockBytes;
+}
+
+bool SoundWriter::Write(const std::uint8_t* const* in, std::size_t stride, std::size_t bytes,
+                        bool lsb_first) {
+  const bool reverse = lsb_first != lsb_first_;
+  const std::size_t step = format_.kind == kDsf ? 1 : format_.channels;
+  for (std::size_t done = 0; done < bytes;) {
+    // Only now, so that the last byte stays at hand until it is known to be the last.
+    if (held_ == kHeldBytes && !Flush(held_)) return false;
+    const std::size_t run = std::min(bytes - done, kDsfBlockBytes - held_ % kDsfBlockBytes);
+    for (std::size_t c = 0; c < format_.channels; ++c) {
+      std::uint8_t* out = &buffer_[Place(c, held_)];
+      const std::uint8_t* from = in[c] + done * stride;
+      for (std::size_t i = 0; i < run; ++i) {
+        out[i * step] = reverse ? kReversedBits[from[i * stride]] : from[i * stride];
+      }
+    }
+    held_ += run;
+    channel_bytes_ += run;
+    done += run;
+  }
+  return true;
+}
+
+bool SoundWriter::Flush(std::size_t bytes) {
+  const std::size_t size = bytes * format_.channels;
+  if (size > 0 && !sink_.Write(offset_, buffer_.data(), size)) return false;
+  offset_ += size;
+  held_ = 0;
+  return true;
+}
+
+bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
+  std::size_t bytes = held_;
+  for (std::size_t c = 0; c < format_.channels && held_ > 0; ++c) {
+    if (samples % 8 == 0) break;
+    std::uint8_t& last = buffer_[Place(c, held_ - 1)];
+    last = SilencedBehind(last, static_cast<unsigned>(samples % 8), lsb_first_);
+  }
+  if (format_.kind == kDsf) {
+    bytes = (bytes + kDsfBlockBytes - 1) / kDsfBlockBytes * kDsfBlockBytes;
+    for (std::size_t c = 0; c < format_.channels; ++c) {
+      // Zeros, as the format asks for: the number of samples keeps them from being heard.
+      for (std::size_t i = held_; i < bytes; ++i) buffer_[Place(c, i)] = 0;
+    }
+  }
+  if (!Flush(bytes)) return false;
+
+  Fields tail(ByteOrder::kBig);
+  const std::string_view tag(reinterpret_cast<const char*>(id3.data()), id3.size());
+  if (format_.kind == kDsf) tail.Text(tag);
+  if (format_.kind == kDsdiff) {
+    tail.Number(0, SoundBytes() % 2 != 0 ? 1 : 0);
+    if (!tag.empty()) tail.Text("ID3 ").Number(tag.size(), 8).Text(tag);
+    tail.Number(0, tag.size() % 2 != 0 ? 1 : 0);
+  }
+  const std::vector<std::uint8_t> end = tail.Take();
+  if (!end.empty() && !sink_.Write(offset_, end.data(), end.size())) return false;
+  const std::vector<std::uint8_t> header = Header(samples, id3.size());
+  return sink_.Write(0, header.data(), header.size());
+}
+
+// Padding included.
+std::uint64_t SoundWriter::SoundBytes() const {
+  std::uint64_t bytes = channel_bytes_;
+  if (format_.kind == kDsf) bytes = (bytes + kDsfBlockBytes - 1) / kDsfBlockBytes * kDsfBlockBytes;
+  return bytes * format_.channels;
+}
+
+std::vector<std::uint8_t> SoundWriter::Header(std::uint64_t samples,
+                                              std::uint64_t id3_bytes) const {
+  switch (format_.kind) {
+    case kDsf:
+      return DsfHeader(samples, id3_bytes);
+    case kDsdiff:
+      return DsdiffHeader(id3_bytes);
+    default:
+      return OneBitHeader();
+  }
+}
+
+std::vector<std::uint8_t> SoundWriter::DsfHeader(std::uint64_t samples,
+                                                 std::uint64_t id3_bytes) const {
+  constexpr std::uint64_t kSoundOffset = 92;
+  const std::uint64_t end = kSoundOffset + SoundBytes();
+  Fields out(ByteOrder::kLittle);
+  out.Text("DSD ").Number(28, 8).Number(end + id3_bytes, 8).Number(id3_bytes != 0 ? end : 0, 8);
+  out.Text("fmt ").Number(52, 8).Number(1, 4).Number(0, 4);
+  out.Number(DsfType(format_.speakers, format_.channels), 4).Number(format_.channels, 4);
+  out.Number(format_.rate_hz, 4).Number(1, 4).Number(samples, 8).Number(kDsfBlockBytes, 4);
+  out.Number(0, 4);
+  out.Text("data").Number(12 + SoundBytes(), 8);
+  return out.Take();
+}
+
+std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t id3_bytes) const {
+  const std::string names = DsdiffNames(format_.speakers, format_.channels);
+  Fields properties(ByteOrder::kBig);
+  properties.Text("SND ");
+  properties.Text("FS  ").Number(4, 8).Number(format_.rate_hz, 4);
+  properties.Text("CHNL").Number(2 + names.size(), 8).Number(format_.channels, 2).Text(names);
+  // The zero byte counts, as in most files: the size is even with and without it in mind.
+  properties.Text("CMPR").Number(20, 8).Text("DSD ").Number(14, 1);
+  properties.Text("not compressed").Number(0, 1);
+  const std::vector<std::uint8_t> body = properties.Take();
+  const std::uint64_t sound = SoundBytes();
+  const std::uint64_t tag = id3_bytes == 0 ? 0 : 12 + id3_bytes + id3_bytes % 2;
+  Fields out(ByteOrder::kBig);
+  out.Text("FRM8").Number(4 + 16 + 12 + body.size() + 12 + sound + sound % 2 + tag, 8);
+  out.Text("DSD ").Text("FVER").Number(4, 8).Number(0x01050000, 4);
+  out.Text("PROP").Number(body.size(), 8);
+  out.Text({reinterpret_cast<const char*>(body.data()), body.size()});
+  out.Text("DSD ").Number(sound, 8);
+  return out.Take();
+}
+
+std::vector<std::uint8_t> SoundWriter::OneBitHeader() const {
+  const std::uint64_t end = kOneBitHeaderBytes + SoundBytes();
+  const std::uint64_t seconds =
+      (channel_bytes_ * 8 + format_.rate_hz - 1) / format_.rate_hz;
+  Fields out(ByteOrder::kBig);
+  out.Text("1bit").Number(0, 4).Number(0x10000000, 4);
+  out.Number(end & 0xffffffff, 4).Number(end >> 32, 4);  // the low word first
+  out.Number(128, 4).Number(kOneBitHeaderBytes, 4).Number(0, 4);
+  out.Number(Bcd(seconds / 3600), 1).Number(Bcd(seconds / 60 % 60), 1).Number(Bcd(seconds % 60), 1);
+  out.Number(0, 1).Number(format_.rate_hz, 4).Number(0, 4);
+  out.Number(format_.channels, 1).Number(0, 3);
+  out.Number(format_.channels == 1 ? 0x40 : 0x44, 1);
+  return out.Fill(0, 128).Fill(' ', kOneBitHeaderBytes).Take();
+}
+
+}  // namespace corvin::formats

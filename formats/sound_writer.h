@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Writes the three containers by their published rules: true sizes and speaker names for every
+// channel count, a last block filled up, an exact number of samples.
+
+#ifndef CORVIN_FORMATS_SOUND_WRITER_H_
+#define CORVIN_FORMATS_SOUND_WRITER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "formats/byte_source.h"
+#include "formats/container.h"
+#include "formats/tag_text.h"
+
+namespace corvin::formats {
+
+struct SoundFormat {
+  ContainerKind kind = kDsf;
+  std::uint32_t rate_hz = 0;
+  std::uint32_t channels = 0;
+  std::uint32_t speakers = 0;  ///< as in formats/speakers.h; 0: the usual ones
+};
+
+/// The most channels that the container can name; 0 for kUnknown.
+std::uint32_t MostChannels(ContainerKind kind);
+
+class SoundWriter {
+ public:
+  /// `sink` outlives the writer. The format is one that the container can state.
+  SoundWriter(ByteSink& sink, const SoundFormat& format);
+
+  /// Writes a header for no sound. This and everything below returns false once writing has failed.
+  bool Start();
+
+  /// Appends `bytes` bytes of each channel; byte i of channel c is in[c][i * stride].
+  bool Write(const std::uint8_t* const* in, std::size_t stride, std::size_t bytes, bool lsb_first);
+
+  /// Completes the file.
+  /// @param samples  per channel, at most what was written, and in its last byte. DSF alone states
+  ///                 it; in the others silence fills the last byte
+  /// @param id3      an ID3v2 block or nothing; not for kOneBit
+  bool Finish(std::uint64_t samples, ByteSpan id3);
+
+  std::uint64_t channel_bytes() const { return channel_bytes_; }
+
+ private:
+  std::size_t Place(std::size_t channel, std::size_t byte) const;
+  bool Flush(std::size_t bytes);
+  std::vector<std::uint8_t> Header(std::uint64_t samples, std::uint64_t id3_bytes) const;
+  std::vector<std::uint8_t> DsfHeader(std::uint64_t samples, std::uint64_t id3_bytes) const;
+  std::vector<std::uint8_t> DsdiffHeader(std::uint64_t id3_bytes) const;
+  std::vector<std::uint8_t> OneBitHeader() const;
+  std::uint64_t SoundBytes() const;
+
+  ByteSink& sink_;
+  SoundFormat format_;
+  bool lsb_first_;
+  std::vector<std::uint8_t> buffer_;  // as it will stand in the file
+  std::size_t held_ = 0;              // bytes of each channel in it
+  std::uint64_t channel_bytes_ = 0;   // bytes of each channel in all
+  std::uint64_t offset_ = 0;          // where the buffer goes
+};
+
+}  // namespace corvin::formats
+
+#endif  // CORVIN_FORMATS_SOUND_WRITER_H_

@@ -1,0 +1,284 @@
+/* SPDX-License-Identifier: MIT
+ * Copyright (c) 2026 The Corvin developers */
+
+/** @file corvin_studio_files.h
+ *  The studio engine's files and whole conversions. corvin_studio.h includes it, and holds for it:
+ *  handles, settings that begin with their size, status codes.
+ *
+ *  - DSD bytes of a channel hold eight samples each. Positions in files count samples per channel;
+ *    reading and writing go by whole bytes.
+ *  - Speakers are a mask of bits: 1 front left, 2 front right, 4 front centre, 8 low frequencies,
+ *    16 back left, 32 back right (and on as in extensible WAV files). The channels stand in the
+ *    order of the bits. 0: not known, or another order.
+ *  - A path goes to the system as it is. When a function fails because of the system, errno says
+ *    why. */
+
+#ifndef CORVIN_STUDIO_FILES_H_
+#define CORVIN_STUDIO_FILES_H_
+
+#include "corvin_studio.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+struct DSD_TAG; /* corvin.h */
+
+/* ---- Bytes from and to a host ---------------------------------------------------------------- */
+
+/** A host's own file. Calls come from one thread at a time, though not always from the same one,
+ *  until the handle that was given it is closed. */
+typedef struct corvin_stream {
+  size_t size; /**< sizeof(corvin_stream) */
+  void* user;  /**< passed to each call */
+  /** Moves to a byte, for the read or write that follows; returns 0, or another value on failure. */
+  int (*seek)(void* user, uint64_t offset);
+  /** Reads up to `bytes` bytes and returns their number, 0 at the end, a negative number on
+   *  failure. For reading only. */
+  int64_t (*read)(void* user, void* to, size_t bytes);
+  /** Returns the size of the file, a negative number on failure. For reading only. */
+  int64_t (*length)(void* user);
+  /** Writes all bytes; returns 0, or another value on failure. For writing only. */
+  int (*write)(void* user, const void* from, size_t bytes);
+} corvin_stream;
+
+/* ---- Reading --------------------------------------------------------------------------------- */
+
+/** A container. The numbers are those of the container kinds in corvin.h. */
+typedef enum corvin_container {
+  CORVIN_DSDIFF = 1,
+  CORVIN_DSF = 2,
+  CORVIN_ONE_BIT = 3
+} corvin_container;
+
+/** What a file holds. */
+typedef struct corvin_file_info {
+  size_t size;             /**< sizeof(corvin_file_info), set by the caller */
+  uint32_t container;      /**< corvin_container */
+  uint32_t dsd_rate;       /**< Hz */
+  uint32_t channels;
+  uint32_t speakers;       /**< mask */
+  uint32_t bit_order;      /**< corvin_bit_order, in the file */
+  uint32_t block_bytes;    /**< of a channel before the next one's follow, in the file; 1 when the
+                                channels take turns byte by byte */
+  uint32_t warnings;       /**< sentences that corvin_file_warning() has */
+  int32_t readable;        /**< CORVIN_OK, or what corvin_file_read() will return; then
+                                corvin_file_problem() tells more and the other fields what could be
+                                found */
+  uint64_t samples;        /**< per channel, that are there: without the padding of a last block */
+  uint64_t stated_samples; /**< per channel, by the headers; more than `samples` in a file that was
+                                cut short */
+  uint64_t sound_bytes;    /**< of all channels in the file, padding included */
+  char compression[256];   /**< DSDIFF: the compression's name, terminated, else empty */
+  uint64_t reserved[8];
+} corvin_file_info;
+
+/** A DSD file open for reading. */
+typedef struct corvin_file corvin_file;
+
+/** Opens a file and reads its headers. A damaged file opens as long as its first bytes tell a
+ *  container: see `readable`.
+ *  @param file  receives the handle, NULL on failure
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_READ when it cannot be opened or
+ *           is not a regular file (errno is 0 then); CORVIN_E_FORMAT when it is no DSD file
+ *  Since 0.1. */
+CORVIN_API int corvin_file_open(const char* path, corvin_file** file);
+
+/** The same on a host's callbacks, of which `seek`, `read` and `length` are needed. `stream` is
+ *  copied. Since 0.1. */
+CORVIN_API int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file);
+
+/** Closes a file. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_file_close(corvin_file* file);
+
+/** Tells what the file holds.
+ *  @param info  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT. Since 0.1. */
+CORVIN_API int corvin_file_get_info(const corvin_file* file, corvin_file_info* info);
+
+/** Returns a sentence without subject on something odd in the file that does not keep it from being
+ *  read, "is cut short: ..."; NULL from the number of warnings on. Lives as long as the handle.
+ *  Since 0.1. */
+CORVIN_API const char* corvin_file_warning(const corvin_file* file, uint32_t index);
+
+/** Returns a sentence without subject on why no sound can be read, "has sound in DST compression,
+ *  ..."; NULL when it can. Lives as long as the handle. Since 0.1. */
+CORVIN_API const char* corvin_file_problem(const corvin_file* file);
+
+/** Reads the tags: of DSDIFF files names, comments and ID3v2 blocks within and behind the
+ *  properties, of which the blocks win; of DSF files the ID3v2 block. Versions 2.3 and 2.4, comments
+ *  in any language.
+ *  @param tag  emptied first; zero it before its first use. DSDTagClear() releases what it holds
+ *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_file_get_tags(corvin_file* file, struct DSD_TAG* tag);
+
+/** Reads sound, one byte of each channel in turn.
+ *  @param to         room for bytes x channels bytes
+ *  @param bytes      of each channel
+ *  @param bit_order  corvin_bit_order wanted
+ *  @param done       receives the bytes of each channel that were read; 0 at the end. Bits behind
+ *                    the last sample are silence
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_READ (what came before the failure counts), or
+ *           the `readable` of the file's info
+ *  Since 0.1. */
+CORVIN_API int corvin_file_read(corvin_file* file, void* to, size_t bytes, uint32_t bit_order,
+                                size_t* done);
+
+/** The same, each channel to a place of its own: channels[channels]. Since 0.1. */
+CORVIN_API int corvin_file_read_planar(corvin_file* file, uint8_t* const* channels, size_t bytes,
+                                       uint32_t bit_order, size_t* done);
+
+/** Moves to a sample: to the byte that holds it, so multiples of eight are reached exactly.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT when it is beyond the end. Since 0.1. */
+CORVIN_API int corvin_file_seek(corvin_file* file, uint64_t sample);
+
+/** Returns the sample that the next byte read begins with; 0 for NULL. Since 0.1. */
+CORVIN_API uint64_t corvin_file_tell(const corvin_file* file);
+
+/* ---- Writing --------------------------------------------------------------------------------- */
+
+/** What a file is to be. */
+typedef struct corvin_writer_settings {
+  size_t size;         /**< sizeof(corvin_writer_settings), set by ..._defaults() */
+  uint32_t container;  /**< corvin_container. Default CORVIN_DSF */
+  uint32_t dsd_rate;   /**< Hz, not 0. Default 2822400 */
+  uint32_t channels;   /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
+  uint32_t bit_order;  /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
+  uint32_t speakers;   /**< mask of as many bits as channels; 0: the usual ones. DSF has a name for
+                            some layouts only, "1bit" for none. Default 0 */
+  uint32_t reserved0;  /**< 0 */
+  uint64_t reserved[8]; /**< 0 */
+} corvin_writer_settings;
+
+/** A DSD file being written. */
+typedef struct corvin_writer corvin_writer;
+
+/** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_writer_settings_defaults(corvin_writer_settings* settings);
+
+/** Begins a file. It is written beside its name under another one and takes the name at
+ *  corvin_writer_finish(), in place of an older file; until then that one stays.
+ *  @param writer  receives the handle, NULL on failure
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_WRITE
+ *  A process that does not want to be ended by a file size limit ignores SIGXFSZ. Since 0.1. */
+CORVIN_API int corvin_writer_create(const char* path, const corvin_writer_settings* settings,
+                                    corvin_writer** writer);
+
+/** The same on a host's callbacks, of which `seek` and `write` are needed. The header is written
+ *  first and once more at the end. Since 0.1. */
+CORVIN_API int corvin_writer_create_stream(const corvin_stream* stream,
+                                           const corvin_writer_settings* settings,
+                                           corvin_writer** writer);
+
+/** Appends sound, one byte of each channel in turn.
+ *  @param data   bytes x channels bytes
+ *  @param bytes  of each channel
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish; CORVIN_E_WRITE, also in every
+ *           call after one that failed
+ *  Since 0.1. */
+CORVIN_API int corvin_writer_write(corvin_writer* writer, const void* data, size_t bytes);
+
+/** The same, each channel from a place of its own: channels[channels]. Since 0.1. */
+CORVIN_API int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* const* channels,
+                                          size_t bytes);
+
+/** Sets the tags that finish will write, as an ID3v2.3 block; "1bit" files have none.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish. Since 0.1. */
+CORVIN_API int corvin_writer_set_tags(corvin_writer* writer, const struct DSD_TAG* tag);
+
+/** Completes the file.
+ *  @param samples  per channel: above 8 x (bytes - 1) and up to 8 x bytes of the bytes written of
+ *                  each channel. DSF states the number; DSDIFF and "1bit" know bytes only, the last
+ *                  of which is filled up with silence
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish, CORVIN_E_WRITE
+ *  Since 0.1. */
+CORVIN_API int corvin_writer_finish(corvin_writer* writer, uint64_t samples);
+
+/** Ends a writer. Without a finish before, a file that was given by its path is gone. NULL is
+ *  ignored. Since 0.1. */
+CORVIN_API void corvin_writer_close(corvin_writer* writer);
+
+/* ---- Whole conversions ----------------------------------------------------------------------- */
+
+/** What a conversion is asked for. Fields mean what those of the decoder's settings do. */
+typedef struct corvin_convert_settings {
+  size_t size;           /**< sizeof(corvin_convert_settings), set by ..._defaults() */
+  uint32_t pcm_rate;     /**< Hz. Default 44100 */
+  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t threads;      /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
+                              caller's. Default 0 */
+  uint32_t kernel_mask;  /**< Default all bits */
+  uint64_t seed;         /**< Default 0 */
+  double pass_hz;        /**< Default 0 */
+  double stop_hz;        /**< Default 0 */
+  double gain_db;        /**< Default 0 */
+  /** Is told, on the caller's thread after each piece of the source, how many of its samples per
+   *  channel are read; returns 0 to go on, another value to cancel. NULL: nobody. Default NULL */
+  int (*progress)(void* user, uint64_t done, uint64_t total);
+  void* progress_user;    /**< Default NULL */
+  uint64_t reserved[16];  /**< 0 */
+} corvin_convert_settings;
+
+/** What is to come, for a sink. */
+typedef struct corvin_pcm_format {
+  size_t size;        /**< sizeof(corvin_pcm_format) of the library */
+  uint32_t pcm_rate;  /**< Hz */
+  uint32_t channels;
+  uint32_t speakers;  /**< mask */
+  uint32_t format;    /**< corvin_sample_format */
+  uint64_t frames;    /**< that will come */
+} corvin_pcm_format;
+
+/** Where PCM goes. The calls come on the caller's thread. */
+typedef struct corvin_pcm_sink {
+  size_t size; /**< sizeof(corvin_pcm_sink) */
+  void* user;  /**< passed to each call */
+  /** Comes first, once; returns 0 to go on. NULL: not needed. */
+  int (*begin)(void* user, const corvin_pcm_format* format);
+  /** Takes interleaved frames; returns 0 to go on. */
+  int (*write)(void* user, const void* frames, size_t count);
+} corvin_pcm_sink;
+
+/** How a conversion went. */
+typedef struct corvin_convert_report {
+  size_t size;      /**< sizeof(corvin_convert_report), set by the caller */
+  uint64_t frames;  /**< handed to the sink */
+  uint64_t clips;   /**< samples that met a limit of their integer format */
+  double peak;      /**< largest absolute sample after the gain, before limiting; 1.0 = full scale */
+  double gain_db;   /**< that was applied */
+  uint64_t reserved[8];
+} corvin_convert_report;
+
+/** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settings);
+
+/** Converts a file's sound, from its first to its last sample, to PCM.
+ *  @param source    left at an unspecified position; not to be used meanwhile
+ *  @param settings  NULL: the defaults
+ *  @param report    its `size` set; filled whenever the arguments are valid, for what came so far.
+ *                   May be NULL
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_THREAD; CORVIN_E_UNSUPPORTED
+ *           when there is no plan for the rates; the `readable` of the file's info; CORVIN_E_READ;
+ *           CORVIN_E_WRITE when the sink did not go on; CORVIN_E_CANCELLED
+ *  Memory does not depend on the length. Since 0.1. */
+CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
+                                     const corvin_pcm_sink* sink, corvin_convert_report* report);
+
+/** Copies a file's sound to a writer of the same rate and channel count, bit for bit, and finishes
+ *  that. Tags are not copied: corvin_file_get_tags() and corvin_writer_set_tags() do that before.
+ *  @param settings  its progress counts; NULL: none
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ), CORVIN_E_MEMORY,
+ *           CORVIN_E_STATE when the writer has sound already; the `readable` of the file's info;
+ *           CORVIN_E_READ, CORVIN_E_WRITE, CORVIN_E_CANCELLED: the writer is not finished
+ *  Since 0.1. */
+CORVIN_API int corvin_convert_copy(corvin_file* source, corvin_writer* target,
+                                   const corvin_convert_settings* settings);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* CORVIN_STUDIO_FILES_H_ */

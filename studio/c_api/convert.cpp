@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// The C functions for whole conversions.
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <limits>
+#include <system_error>
+#include <vector>
+
+#include "studio/c_api/file.h"
+#include "studio/c_api/stream_bytes.h"
+#include "studio/convert/to_pcm.h"
+
+namespace corvin::studio {
+namespace {
+
+// The defaults where there are no settings or they end earlier.
+int adopt_settings(const corvin_convert_settings* settings, corvin_convert_settings& known) {
+  corvin_convert_settings_defaults(&known);
+  if (settings == nullptr) return CORVIN_OK;
+  if (settings->size < sizeof settings->size) return CORVIN_E_ARGUMENT;
+  std::memcpy(&known, settings, std::min(settings->size, sizeof known));
+  return CORVIN_OK;
+}
+
+int copy(corvin_file& source, corvin_writer& target, const corvin_convert_settings& settings) {
+  constexpr std::size_t kBytes = 1 << 16;  // of each channel at a time
+  const formats::SoundFile& file = source.sound;
+  std::vector<std::uint8_t> buffer(kBytes * file.channels);
+  source.reader->Seek(0);
+  for (;;) {
+    std::size_t count = 0;
+    int status =
+        corvin_file_read(&source, buffer.data(), kBytes, target.settings.bit_order, &count);
+    if (status != CORVIN_OK) return status;
+    if (count == 0) return corvin_writer_finish(&target, file.samples);
+    status = corvin_writer_write(&target, buffer.data(), count);
+    if (status != CORVIN_OK) return status;
+    if (settings.progress != nullptr &&
+        settings.progress(settings.progress_user, corvin_file_tell(&source), file.samples) != 0) {
+      return CORVIN_E_CANCELLED;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace corvin::studio
+
+extern "C" {
+
+void corvin_convert_settings_defaults(corvin_convert_settings* settings) {
+  if (settings == nullptr) return;
+  *settings = {};
+  settings->size = sizeof *settings;
+  settings->pcm_rate = 44100;
+  settings->format = CORVIN_S24;
+  settings->dither = CORVIN_DITHER_TPDF;
+  settings->kernel_mask = std::numeric_limits<std::uint32_t>::max();
+}
+
+int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
+                          const corvin_pcm_sink* sink, corvin_convert_report* report) {
+  corvin_convert_settings known;
+  corvin_pcm_sink known_sink;
+  if (source == nullptr || corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+      !corvin::studio::adopt(sink, known_sink) || known_sink.write == nullptr ||
+      (report != nullptr && report->size < sizeof report->size)) {
+    return CORVIN_E_ARGUMENT;
+  }
+  corvin_convert_report result = {};
+  int status = CORVIN_OK;
+  try {
+    status = source->reader ? corvin::studio::convert_to_pcm(*source->source, source->sound, known,
+                                                             known_sink, result)
+                            : corvin::studio::status_of(source->sound.readable);
+  } catch (const std::system_error&) {
+    status = CORVIN_E_THREAD;
+  } catch (const std::exception&) {
+    status = CORVIN_E_MEMORY;
+  }
+  if (report != nullptr) {
+    result.size = report->size;
+    std::memcpy(report, &result, std::min(report->size, sizeof result));
+  }
+  return status;
+}
+
+int corvin_convert_copy(corvin_file* source, corvin_writer* target,
+                        const corvin_convert_settings* settings) {
+  corvin_convert_settings known;
+  if (source == nullptr || target == nullptr ||
+      corvin::studio::adopt_settings(settings, known) != CORVIN_OK) {
+    return CORVIN_E_ARGUMENT;
+  }
+  if (!source->reader) return corvin::studio::status_of(source->sound.readable);
+  if (target->settings.dsd_rate != source->sound.rate_hz ||
+      target->settings.channels != source->sound.channels) {
+    return CORVIN_E_ARGUMENT;
+  }
+  if (target->finished || target->sound->channel_bytes() != 0) return CORVIN_E_STATE;
+  try {
+    return corvin::studio::copy(*source, *target, known);
+  } catch (const std::exception&) {
+    return CORVIN_E_MEMORY;
+  }
+}
+
+}  // extern "C"

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// What is behind the handles of files, for the functions that take two kinds of handle.
+
+#ifndef CORVIN_STUDIO_C_API_FILE_H_
+#define CORVIN_STUDIO_C_API_FILE_H_
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "corvin.h"
+#include "formats/byte_source.h"
+#include "formats/new_file.h"
+#include "formats/sound_file.h"
+#include "formats/sound_reader.h"
+#include "formats/sound_writer.h"
+
+struct corvin_file {
+  std::unique_ptr<corvin::formats::ByteSource> source;
+  corvin::formats::SoundFile sound;
+  std::optional<corvin::formats::SoundReader> reader;  // when there is sound to read
+};
+
+struct corvin_writer {
+  std::unique_ptr<corvin::formats::ByteSink> sink;
+  corvin::formats::NewFile* new_file = nullptr;  // the sink, when it is one
+  corvin_writer_settings settings;
+  std::optional<corvin::formats::SoundWriter> sound;
+  std::vector<std::uint8_t> tags;
+  bool failed = false;
+  bool finished = false;
+};
+
+namespace corvin::studio {
+
+/// CORVIN_OK when the sound can be read.
+int status_of(formats::Readable readable);
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_C_API_FILE_H_

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// A host's callbacks as a source or sink of bytes.
+
+#ifndef CORVIN_STUDIO_C_API_STREAM_BYTES_H_
+#define CORVIN_STUDIO_C_API_STREAM_BYTES_H_
+
+#include <algorithm>
+#include <cstring>
+
+#include "corvin.h"
+#include "formats/byte_source.h"
+
+namespace corvin::studio {
+
+/// The known part of a host's structure, zeros for what it lacks. False when there is none.
+template <class Struct>
+bool adopt(const Struct* from, Struct& known) {
+  known = {};
+  if (from == nullptr || from->size < sizeof from->size) return false;
+  std::memcpy(&known, from, std::min(from->size, sizeof known));
+  return true;
+}
+
+class StreamSource : public formats::ByteSource {
+ public:
+  StreamSource(const corvin_stream& stream, std::uint64_t size) : stream_(stream), size_(size) {}
+
+  std::uint64_t Size() const override { return size_; }
+
+  std::size_t Read(std::uint64_t offset, void* to, std::size_t bytes) override {
+    if (offset >= size_) return 0;
+    bytes = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, size_ - offset));
+    if (stream_.seek(stream_.user, offset) != 0) {
+      failed_ = true;
+      return 0;
+    }
+    std::size_t done = 0;
+    while (done < bytes) {
+      const std::size_t left = bytes - done;
+      const std::int64_t got =
+          stream_.read(stream_.user, static_cast<std::uint8_t*>(to) + done, left);
+      if (got == 0) break;
+      if (got < 0 || static_cast<std::uint64_t>(got) > left) {
+        failed_ = true;
+        break;
+      }
+      done += static_cast<std::size_t>(got);
+    }
+    return done;
+  }
+
+ private:
+  corvin_stream stream_;
+  std::uint64_t size_;
+};
+
+class StreamSink : public formats::ByteSink {
+ public:
+  explicit StreamSink(const corvin_stream& stream) : stream_(stream) {}
+
+  bool Write(std::uint64_t offset, const void* from, std::size_t bytes) override {
+    return stream_.seek(stream_.user, offset) == 0 &&
+           stream_.write(stream_.user, from, bytes) == 0;
+  }
+
+ private:
+  corvin_stream stream_;
+};
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_C_API_STREAM_BYTES_H_

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// The C functions that write files.
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "formats/id3_block.h"
+#include "studio/c_api/file.h"
+#include "studio/c_api/stream_bytes.h"
+
+namespace corvin::studio {
+namespace {
+
+using formats::ContainerKind;
+
+int check(const corvin_writer_settings* settings, corvin_writer_settings& known) {
+  corvin_writer_settings_defaults(&known);
+  if (settings == nullptr || settings->size < sizeof settings->size) return CORVIN_E_ARGUMENT;
+  std::memcpy(&known, settings, std::min(settings->size, sizeof known));
+  const bool valid =
+      known.container >= CORVIN_DSDIFF && known.container <= CORVIN_ONE_BIT &&
+      known.dsd_rate != 0 && known.channels != 0 &&
+      known.channels <= formats::MostChannels(static_cast<ContainerKind>(known.container)) &&
+      known.bit_order <= CORVIN_LSB_FIRST &&
+      (known.speakers == 0 ||
+       static_cast<std::uint32_t>(std::popcount(known.speakers)) == known.channels);
+  return valid ? CORVIN_OK : CORVIN_E_ARGUMENT;
+}
+
+int start(std::unique_ptr<corvin_writer> writer, corvin_writer** made) {
+  const corvin_writer_settings& settings = writer->settings;
+  const formats::SoundFormat format = {static_cast<ContainerKind>(settings.container),
+                                       settings.dsd_rate, settings.channels, settings.speakers};
+  writer->sound.emplace(*writer->sink, format);
+  if (!writer->sound->Start()) return CORVIN_E_WRITE;
+  *made = writer.release();
+  return CORVIN_OK;
+}
+
+int write(corvin_writer& writer, const std::uint8_t* const* places, std::size_t stride,
+          std::size_t bytes) {
+  if (writer.finished) return CORVIN_E_STATE;
+  const bool lsb_first = writer.settings.bit_order == CORVIN_LSB_FIRST;
+  writer.failed = writer.failed || !writer.sound->Write(places, stride, bytes, lsb_first);
+  return writer.failed ? CORVIN_E_WRITE : CORVIN_OK;
+}
+
+}  // namespace
+}  // namespace corvin::studio
+
+extern "C" {
+
+void corvin_writer_settings_defaults(corvin_writer_settings* settings) {
+  if (settings == nullptr) return;
+  *settings = {};
+  settings->size = sizeof *settings;
+  settings->container = CORVIN_DSF;
+  settings->dsd_rate = 2822400;
+  settings->channels = 2;
+}
+
+int corvin_writer_create(const char* path, const corvin_writer_settings* settings,
+                         corvin_writer** writer) {
+  if (writer == nullptr) return CORVIN_E_ARGUMENT;
+  *writer = nullptr;
+  if (path == nullptr) return CORVIN_E_ARGUMENT;
+  try {
+    auto made = std::make_unique<corvin_writer>();
+    const int status = corvin::studio::check(settings, made->settings);
+    if (status != CORVIN_OK) return status;
+    auto file = std::make_unique<corvin::formats::NewFile>();
+    if (!file->Open(path)) return CORVIN_E_WRITE;
+    made->new_file = file.get();
+    made->sink = std::move(file);
+    return corvin::studio::start(std::move(made), writer);
+  } catch (const std::exception&) {
+    return CORVIN_E_MEMORY;
+  }
+}
+
+int corvin_writer_create_stream(const corvin_stream* stream, const corvin_writer_settings* settings,
+                                corvin_writer** writer) {
+  if (writer == nullptr) return CORVIN_E_ARGUMENT;
+  *writer = nullptr;
+  corvin_stream known;
+  if (!corvin::studio::adopt(stream, known) || known.seek == nullptr || known.write == nullptr) {
+    return CORVIN_E_ARGUMENT;
+  }
+  try {
+    auto made = std::make_unique<corvin_writer>();
+    const int status = corvin::studio::check(settings, made->settings);
+    if (status != CORVIN_OK) return status;
+    made->sink = std::make_unique<corvin::studio::StreamSink>(known);
+    return corvin::studio::start(std::move(made), writer);
+  } catch (const std::exception&) {
+    return CORVIN_E_MEMORY;
+  }
+}
+
+int corvin_writer_write(corvin_writer* writer, const void* data, size_t bytes) {
+  if (writer == nullptr || (data == nullptr && bytes > 0)) return CORVIN_E_ARGUMENT;
+  const std::uint8_t* places[corvin::formats::kMaxChannels];
+  const std::size_t channels = writer->settings.channels;
+  for (std::size_t c = 0; c < channels; ++c) {
+    places[c] = static_cast<const std::uint8_t*>(data) + c;
+  }
+  return corvin::studio::write(*writer, places, channels, bytes);
+}
+
+int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* const* channels,
+                               size_t bytes) {
+  if (writer == nullptr || (channels == nullptr && bytes > 0)) return CORVIN_E_ARGUMENT;
+  return corvin::studio::write(*writer, channels, 1, bytes);
+}
+
+int corvin_writer_set_tags(corvin_writer* writer, const struct DSD_TAG* tag) {
+  if (writer == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
+  if (writer->finished) return CORVIN_E_STATE;
+  try {
+    writer->tags = corvin::formats::MakeId3Block(*tag);
+    return CORVIN_OK;
+  } catch (const std::exception&) {
+    return CORVIN_E_MEMORY;
+  }
+}
+
+int corvin_writer_finish(corvin_writer* writer, uint64_t samples) {
+  if (writer == nullptr) return CORVIN_E_ARGUMENT;
+  if (writer->finished) return CORVIN_E_STATE;
+  if (writer->failed) return CORVIN_E_WRITE;
+  const std::uint64_t bytes = writer->sound->channel_bytes();
+  if (samples / 8 + (samples % 8 != 0) != bytes) return CORVIN_E_ARGUMENT;
+  try {
+    writer->finished = true;
+    writer->failed = !writer->sound->Finish(samples, writer->tags) ||
+                     (writer->new_file != nullptr && !writer->new_file->Commit());
+    return writer->failed ? CORVIN_E_WRITE : CORVIN_OK;
+  } catch (const std::exception&) {
+    return CORVIN_E_MEMORY;
+  }
+}
+
+void corvin_writer_close(corvin_writer* writer) { delete writer; }
+
+}  // extern "C"
