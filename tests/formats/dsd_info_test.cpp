@@ -95,7 +95,7 @@ TEST(DsdInfo, OddAndLyingTables) {
   const Bytes note = DsdiffChunk("NOTE", Bytes(30));
   const Bytes stray = DsfChunk("xtra", Bytes(20));
   const Bytes uncounted = DsfChunk("xtra", Bytes(20), 20);
-  const std::uint64_t huge = UINT64_MAX / 8 + 1;
+  const std::uint64_t huge = UINT64_MAX / 8 + 101;  // wraps to a length that would do
   const std::string zeros(4, '\0');
   const auto negative = [](int offset) {
     return DsdiffChunk("NOTE", {}, UINT64_MAX - static_cast<unsigned>(offset));

@@ -74,6 +74,7 @@ TEST(Id3Writer, RecordsThatMakeNoBlockOrNoPicture) {
   };
   EXPECT_EQ(with_size(-5), 10);
   // Measured only: the size has 28 bits, so no byte of the data is touched.
+  EXPECT_EQ(with_size(1 << 27), -1);
   EXPECT_EQ(with_size(INT32_MAX), -1);
   EXPECT_EQ(std::ftell(stream.get()), 10);
   std::free(std::exchange(tag.pictures[1]->data, nullptr));
