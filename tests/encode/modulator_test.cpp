@@ -30,8 +30,8 @@ Bits Bitstream(const std::vector<float>& in, int interpolation, bool lsb_first =
   return bits;
 }
 
-// The error reaches the output through (D(z) - sum A z^-k) / D(z): its zeros and poles are looked up
-// on the design, not on the way it was computed.
+// The error reaches the output through (D(z) - sum A z^-k) / D(z): its zeros and poles are looked
+// up on the design, not on the way it was computed.
 TEST(Modulator, ShapesNoiseWithTheStatedZerosAndPoles) {
   for (const int interpolation : {512, 64, 1}) {
     const ModulatorCoefficients c = DesignModulator(interpolation);
@@ -96,7 +96,10 @@ TEST(Modulator, OverloadHoldsAndComesBack) {
   constexpr double kRate = 2822400;
   std::vector<float> in(8 * 50000);
   for (std::size_t i = 0; i < in.size(); ++i)
-    in[i] = i < in.size() / 4 ? 3.0f : static_cast<float>(0.25 * std::sin(2 * kPi * 1000 * static_cast<double>(i) / kRate));
+    in[i] =
+        i < in.size() / 4
+            ? 3.0f
+            : static_cast<float>(0.25 * std::sin(2 * kPi * 1000 * static_cast<double>(i) / kRate));
   const Bits bits = Bitstream(in, 512);
   // Beyond what it can follow it says so with ones.
   for (std::size_t i = 1000; i < in.size() / 4; ++i) ASSERT_EQ(bits[i], 1);
