@@ -129,7 +129,11 @@ TEST(DsdToPcm, EveryDataChunkIsConvertedInTurn) {
   Bytes unknown = two;
   unknown.erase(unknown.begin() + 4, unknown.begin() + 28);  // no rest of the first chunk
   unknown[0] = 'X';
-  const auto outcomes = ConvertAll({one, two, unknown});
+  const Bytes other = DsfChunk("xtra", Bytes(20));  // whose size counts its header
+  const auto outcomes =
+      ConvertAll({one, two, unknown,
+                  DsfFile(2, kDsd64, payload, {.before_fmt = other, .before_data = other})});
+  EXPECT_EQ(outcomes[3], outcomes[0]);
   Bytes twice = outcomes[0].pcm;
   Append(twice, outcomes[0].pcm);
   EXPECT_EQ(outcomes[1].pcm, twice);
