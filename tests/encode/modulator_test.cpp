@@ -19,14 +19,14 @@ using corvin::testing::Bits;
 
 constexpr double kPi = std::numbers::pi;
 
-Bits Bitstream(const std::vector<float>& in, int interpolation, bool lsb_first = false) {
+Bits Bitstream(const std::vector<float>& in, int interpolation) {
   double state[8] = {};
   std::vector<char> bytes(in.size() / 8);
-  Modulate(in.data(), static_cast<int>(bytes.size()), DesignModulator(interpolation), state,
-           lsb_first, 1, bytes.data());
+  Modulate(in.data(), static_cast<int>(bytes.size()), DesignModulator(interpolation), state, false,
+           1, bytes.data());
   Bits bits;
   for (const char byte : bytes)
-    for (int i = 0; i < 8; ++i) bits.push_back(byte >> (lsb_first ? i : 7 - i) & 1 ? 1 : -1);
+    for (int i = 0; i < 8; ++i) bits.push_back(byte >> (7 - i) & 1 ? 1 : -1);
   return bits;
 }
 

@@ -10,7 +10,6 @@
 #include "corvin.h"
 #include "tests/support/id3_blocks.h"
 #include "tests/support/tag_record.h"
-#include "tests/support/temp_file.h"
 
 namespace {
 
@@ -88,51 +87,6 @@ TEST(Id3Writer, TheReaderGetsBackWhatWasWritten) {
   TagRecord again;
   ASSERT_EQ(ReadTag(block, again), 0);
   EXPECT_EQ(WriteTag(again), block);
-}
-
-// Another program's view of the frames, as "id=text" lines.
-TEST(Id3Writer, AnotherTagLibraryReadsTheBlock) {
-#ifndef CORVIN_MUTAGEN_PYTHON
-  GTEST_SKIP() << "mutagen was not found when the build was configured";
-#else
-  TagRecord tag;
-  FillTag(tag);
-  const TempFile file(DsfFile(2, 2822400, Bytes(4096, 0x69), {.tag = WriteTag(tag)}));
-  const TempFile script;
-  const std::string text = R"(import sys
-from mutagen.dsf import DSF
-file = DSF(sys.argv[1])
-print(file.info.channels, file.info.sample_rate, file.tags.version)
-for frame in sorted(file.tags.values(), key=lambda f: f.HashKey):
-    data = getattr(frame, "data", None)
-    if data is None:
-        print(frame.FrameID, getattr(frame, "lang", ""), "|".join(map(str, frame.text)))
-    else:
-        right = data == bytes(i * 7 % 256 for i in range(len(data)))
-        print(frame.mime, int(frame.type), frame.desc, len(data), right)
-)";
-  script.Write(Bytes(text.begin(), text.end()));
-  const std::string command = std::string("PYTHONIOENCODING=utf-8 ") + CORVIN_MUTAGEN_PYTHON + " " +
-                              script.path() + " " + file.path() + " 2>&1";
-  std::FILE* pipe = popen(command.c_str(), "r");
-  ASSERT_NE(pipe, nullptr);
-  std::string output;
-  for (int c; (c = std::fgetc(pipe)) != EOF;) output += static_cast<char>(c);
-  EXPECT_EQ(pclose(pipe), 0);
-  EXPECT_EQ(output,
-            "2 2822400 (2, 3, 0)\n"
-            "image/png 4 bäck 301 True\n"
-            "image/png 3 front 300 True\n"
-            "COMM jpn A comment\n"
-            "TALB  アlbum\n"
-            "TCOM  Composer\n"
-            "TCON  Jazz\n"
-            "TCOP  2011 Someone\n"
-            "TDRC  2011\n"
-            "TIT2  Tïtle\n"
-            "TPE1  Artist\n"
-            "TRCK  3/12\n");
-#endif
 }
 
 }  // namespace

@@ -63,7 +63,6 @@ struct DsfOptions {
   std::optional<std::uint32_t> stated_block_bytes = {};
   std::optional<std::uint32_t> bits_per_sample = {};
   std::optional<std::uint64_t> sample_count = {};  ///< per channel
-  std::optional<std::uint64_t> fmt_size = {};
   std::optional<std::uint64_t> data_size = {};
   std::optional<std::uint64_t> metadata_pointer = {};
   Bytes before_fmt = {};   ///< whole chunks
@@ -101,7 +100,7 @@ inline Bytes DsfFile(std::uint32_t channels, std::uint32_t rate, const Bytes& pa
 
   Bytes rest = {};
   Append(rest, options.before_fmt);
-  Append(rest, DsfChunk("fmt ", fmt, options.fmt_size));
+  Append(rest, DsfChunk("fmt ", fmt));
   Append(rest, options.before_data);
   Append(rest, DsfChunk("data", sound, options.data_size));
   const std::uint64_t tag_at = 28 + rest.size();
