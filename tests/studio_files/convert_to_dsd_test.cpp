@@ -9,7 +9,6 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/studio_encode/streams.h"
 #include "tests/studio_files/sound_files.h"
 
 namespace corvin::studio {
