@@ -243,9 +243,7 @@ TEST(Faults, AreToleratedAndTold) {
   for (const auto& make : {dsf_faults, dsdiff_faults, one_bit_faults}) {
     for (const Fault& fault : make()) {
       SCOPED_TRACE(fault.name);
-      MemoryStream stream(fault.file);
-      const corvin_stream callbacks = stream.callbacks();
-      File file(callbacks);
+      MemoryFile file(fault.file);
       const corvin_file_info info = file.info();
       EXPECT_EQ(info.readable, fault.readable);
       EXPECT_EQ(info.samples, fault.samples);
@@ -265,9 +263,7 @@ TEST(Faults, CompressedSoundTellsItsLength) {
   DsdiffOptions options;
   options.compression_type = "DST ";
   const Bytes frames = DsdiffChunk("FRTE", {0, 0, 0, 150, 0, 75});
-  MemoryStream stream(DsdiffFile(2, 2822400, frames, options));
-  const corvin_stream callbacks = stream.callbacks();
-  File file(callbacks);
+  MemoryFile file(DsdiffFile(2, 2822400, frames, options));
   EXPECT_EQ(file.info().stated_samples, 5644800u);
   Bytes sound(2);
   std::size_t done = 1;
@@ -282,9 +278,7 @@ TEST(Faults, BothPlacesOfTagsInDsdiff) {
   options.properties_last =
       DsdiffChunk("ID3 ", testing::Id3Block({testing::Id3Frame("TALB", "\3album")}));
   const auto text = [](Bytes bytes) {
-    MemoryStream stream(std::move(bytes));
-    const corvin_stream callbacks = stream.callbacks();
-    File opened(callbacks);
+    MemoryFile opened(std::move(bytes));
     DSD_TAG tag{};
     opened.tags(tag);
     const std::string all = std::string(tag.title) + "/" + tag.artist + "/" + tag.album + "/" +

@@ -10,11 +10,10 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "tests/studio_files/sound_files.h"
+#include "tests/support/temp_file.h"
 
 namespace corvin::studio {
 namespace {
@@ -36,11 +35,6 @@ bool installed(const std::string& tool) {
   int status = 0;
   output("command -v " + tool, status);
   return status == 0;
-}
-
-Bytes contents(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
 class Witness : public ::testing::Test {
@@ -97,7 +91,7 @@ TEST_F(Witness, ArchiverGivesBackEveryByte) {
                        " && wvunpack -q -y " + packed.string() + " -o " + back.string(),
                    status);
         EXPECT_EQ(status, 0) << path << said;
-        EXPECT_TRUE(contents(back) == contents(path)) << path << said;
+        EXPECT_TRUE(testing::ReadFile(back) == testing::ReadFile(path)) << path << said;
       }
     }
   }
