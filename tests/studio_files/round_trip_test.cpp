@@ -165,6 +165,7 @@ TEST(RoundTrip, TagsComeBackAndHeadersStateTrueSizes) {
         EXPECT_EQ(number(file.bytes, 12, false), size);
         EXPECT_EQ(number(file.bytes, 20, false), 92u + channels * 4096);
         EXPECT_EQ(number(file.bytes, 84, false), 12u + channels * 4096);
+        EXPECT_EQ(file.bytes[92 + 4095], 0);
       } else if (container == CORVIN_DSDIFF) {
         EXPECT_EQ(number(file.bytes, 4, true), size - 12);
         EXPECT_EQ(size % 2, 0u);

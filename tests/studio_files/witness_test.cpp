@@ -13,7 +13,6 @@
 #include <string>
 
 #include "tests/studio_files/sound_files.h"
-#include "tests/support/temp_file.h"
 
 namespace corvin::studio {
 namespace {
@@ -88,10 +87,10 @@ TEST_F(Witness, ArchiverGivesBackEveryByte) {
         int status = 0;
         const std::string said =
             output("wavpack -q -y " + path.string() + " -o " + packed.string() +
-                       " && wvunpack -q -y " + packed.string() + " -o " + back.string(),
+                       " && wvunpack -q -y " + packed.string() + " -o " + back.string() +
+                       " && cmp " + path.string() + " " + back.string(),
                    status);
         EXPECT_EQ(status, 0) << path << said;
-        EXPECT_TRUE(testing::ReadFile(back) == testing::ReadFile(path)) << path << said;
       }
     }
   }
