@@ -196,11 +196,7 @@ TEST(Decoder, RefusesWhatItCannotDo) {
   const auto status = [](auto change) {
     DecoderSettings settings;
     change(settings);
-    corvin_decoder* decoder = nullptr;
-    const int result = corvin_decoder_create(&settings, &decoder);
-    EXPECT_EQ(decoder != nullptr, result == CORVIN_OK);
-    corvin_decoder_destroy(decoder);
-    return result;
+    return status_of([&] { Decoder made(settings); });
   };
   using S = DecoderSettings;
   const double nan = std::numeric_limits<double>::quiet_NaN();

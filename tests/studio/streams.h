@@ -56,6 +56,17 @@ inline std::uint8_t reversed(std::uint8_t byte) {
   return result;
 }
 
+/// What work ends with: CORVIN_OK, or the status of the error that it throws.
+template <typename Work>
+int status_of(Work work) {
+  try {
+    work();
+  } catch (const Error& error) {
+    return error.status();
+  }
+  return CORVIN_OK;
+}
+
 /// FNV-1a.
 inline std::uint64_t checksum(const Bytes& bytes) {
   std::uint64_t sum = 0xcbf29ce484222325u;

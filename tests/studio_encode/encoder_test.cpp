@@ -246,11 +246,7 @@ TEST(Encoder, RefusesWhatItCannotDo) {
   const auto status = [](auto change) {
     EncoderSettings settings;
     change(settings);
-    corvin_encoder* encoder = nullptr;
-    const int result = corvin_encoder_create(&settings, &encoder);
-    EXPECT_EQ(encoder != nullptr, result == CORVIN_OK);
-    corvin_encoder_destroy(encoder);
-    return result;
+    return status_of([&] { Encoder made(settings); });
   };
   using S = EncoderSettings;
   const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -198,7 +198,8 @@ TEST(RoundTrip, CopiesBetweenContainers) {
 
 TEST(WriterPath, TheNameStandsForWholeFilesOnly) {
   namespace fs = std::filesystem;
-  const fs::path folder = fs::path(::testing::TempDir()) / ("corvin_new_" + std::to_string(getpid()));
+  const fs::path folder =
+      fs::path(::testing::TempDir()) / ("corvin_new_" + std::to_string(getpid()));
   fs::create_directory(folder);
   const std::string path = folder / "out.dsf";
   const std::string link = folder / "link.dsf";
@@ -226,11 +227,9 @@ TEST(WriterPath, TheNameStandsForWholeFilesOnly) {
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(files(), 2);
 
-  corvin_writer* writer = nullptr;
-  const WriterSettings settings;
   for (const std::string& bad : {folder.string(), (folder / "none" / "x").string(),
                                 std::string("/dev/null"), std::string()}) {
-    EXPECT_EQ(corvin_writer_create(bad.c_str(), &settings, &writer), CORVIN_E_WRITE) << bad;
+    EXPECT_EQ(status_of([&] { Writer made(bad.c_str(), WriterSettings()); }), CORVIN_E_WRITE) << bad;
     EXPECT_NE(errno, 0);
   }
   fs::remove_all(folder);
@@ -245,15 +244,12 @@ TEST(WriterPath, FullDisk) {
       std::signal(SIGXFSZ, SIG_IGN);
       const rlimit size = {limit, limit};
       setrlimit(RLIMIT_FSIZE, &size);
-      corvin_writer* writer = nullptr;
-      const WriterSettings settings;
-      int status = corvin_writer_create(older.path(), &settings, &writer);
-      const Bytes sound(2 * 1000);
-      for (int i = 0; i < 200 && status == CORVIN_OK; ++i) {
-        status = corvin_writer_write(writer, sound.data(), 1000);
-      }
-      if (status == CORVIN_OK) status = corvin_writer_finish(writer, 1600000);
-      corvin_writer_close(writer);
+      const int status = status_of([&] {
+        Writer writer(older.path(), WriterSettings());
+        const Bytes sound(2 * 1000);
+        for (int i = 0; i < 200; ++i) writer.write(sound.data(), 1000);
+        writer.finish(1600000);
+      });
       _exit(-status);
     }
     int status = 0;
@@ -264,23 +260,19 @@ TEST(WriterPath, FullDisk) {
 }
 
 TEST(WriterCallbacks, EveryWriteMayFail) {
+  const Bytes sound(2 * 70000);
   for (const corvin_container container : kContainers) {
-    for (int good = 0;; ++good) {
+    int status = CORVIN_E_WRITE;
+    for (int good = 0; status != CORVIN_OK; ++good) {
       MemoryStream stream;
       stream.calls_left = good;
-      const corvin_stream callbacks = stream.callbacks();
-      const WriterSettings settings = writer_settings(container, 2);
-      corvin_writer* writer = nullptr;
-      int status = corvin_writer_create_stream(&callbacks, &settings, &writer);
-      const Bytes sound(2 * 70000);
-      if (status == CORVIN_OK) status = corvin_writer_write(writer, sound.data(), 70000);
-      if (status == CORVIN_OK) status = corvin_writer_finish(writer, 560000);
-      corvin_writer_close(writer);
-      if (status == CORVIN_OK) {
-        EXPECT_GE(good, 4);
-        break;
-      }
-      ASSERT_EQ(status, CORVIN_E_WRITE) << good;
+      status = status_of([&] {
+        Writer writer(stream.callbacks(), writer_settings(container, 2));
+        writer.write(sound.data(), 70000);
+        writer.finish(560000);
+      });
+      EXPECT_TRUE(status != CORVIN_OK || good >= 4);
+      ASSERT_TRUE(status == CORVIN_E_WRITE || status == CORVIN_OK) << good;
       ASSERT_LT(good, 10);
     }
   }
@@ -292,11 +284,7 @@ TEST(Writer, RefusesWhatNoContainerCanState) {
   const auto status = [&](auto change) {
     WriterSettings settings;
     change(settings);
-    corvin_writer* writer = nullptr;
-    const int result = corvin_writer_create_stream(&callbacks, &settings, &writer);
-    EXPECT_EQ(writer != nullptr, result == CORVIN_OK);
-    corvin_writer_close(writer);
-    return result;
+    return status_of([&] { Writer made(callbacks, settings); });
   };
   using S = WriterSettings;
   EXPECT_EQ(status([](S&) {}), CORVIN_OK);
