@@ -84,12 +84,12 @@ TEST(UpSampler, ItemsComeOutTheSameInEveryLaneOfEveryBuild) {
       const std::size_t stride = item_samples(plan) + 1;
       std::vector<double> out(kItems * stride, 99.0);
       for (std::size_t item = 0; item < kItems;) {
-        // Groups of every size, so that idle lanes occur.
+        // A group that fills the lanes, then small ones, so that idle lanes occur.
         const double* from[kItems];
         double* to[kItems];
+        const std::size_t group = std::min(sampler.items_at_once(), item == 0 ? kItems : 3);
         std::size_t count = 0;
-        for (; count < std::min(sampler.items_at_once(), item == 0 ? kItems : 3) && item < kItems;
-             ++count, ++item) {
+        for (; count < group && item < kItems; ++count, ++item) {
           from[count] = &in[item * item_frames(plan)];
           to[count] = &out[item * stride];
         }
