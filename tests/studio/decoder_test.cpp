@@ -47,7 +47,9 @@ TEST(Decoder, LengthIsExactForAnyCount) {
 }
 
 TEST(Decoder, LevelAndTimeAreExact) {
-  for (const auto& [dsd, pcm] : kPairs) {
+  for (const RatePair& pair : kPairs) {
+    const std::uint32_t dsd = pair.dsd;
+    const std::uint32_t pcm = pair.pcm;
     SCOPED_TRACE(std::to_string(dsd) + " to " + std::to_string(pcm));
     const auto level = [dsd, pcm](std::uint8_t pattern) {
       const auto out = decode_mono(dsd, pcm, Bytes(dsd / 100, pattern));
