@@ -119,7 +119,8 @@ std::string level_text(double peak) {
 ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
   const corvin_file_info& info = source.info();
   if (container_of(options.output) != 0)
-    return report(options.output, {kUsage, "a DSD file is converted to WAV, which this name denies"});
+    return report(options.output,
+                  {kUsage, "a DSD file is converted to WAV, which this name denies"});
   int rate_hz = default_pcm_rate_hz(info.dsd_rate);
   if (!options.rate.empty()) {
     rate_hz = parse_rate_hz(options.rate, 16 * 48000);
@@ -142,8 +143,7 @@ ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
   job.line.show(0);
   const int status = corvin_convert_to_pcm(source.handle(), &settings, &sink, &result);
   job.line.clear();
-  if (status == CORVIN_E_WRITE)
-    return report(options.output, {kWriteError, job.writer->error()});
+  if (status == CORVIN_E_WRITE) return report(options.output, {kWriteError, job.writer->error()});
   if (status != CORVIN_OK) return report(options.input, failure_of(status, source));
   if (result.frames == 0 && info.stated_samples != 0)
     return report(options.input, {kBadInput, "holds no sound that can be converted"});
