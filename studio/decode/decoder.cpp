@@ -10,6 +10,8 @@
 #include <numeric>
 #include <utility>
 
+#include "formats/bit_order.h"
+
 namespace corvin::studio {
 namespace {
 
@@ -17,10 +19,6 @@ constexpr std::uint32_t kMostChannels = 64;
 constexpr std::uint32_t kMostThreads = 64;
 constexpr std::uint32_t kLargestBlock = 1u << 20;
 constexpr std::size_t kWidestVector = 8;  // items that the widest build runs side by side
-// No sound: as many ones as zeros in every byte, and its noise far above the audio band. Earliest
-// sample in the most significant bit.
-constexpr std::uint8_t kIdlePattern = 0x69;
-constexpr std::uint8_t kIdlePatternLsbFirst = 0x96;
 
 bool in_range(const corvin_decoder_settings& s) {
   // Comparisons that a NaN fails.
@@ -93,7 +91,7 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
       piece_stride_(round_up(piece_bytes_, kKernelAlignment)),
       piece_frames_(items_per_channel_ * item_frames(plan_)),
       shared_bytes_(plan_.block_bytes - plan_.hop_bytes),
-      idle_byte_(settings.bit_order == CORVIN_LSB_FIRST ? kIdlePatternLsbFirst : kIdlePattern),
+      idle_byte_(formats::SilentByte(settings.bit_order == CORVIN_LSB_FIRST)),
       most_bytes_(settings.length == 0 ? std::numeric_limits<std::uint64_t>::max()
                                        : settings.length / 8 + (settings.length % 8 != 0)),
       pieces_(settings.threads == 0
@@ -202,11 +200,9 @@ std::size_t Decoder::store(const Source& source, std::size_t offset, std::size_t
   if (accepted_ == most_bytes_ && settings_.length % 8 != 0) {
     // Bits after the last sample are silence as well.
     const auto kept = static_cast<unsigned>(settings_.length % 8);
-    const unsigned mask =
-        settings_.bit_order == CORVIN_LSB_FIRST ? (1u << kept) - 1 : 0xffu & ~(0xffu >> kept);
     for (std::size_t c = 0; c < channels_; ++c) {
       std::uint8_t& last = piece.in[c * piece_stride_ + filled_ - 1];
-      last = static_cast<std::uint8_t>((last & mask) | (idle_byte_ & ~mask));
+      last = formats::SilencedBehind(last, kept, settings_.bit_order == CORVIN_LSB_FIRST);
     }
   }
   // Its bytes reach beyond its frames, all of which therefore belong to the stream.
