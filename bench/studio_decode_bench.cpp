@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "bench/core_clock.h"
 #include "corvin.hpp"
 #include "studio/decode/block_filter.h"
 
@@ -25,23 +26,6 @@ std::vector<std::uint8_t> random_bytes(std::size_t count) {
     byte = static_cast<std::uint8_t>(state >> 24);
   }
   return bytes;
-}
-
-double seconds_since(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The core's clock in Hz: a chain of multiplications takes three cycles each on every processor
-// that has the vector builds. Virtual machines hide the real counter.
-double core_clock() {
-  constexpr int kCount = 300000;
-  std::uint64_t value = 3;
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < kCount; ++i) {
-    value *= 0x9e3779b97f4a7c15u;
-    benchmark::DoNotOptimize(value);
-  }
-  return 3.0 * kCount / seconds_since(start);
 }
 
 // The stages over one batch. `cycles/byte` is the least of all batches, per DSD byte of one
@@ -70,16 +54,14 @@ void Filter(benchmark::State& state, std::uint32_t mask) {
   const double new_bytes = 2.0 * static_cast<double>(items * plan.hop_bytes);
   std::vector<double> costs;
   for (auto _ : state) {
-    const double before = core_clock();
+    const double before = corvin::bench::core_clock();
     const auto start = std::chrono::steady_clock::now();
     filter.run(in.data(), out.data(), items);
-    const double seconds = seconds_since(start);
+    const double seconds = corvin::bench::seconds_since(start);
     state.SetIterationTime(seconds);
-    costs.push_back(seconds * std::max(before, core_clock()) / new_bytes);
+    costs.push_back(seconds * std::max(before, corvin::bench::core_clock()) / new_bytes);
   }
-  const auto decile = costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 10);
-  std::nth_element(costs.begin(), decile, costs.end());
-  state.counters["cycles/byte"] = *decile;
+  state.counters["cycles/byte"] = corvin::bench::first_decile(costs);
   state.counters["x_real_time"] = benchmark::Counter(8 * new_bytes / config.dsd_rate,
                                                      benchmark::Counter::kIsIterationInvariantRate);
 }

@@ -21,7 +21,7 @@ namespace {
 int run_classic(const ConvertOptions& options) {
   DsdSource source;
   const auto failure = read_source(options.input, source);
-  if (source.is_of_unknown_kind) return convert_to_dsd(options);
+  if (source.is_of_unknown_kind) return convert_to_dsd_classic(options);
   if (failure) return report(options.input, *failure);
   return convert_to_wav_classic(options, source);
 }
@@ -32,6 +32,7 @@ int run(const ConvertOptions& options) {
   const auto failure = source.open(options.input);
   if (source.is_of_unknown_kind()) return convert_to_dsd(options);
   if (failure) return report(options.input, *failure);
+  if (container_of(options.output) != 0) return convert_dsd_to_dsd(options, source);
   return convert_to_wav(options, source);
 }
 
@@ -55,7 +56,7 @@ int parse_rate_hz(const std::string& text, int max_hz) {
 }
 
 void add_convert_command(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("convert", "Convert a DSD file to WAV, or PCM to DSD");
+  CLI::App* command = app.add_subcommand("convert", "Convert DSD to WAV, PCM to DSD, or DSD to DSD");
   auto options = std::make_shared<ConvertOptions>();
   command
       ->add_option("IN", options->input,
@@ -64,16 +65,16 @@ void add_convert_command(CLI::App& app, int& exit_code) {
       ->required();
   command
       ->add_option("-o,--output", options->output,
-                   "File to write: WAV (RF64 above 4 GiB) from DSD; from PCM .dff, .dsf or .1bit, "
-                   "by its name. Only .dsf files carry tags")
+                   "File to write: DSD when its name ends in .dff, .dsf or .1bit, else WAV (RF64 "
+                   "above 4 GiB). WAV and .1bit files get no tags")
       ->required()
       ->type_name("OUT");
   command
       ->add_option("-r,--rate", options->rate,
-                   "From DSD: PCM rate, 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up "
-                   "to 768000 Hz); by default 96000 for multiples of 48 kHz, 88200 for all others. "
-                   "From PCM: dsd64, dsd128, dsd256 (times 44100 or 48000 Hz, as fits the PCM) or "
-                   "a rate in Hz; by default dsd64")
+                   "Of WAV: 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up to 768000 "
+                   "Hz); by default 96000 for multiples of 48 kHz, 88200 for all others. Of DSD: "
+                   "dsd64, dsd128, dsd256, dsd512 (times 44100 or 48000 Hz, as fits the input) or "
+                   "one of these rates in Hz; by default dsd64, or the input's own")
       ->type_name("RATE");
   const auto one_of = [](std::vector<std::string> names) {
     return [names](const std::string& text) {
@@ -114,9 +115,14 @@ void add_convert_command(CLI::App& app, int& exit_code) {
                                                    : text + " is no number from -120 to 60";
       });
   command
+      ->add_option("--modulator", options->modulator,
+                   "For DSD: standard, high or best, each with less noise and several times the "
+                   "work of the one before; by default standard")
+      ->type_name("GRADE")
+      ->check(one_of({"standard", "high", "best"}));
+  command
       ->add_option("--engine", options->engine,
-                   "studio, or classic, which converts two channels and rates of any kind; PCM is "
-                   "converted by the classic engine always")
+                   "studio, or classic, which converts two channels to WAV and rates of any kind")
       ->type_name("NAME")
       ->check(one_of({"studio", "classic"}));
   command->add_flag("-y,--overwrite", options->overwrite, "Replace OUT if it exists");

@@ -1,88 +1,27 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from PCM to a DSD file.
+// corvin convert from PCM to a DSD file, by the studio engine.
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <bit>
-#include <cerrno>
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
+#include <span>
 #include <string>
 
 #include "cli/convert.h"
-#include "cli/dsd_header_repair.h"
+#include "cli/dsd_output.h"
 #include "cli/dsd_source.h"
 #include "cli/exit_code.h"
-#include "cli/level_meter.h"
-#include "cli/output_file.h"
-#include "cli/pcm_feed.h"
 #include "cli/pcm_source.h"
 #include "cli/pcm_tags.h"
-#include "cli/progress_line.h"
+#include "cli/studio_settings.h"
 #include "corvin.h"
 
 namespace corvin::cli {
 namespace {
 
-constexpr int kMinDsdRateHz = 64 * 44100;
-constexpr int kMaxDsdRateHz = 256 * 48000;
-constexpr int kMaxChannels = 8;
-
-bool go_on(int percent, void* data) {
-  static_cast<ProgressLine*>(data)->show(percent);
-  return true;
-}
-
-// 0: the rate is none of those that --help lists.
-int dsd_rate_hz(const std::string& text, int pcm_rate_hz) {
-  const int base_hz = is_48k_family(static_cast<uint32_t>(pcm_rate_hz)) ? 48000 : 44100;
-  for (const int multiple : {64, 128, 256})
-    if (text == "dsd" + std::to_string(multiple)) return multiple * base_hz;
-  const int rate_hz = parse_rate_hz(text, kMaxDsdRateHz);
-  return rate_hz >= kMinDsdRateHz ? rate_hz : 0;
-}
-
-// Whether rate / base_hz is a power of two.
-bool is_octave_of(int base_hz, int rate_hz) {
-  return rate_hz % base_hz == 0 && std::has_single_bit(static_cast<unsigned>(rate_hz / base_hz));
-}
-
-// The library converts every pair of rates, but others than these at a level that is far off.
-bool is_planned(int pcm_rate_hz, int dsd_rate_hz) {
-  const auto is_of_a_family = [](int rate_hz) {
-    return is_octave_of(44100, rate_hz) || is_octave_of(48000, rate_hz);
-  };
-  return is_of_a_family(pcm_rate_hz) && pcm_rate_hz <= 768000 && is_of_a_family(dsd_rate_hz);
-}
-
-std::optional<Failure> check_source(const PcmSource& source, int kind, int dsd_rate_hz) {
-  const int most = std::min(max_channels(kind), kMaxChannels);
-  const std::string name = kind_name(static_cast<uint32_t>(kind));
-  if (source.channels() > most)
-    return Failure{source.channels() > kMaxChannels ? kBadInput : kUsage,
-                   "has " + std::to_string(source.channels()) + " channels; " + name +
-                       " takes up to " + std::to_string(most)};
-  if (!is_planned(source.rate_hz(), dsd_rate_hz))
-    return Failure{kBadInput, "has a rate of " + std::to_string(source.rate_hz()) +
-                                  " Hz, for which there is no filter to " +
-                                  std::to_string(dsd_rate_hz) + " Hz"};
-  return {};
-}
-
-// The library does not tell why it failed; one more write to the same file does.
-std::string why_writing_failed(int descriptor) {
-  char block[4096] = {};
-  struct stat status{};
-  errno = 0;
-  if (fstat(descriptor, &status) != 0 ||
-      pwrite(descriptor, block, sizeof block, status.st_size) >= 0 || errno == 0)
-    return "cannot be written";
-  return std::strerror(errno);
+int64_t read_frames(void* user, void* frames, size_t count) {
+  auto& source = *static_cast<PcmSource*>(user);
+  const size_t samples = count * static_cast<size_t>(source.channels());
+  return static_cast<int64_t>(source.read(std::span(static_cast<double*>(frames), samples)));
 }
 
 }  // namespace
@@ -90,84 +29,57 @@ std::string why_writing_failed(int descriptor) {
 ExitCode convert_to_dsd(const ConvertOptions& options) {
   PcmSource source;
   if (const auto failure = source.open(options.input)) return report(options.input, *failure);
-  const int kind = container_of(options.output);
-  if (kind == 0)
+  if (container_of(options.output) == 0)
     return report(options.output,
                   {kUsage, "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit"});
-  if (!options.bits.empty())
-    return report("--bits", {kUsage, "is for WAV files; a DSD file has 1"});
-  if (const char* option = options.studio_option())
+  if (const char* option = options.wav_option())
     return report(option, {kUsage, "is for WAV files"});
   const std::string rate = options.rate.empty() ? "dsd64" : options.rate;
-  const int rate_hz = dsd_rate_hz(rate, source.rate_hz());
-  if (rate_hz == 0)
-    return report("--rate", {kUsage, rate + " is neither dsd64, dsd128 nor dsd256, nor a whole "
-                                            "number from " +
-                                         std::to_string(kMinDsdRateHz) + " to " +
-                                         std::to_string(kMaxDsdRateHz)});
-  if (const auto failure = check_source(source, kind, rate_hz))
-    return report(options.input, *failure);
+  const auto pcm_rate = static_cast<uint32_t>(source.rate_hz());
+  const uint32_t dsd_rate = studio_dsd_rate_hz(rate, is_48k_family(pcm_rate));
+  if (dsd_rate == 0)
+    return report("--rate", {kUsage, rate + " is not dsd64, dsd128, dsd256 or dsd512, nor one of "
+                                            "these rates in Hz; --engine classic takes others"});
 
-  OutputFile output(
-      {.path = options.output, .input_path = options.input, .overwrite = options.overwrite});
+  DsdOutput output({.path = options.output,
+                    .input_path = options.input,
+                    .overwrite = options.overwrite,
+                    .dsd_rate = dsd_rate,
+                    .channels = static_cast<uint32_t>(source.channels()),
+                    .speakers = source.speakers()});
   if (const auto failure = output.open()) return report(options.output, *failure);
-
-  AudioStreamBasicDescription format{};
-  format.mSampleRate = source.rate_hz();
-  format.mChannelsPerFrame = static_cast<uint32_t>(source.channels());
-  format.mBitsPerChannel = static_cast<uint32_t>(source.bits());
-  LevelMeter level(source.bits(), true);
-  const auto declared = source.declared_frames();
-  uint64_t frames = declared ? *declared : source.count_frames();
   Tags tags;
-  if (kind == 2) read_pcm_tags(options.input, source, tags);
-  bool is_cut_short = false;
-  int result = 0;
-  for (;;) {
-    if (const auto failure = source.open(options.input)) return report(options.input, *failure);
-    level = LevelMeter(source.bits(), true);
-    uint64_t held = 0;
-    {
-      ProgressLine progress;
-      progress.show(0);
-      feed_pcm(
-          [&](std::span<uint8_t> buffer) {
-            const size_t bytes = source.read(buffer);
-            level.add(buffer.first(bytes));
-            held += bytes / source.bytes_per_frame();
-            return bytes;
-          },
-          [&](std::FILE* pcm) {
-            result = PCMtoDSD(kind, static_cast<long long>(frames * source.bytes_per_frame()), pcm,
-                              output.path().c_str(), rate_hz, go_on, format, &progress, &tags);
-          });
-    }
-    if (result != 0)
-      return report(options.output, {kWriteError, why_writing_failed(output.descriptor())});
-    if (held >= frames) break;
-    // The header is written first, by the length that the source declares: once more, by what it
-    // turned out to hold.
-    is_cut_short = true;
-    frames = held;
-  }
-  if (is_cut_short && frames == 0)
-    return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  if (!repair_header(output.descriptor(), kind, source.channels()))
-    return report(options.output, {kWriteError, std::strerror(errno)});
-  if (const auto failure = output.commit()) return report(options.output, *failure);
+  read_pcm_tags(options.input, source, tags);
+  corvin_writer_set_tags(output.writer(), &tags);
 
-  if (frames == 0) note(options.input, "holds no sound");
-  if (is_cut_short) note(options.input, "is cut short: it declares more sound than it holds");
-  if (source.clipped() != 0)
-    note(options.input, std::to_string(source.clipped()) + " sample" +
-                            (source.clipped() == 1 ? "" : "s") +
-                            " beyond full scale clipped");
-  std::printf("%s: %s, %s, %d channel%s, %s, %s\n", options.output.c_str(),
-              kind_name(static_cast<uint32_t>(kind)),
-              rate_name(static_cast<uint32_t>(rate_hz)).c_str(), source.channels(),
-              source.channels() == 1 ? "" : "s",
-              duration_text(frames, static_cast<uint32_t>(source.rate_hz())).c_str(),
-              level.text().c_str());
+  const auto declared = source.declared_frames();
+  corvin_pcm_source pcm{};
+  pcm.size = sizeof pcm;
+  pcm.pcm_rate = pcm_rate;
+  pcm.channels = static_cast<uint32_t>(source.channels());
+  pcm.format = CORVIN_F64;
+  pcm.frames = declared.value_or(0);
+  pcm.user = &source;
+  pcm.read = read_frames;
+  corvin_convert_report result{};
+  result.size = sizeof result;
+  int status = CORVIN_OK;
+  {
+    ProgressLine line;
+    const corvin_convert_settings settings = studio_settings(options, line);
+    status = corvin_convert_to_dsd(&pcm, output.writer(), &settings, &result);
+  }
+  if (status == CORVIN_E_UNSUPPORTED)
+    return report(options.input, {kBadInput, "has a rate of " + std::to_string(pcm_rate) +
+                                                 " Hz, which the studio engine does not convert"});
+  if (status == CORVIN_OK && result.frames == 0 && declared)
+    return report(options.input, {kBadInput, "holds no sound that can be converted"});
+  const ExitCode code = output.finish(status, result, duration_text(result.frames, pcm_rate),
+                                      ", " + level_text(result.peak));
+  if (code != kDone) return code;
+  if (result.frames == 0) note(options.input, "holds no sound");
+  if (result.frames < declared.value_or(0))
+    note(options.input, "is cut short: it declares more sound than it holds");
   return kDone;
 }
 

@@ -5,22 +5,18 @@
 
 #include <algorithm>
 #include <cinttypes>
-#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "cli/convert.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
+#include "cli/studio_settings.h"
 #include "cli/wav_writer.h"
 
 namespace corvin::cli {
 namespace {
-
-// More do not pay: reading and writing are the limit by then.
-constexpr unsigned kMostThreads = 8;
 
 struct Encoding {
   const char* name;  // as given
@@ -72,12 +68,6 @@ int write(void* user, const void* frames, size_t count) {
   return job.writer->write({bytes, count * job.bytes_per_frame}) ? 0 : 1;
 }
 
-int show_progress(void* user, uint64_t done, uint64_t total) {
-  const double part = static_cast<double>(done) / static_cast<double>(std::max<uint64_t>(total, 1));
-  static_cast<Job*>(user)->line.show(static_cast<int>(100 * part));
-  return 0;
-}
-
 bool is_studio_rate(int rate_hz) {
   for (int times = 1; times <= 16; times *= 2)
     if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
@@ -85,18 +75,12 @@ bool is_studio_rate(int rate_hz) {
 }
 
 corvin_convert_settings settings_of(const ConvertOptions& options, int rate_hz, Job& job) {
-  corvin_convert_settings settings;
-  corvin_convert_settings_defaults(&settings);
+  corvin_convert_settings settings = studio_settings(options, job.line);
   settings.pcm_rate = static_cast<uint32_t>(rate_hz);
   settings.format = job.encoding.format;
   if (options.dither == "none") settings.dither = CORVIN_DITHER_NONE;
   if (options.dither == "shaped") settings.dither = CORVIN_DITHER_SHAPED;
   if (options.phase == "minimum") settings.phase = CORVIN_MINIMUM_PHASE;
-  if (!options.gain_db.empty()) settings.gain_db = std::stod(options.gain_db);
-  const unsigned processors = std::thread::hardware_concurrency();
-  settings.threads = processors < 2 ? 0 : std::min(processors, kMostThreads);
-  settings.progress = show_progress;
-  settings.progress_user = &job;
   return settings;
 }
 
@@ -107,20 +91,11 @@ Failure failure_of(int status, const StudioSource& source) {
   return {kBadInput, corvin_strerror(status)};
 }
 
-std::string level_text(double peak) {
-  if (peak == 0) return "silent";
-  char text[40];
-  std::snprintf(text, sizeof text, "peak %.2f dBFS", 20 * std::log10(peak));
-  return text;
-}
-
 }  // namespace
 
 ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
   const corvin_file_info& info = source.info();
-  if (container_of(options.output) != 0)
-    return report(options.output,
-                  {kUsage, "a DSD file is converted to WAV, which this name denies"});
+  if (!options.modulator.empty()) return report("--modulator", {kUsage, "is for DSD files"});
   int rate_hz = default_pcm_rate_hz(info.dsd_rate);
   if (!options.rate.empty()) {
     rate_hz = parse_rate_hz(options.rate, 16 * 48000);

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace corvin::cli {
 namespace {
@@ -73,6 +74,31 @@ uint64_t PcmSource::count_frames() {
   uint64_t frames = 0;
   while (const size_t bytes = read(buffer)) frames += bytes / bytes_per_frame();
   return frames;
+}
+
+uint32_t PcmSource::speakers() const {
+  // libsndfile's names for the places that the library has bits for, in the order of the bits.
+  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,        SF_CHANNEL_MAP_RIGHT,
+                             SF_CHANNEL_MAP_CENTER,      SF_CHANNEL_MAP_LFE,
+                             SF_CHANNEL_MAP_REAR_LEFT,   SF_CHANNEL_MAP_REAR_RIGHT};
+  std::vector<int> map(static_cast<size_t>(channels()));
+  if (sf_command(file_.get(), SFC_GET_CHANNEL_MAP_INFO, map.data(),
+                 static_cast<int>(map.size() * sizeof map[0])) == SF_FALSE)
+    return 0;
+  uint32_t mask = 0;
+  for (const int place : map) {
+    const auto found = std::find(std::begin(kPlaces), std::end(kPlaces), place);
+    if (found == std::end(kPlaces)) return 0;
+    const uint32_t bit = 1u << (found - std::begin(kPlaces));
+    if (bit <= mask) return 0;  // another order
+    mask |= bit;
+  }
+  return mask;
+}
+
+size_t PcmSource::read(std::span<double> samples) {
+  const auto frames = static_cast<sf_count_t>(samples.size() / static_cast<size_t>(channels()));
+  return static_cast<size_t>(sf_readf_double(file_.get(), samples.data(), frames));
 }
 
 size_t PcmSource::read(std::span<uint8_t> pcm) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// A sound file that libsndfile reads, as the PCM that the library takes: signed integers, most
-// significant byte first.
+// A sound file that libsndfile reads, as the PCM that the library takes: doubles for the studio
+// engine; signed integers, most significant byte first, for the classic one.
 
 #ifndef CORVIN_CLI_PCM_SOURCE_H_
 #define CORVIN_CLI_PCM_SOURCE_H_
@@ -39,6 +39,14 @@ class PcmSource {
 
   /** Reads to the end and returns how many frames there were from here on. */
   uint64_t count_frames();
+
+  /** Bits of the speakers, in the channels' order, as the library counts them; 0 when the file does
+   *  not tell. */
+  uint32_t speakers() const;
+
+  /** Fills `samples`, room for whole frames, with samples of full scale +-1 as far as there are any;
+   *  returns the number of frames. */
+  size_t read(std::span<double> samples);
 
   /** Fills `pcm` with as many whole frames as fit and returns the bytes; 0 at the end. */
   size_t read(std::span<uint8_t> pcm);

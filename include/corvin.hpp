@@ -106,6 +106,78 @@ class Decoder {
   std::unique_ptr<corvin_decoder, Destroy> handle_;
 };
 
+/// corvin_encoder_settings with its defaults.
+struct EncoderSettings : corvin_encoder_settings {
+  EncoderSettings() { corvin_encoder_settings_defaults(this); }
+};
+
+class Encoder {
+ public:
+  explicit Encoder(const corvin_encoder_settings& settings = EncoderSettings()) {
+    corvin_encoder* made = nullptr;
+    check(corvin_encoder_create(&settings, &made));
+    handle_.reset(made);
+  }
+
+  /// Takes `frames` interleaved frames from `data`; returns the frames taken, the rest is to be
+  /// pushed after a pull.
+  std::size_t push(const void* data, std::size_t frames) {
+    std::size_t taken = 0;
+    check(corvin_encoder_push(handle_.get(), data, frames, &taken));
+    return taken;
+  }
+  std::size_t push_planar(std::span<const void* const> channels, std::size_t frames) {
+    std::size_t taken = 0;
+    check(corvin_encoder_push_planar(handle_.get(), channels.data(), frames, &taken));
+    return taken;
+  }
+
+  void finish() { check(corvin_encoder_finish(handle_.get())); }
+
+  /// Returns the bytes written to `out`.
+  std::size_t pull(std::span<std::byte> out) {
+    std::size_t done = 0;
+    check(corvin_encoder_pull(handle_.get(), out.data(), out.size(), &done));
+    return done;
+  }
+  std::size_t pull(std::span<std::uint8_t> out) { return pull(std::as_writable_bytes(out)); }
+
+  /// Writes up to `bytes` bytes of each channel; returns their number.
+  std::size_t pull_planar(std::span<std::uint8_t* const> out, std::size_t bytes) {
+    std::size_t done = 0;
+    check(corvin_encoder_pull_planar(handle_.get(), out.data(), bytes, &done));
+    return done;
+  }
+
+  void reset() { check(corvin_encoder_reset(handle_.get())); }
+  std::uint64_t latency() const { return corvin_encoder_latency(handle_.get()); }
+  std::uint64_t samples(std::uint64_t frames) const {
+    return corvin_encoder_samples(handle_.get(), frames);
+  }
+
+  corvin_encoder_report report() const {
+    corvin_encoder_report report = {};
+    report.size = sizeof report;
+    check(corvin_encoder_get_report(handle_.get(), &report));
+    return report;
+  }
+
+  std::string describe() const {
+    const int length = check(corvin_encoder_describe(handle_.get(), nullptr, 0));
+    std::string text(static_cast<std::size_t>(length), '\0');
+    check(corvin_encoder_describe(handle_.get(), text.data(), text.size() + 1));
+    return text;
+  }
+
+  corvin_encoder* handle() const { return handle_.get(); }
+
+ private:
+  struct Destroy {
+    void operator()(corvin_encoder* encoder) const { corvin_encoder_destroy(encoder); }
+  };
+  std::unique_ptr<corvin_encoder, Destroy> handle_;
+};
+
 // ---- Files and whole conversions -------------------------------------------------------------
 
 class File {
@@ -216,6 +288,24 @@ inline corvin_convert_report convert_to_pcm(File& source, const corvin_pcm_sink&
   corvin_convert_report report = {};
   report.size = sizeof report;
   check(corvin_convert_to_pcm(source.handle(), &settings, &sink, &report));
+  return report;
+}
+
+inline corvin_convert_report convert_to_dsd(const corvin_pcm_source& source, Writer& target,
+                                            const corvin_convert_settings& settings =
+                                                ConvertSettings()) {
+  corvin_convert_report report = {};
+  report.size = sizeof report;
+  check(corvin_convert_to_dsd(&source, target.handle(), &settings, &report));
+  return report;
+}
+
+inline corvin_convert_report convert_dsd_rate(File& source, Writer& target,
+                                              const corvin_convert_settings& settings =
+                                                  ConvertSettings()) {
+  corvin_convert_report report = {};
+  report.size = sizeof report;
+  check(corvin_convert_dsd_rate(source.handle(), target.handle(), &settings, &report));
   return report;
 }
 

@@ -2,7 +2,7 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin_studio.h
- *  The studio engine for C99 and C++: streaming DSD to PCM conversion, and with
+ *  The studio engine for C99 and C++: streaming conversion of DSD to PCM and of PCM to DSD, and with
  *  corvin_studio_files.h DSD files and whole conversions. corvin.h includes it.
  *
  *  Conventions, beyond those of corvin.h
@@ -196,6 +196,145 @@ CORVIN_API int corvin_decoder_get_report(const corvin_decoder* decoder,
  *  @return  the length of the whole description, CORVIN_E_ARGUMENT or CORVIN_E_MEMORY
  *  Since 0.1. */
 CORVIN_API int corvin_decoder_describe(const corvin_decoder* decoder, char* text, size_t size);
+
+/** How hard an encoder works for a low noise. Noise from 20 Hz to 20 kHz at DSD64 under a sine of 0
+ *  dBFS, re full modulation; at DSD256 and DSD512 all are the same. */
+typedef enum corvin_modulator {
+  CORVIN_MODULATOR_STANDARD = 0, /**< -154 dB */
+  CORVIN_MODULATOR_HIGH = 1,     /**< -160 dB, a search over four paths */
+  CORVIN_MODULATOR_BEST = 2      /**< -164 dB, a search over eight paths */
+} corvin_modulator;
+
+/** What an encoder is made of. */
+typedef struct corvin_encoder_settings {
+  size_t size;          /**< sizeof(corvin_encoder_settings), set by ..._defaults() */
+  uint32_t pcm_rate;    /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
+  uint32_t dsd_rate;    /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
+  uint32_t channels;    /**< 1..64. Default 2 */
+  uint32_t format;      /**< corvin_sample_format of the input. Default CORVIN_S24 */
+  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
+  uint32_t bit_order;   /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
+  uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
+                             corvin_encoder_pull(): 1 for byte-interleaved, 4096 for DSF; up to
+                             1048576. Default 1 */
+  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. One modulates a pair
+                             of channels, with the best modulator a single one, and others
+                             up-sample for them; more are not started. Default 0 */
+  uint32_t low_latency; /**< not 0: modulate each piece at once instead of gathering several to fill
+                             the processor's vectors; up to eight times the up-sampling's work.
+                             Default 0 */
+  uint32_t kernel_mask; /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
+                             0 the plain ones only. Changes the speed alone. Default all bits */
+  uint64_t length;      /**< frames to convert; what follows is taken and dropped. 0: all that is
+                             pushed. Default 0 */
+  double gain_db;       /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up to
+                             3 dB above that, what is louder meets a limiter. Default 0 */
+  uint64_t reserved[8]; /**< 0 */
+} corvin_encoder_settings;
+
+/** What came out so far, to the end of the piece of the stream that the last pull ended in. */
+typedef struct corvin_encoder_report {
+  size_t size;       /**< sizeof(corvin_encoder_report), set by the caller */
+  uint64_t samples;  /**< one-bit samples of each channel pulled, without those that fill up a block */
+  uint64_t limited;  /**< inputs of the modulators, at an eighth of the DSD rate, beyond the limiter's
+                          knee; of all channels */
+  uint64_t overloads; /**< times that a modulator lost lock and was caught; of all channels */
+  double peak;       /**< largest absolute input of a modulator, after the gain and before the
+                          limiter; 1.0 = full scale */
+} corvin_encoder_report;
+
+/** Converts one PCM stream to DSD. The band that it passes is flat to 95 % of half the lower one of
+ *  the PCM rate and an eighth of the DSD rate, and closed from that half on. */
+typedef struct corvin_encoder corvin_encoder;
+
+/** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_encoder_settings_defaults(corvin_encoder_settings* settings);
+
+/** Makes an encoder.
+ *  @param settings  copied
+ *  @param encoder   receives the handle, NULL on failure
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_UNSUPPORTED, CORVIN_E_MEMORY, CORVIN_E_THREAD
+ *  Takes a few milliseconds. Since 0.1. */
+CORVIN_API int corvin_encoder_create(const corvin_encoder_settings* settings,
+                                     corvin_encoder** encoder);
+
+/** Ends an encoder, with work in flight or not. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_encoder_destroy(corvin_encoder* encoder);
+
+/** Feeds frames, interleaved.
+ *  @param data    frames to take, may be NULL when `frames` is 0. Floating-point samples beyond full
+ *                 scale pass as they are up to 24 dB after the gain, louder ones count as that; what
+ *                 is no number counts as 0
+ *  @param frames  their number
+ *  @param taken   receives how many were taken. Fewer than `frames` when the encoder is full: pull,
+ *                 then push the rest
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish
+ *  Real time: without worker threads it never allocates, locks or blocks; it converts on the spot
+ *  whenever a piece of the stream is complete. Since 0.1. */
+CORVIN_API int corvin_encoder_push(corvin_encoder* encoder, const void* data, size_t frames,
+                                   size_t* taken);
+
+/** Feeds the samples of each channel from a place of its own: channels[channels]. Otherwise as
+ *  corvin_encoder_push(). Since 0.1. */
+CORVIN_API int corvin_encoder_push_planar(corvin_encoder* encoder, const void* const* channels,
+                                          size_t frames, size_t* taken);
+
+/** Ends the input: the rest of the output can now be pulled. What comes before the first and after
+ *  the last frame counts as digital zero. The stream ends with the one-bit sample before the time
+ *  that a further frame would have had; the rest of the last byte, and in corvin_encoder_pull() of
+ *  the last block, is filled with the silence pattern 0x69. Calling it again does nothing.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_encoder_finish(corvin_encoder* encoder);
+
+/** Takes finished DSD bytes of all channels in the layout that `block_bytes` says, from any point to
+ *  any point of it.
+ *  @param out    room for `bytes` bytes
+ *  @param bytes  the most to take
+ *  @param done   receives the number taken. 0 after finish means the end of the stream; before that,
+ *                more input is needed
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Real time: without worker threads it never allocates, locks or blocks. With them it waits only
+ *  when nothing is ready and the encoder can take no more input. Since 0.1. */
+CORVIN_API int corvin_encoder_pull(corvin_encoder* encoder, void* out, size_t bytes, size_t* done);
+
+/** Takes finished DSD bytes of each channel to a place of its own.
+ *  @param out    out[channels]
+ *  @param bytes  the most to take of each channel
+ *  @param done   receives the bytes taken of each channel
+ *  @return  as corvin_encoder_pull(); CORVIN_E_STATE also when that one has begun a block or a frame
+ *           of bytes and not ended it
+ *  Since 0.1. */
+CORVIN_API int corvin_encoder_pull_planar(corvin_encoder* encoder, uint8_t* const* out, size_t bytes,
+                                          size_t* done);
+
+/** Returns to the state after create, dropping everything on its way. With worker threads it waits
+ *  for those at work.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_encoder_reset(corvin_encoder* encoder);
+
+/** Returns the most one-bit samples by which what can be pulled lags behind what was pushed, without
+ *  worker threads; 0 for NULL. The samples themselves are not delayed: frame m is centred on the
+ *  sample m x dsd_rate / pcm_rate. Since 0.1. */
+CORVIN_API uint64_t corvin_encoder_latency(const corvin_encoder* encoder);
+
+/** Returns the one-bit samples per channel that a stream of `frames` frames makes: dsd_rate x frames
+ *  / pcm_rate, rounded up; 0 for NULL. Since 0.1. */
+CORVIN_API uint64_t corvin_encoder_samples(const corvin_encoder* encoder, uint64_t frames);
+
+/** Reports on what was pulled since create or reset.
+ *  @param report  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_encoder_get_report(const corvin_encoder* encoder,
+                                         corvin_encoder_report* report);
+
+/** Describes the stages of the conversion in a line each.
+ *  @param text  receives at most `size` bytes, always terminated; may be NULL when `size` is 0
+ *  @return  the length of the whole description, CORVIN_E_ARGUMENT or CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_encoder_describe(const corvin_encoder* encoder, char* text, size_t size);
 
 #ifdef __cplusplus
 }

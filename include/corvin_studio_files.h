@@ -201,13 +201,15 @@ CORVIN_API void corvin_writer_close(corvin_writer* writer);
 
 /* ---- Whole conversions ----------------------------------------------------------------------- */
 
-/** What a conversion is asked for. Fields mean what those of the decoder's settings do. */
+/** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's settings
+ *  do; each conversion looks at those that concern it. */
 typedef struct corvin_convert_settings {
   size_t size;           /**< sizeof(corvin_convert_settings), set by ..._defaults() */
-  uint32_t pcm_rate;     /**< Hz. Default 44100 */
-  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t pcm_rate;     /**< of PCM to come, Hz. Default 44100 */
+  uint32_t format;       /**< of PCM to come, corvin_sample_format. Default CORVIN_S24 */
   uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
   uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t modulator;    /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
   uint32_t threads;      /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
                               caller's. Default 0 */
   uint32_t kernel_mask;  /**< Default all bits */
@@ -215,8 +217,8 @@ typedef struct corvin_convert_settings {
   double pass_hz;        /**< Default 0 */
   double stop_hz;        /**< Default 0 */
   double gain_db;        /**< Default 0 */
-  /** Is told, on the caller's thread after each piece of the source, how many of its samples per
-   *  channel are read; returns 0 to go on, another value to cancel. NULL: nobody. Default NULL */
+  /** Is told, on the caller's thread after each piece of the source, how many of its samples or
+   *  frames are read; returns 0 to go on, another value to cancel. NULL: nobody. Default NULL */
   int (*progress)(void* user, uint64_t done, uint64_t total);
   void* progress_user;    /**< Default NULL */
   uint64_t reserved[16];  /**< 0 */
@@ -242,13 +244,31 @@ typedef struct corvin_pcm_sink {
   int (*write)(void* user, const void* frames, size_t count);
 } corvin_pcm_sink;
 
+/** Where PCM comes from. The calls come on the caller's thread. */
+typedef struct corvin_pcm_source {
+  size_t size;        /**< sizeof(corvin_pcm_source) */
+  uint32_t pcm_rate;  /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16 */
+  uint32_t channels;  /**< as many as the writer's */
+  uint32_t format;    /**< corvin_sample_format */
+  uint32_t reserved0; /**< 0 */
+  uint64_t frames;    /**< that will come, for the progress; 0: not known */
+  void* user;         /**< passed to each call */
+  /** Reads up to `count` interleaved frames and returns their number, 0 at the end, a negative
+   *  number on failure. */
+  int64_t (*read)(void* user, void* frames, size_t count);
+} corvin_pcm_source;
+
 /** How a conversion went. */
 typedef struct corvin_convert_report {
-  size_t size;      /**< sizeof(corvin_convert_report), set by the caller */
-  uint64_t frames;  /**< handed to the sink */
-  uint64_t clips;   /**< samples that met a limit of their integer format */
-  double peak;      /**< largest absolute sample after the gain, before limiting; 1.0 = full scale */
-  double gain_db;   /**< that was applied */
+  size_t size;        /**< sizeof(corvin_convert_report), set by the caller */
+  uint64_t frames;    /**< of PCM: handed to the sink, or taken from the source */
+  uint64_t samples;   /**< one-bit samples per channel handed to the writer */
+  uint64_t clips;     /**< PCM samples that met a limit of their integer format */
+  uint64_t limited;   /**< as in corvin_encoder_report */
+  uint64_t overloads; /**< as in corvin_encoder_report */
+  double peak;        /**< largest absolute sample after the gain, before limiting; 1.0 = full
+                           scale */
+  double gain_db;     /**< that was applied */
   uint64_t reserved[8];
 } corvin_convert_report;
 
@@ -266,6 +286,30 @@ CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settin
  *  Memory does not depend on the length. Since 0.1. */
 CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
                                      const corvin_pcm_sink* sink, corvin_convert_report* report);
+
+/** Converts PCM to DSD of the writer's rate and finishes the writer. The number of samples is that of
+ *  corvin_encoder_samples().
+ *  @param target    without sound so far
+ *  @param settings  NULL: the defaults
+ *  @param report    as for corvin_convert_to_pcm()
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT (also when the channels differ), CORVIN_E_MEMORY,
+ *           CORVIN_E_THREAD; CORVIN_E_UNSUPPORTED when there is no plan for the rates;
+ *           CORVIN_E_STATE when the writer has sound already; CORVIN_E_READ when the source failed;
+ *           CORVIN_E_WRITE, CORVIN_E_CANCELLED. After a failure the writer is not finished
+ *  Memory does not depend on the length. Since 0.1. */
+CORVIN_API int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target,
+                                     const corvin_convert_settings* settings,
+                                     corvin_convert_report* report);
+
+/** Converts a file's sound to DSD of the writer's rate, another one as a rule, and finishes the
+ *  writer. On the way it is PCM of a 32nd of the lower one of both rates: what lies above 95 % of
+ *  half of that, for DSD64 41.9 kHz, is mostly the noise of the source's modulator and goes.
+ *  The number of samples is the target's rate x samples / the source's rate, rounded up.
+ *  @return  as corvin_convert_to_dsd(), and the `readable` of the file's info. Tags are not copied
+ *  Since 0.1. */
+CORVIN_API int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
+                                       const corvin_convert_settings* settings,
+                                       corvin_convert_report* report);
 
 /** Copies a file's sound to a writer of the same rate and channel count, bit for bit, and finishes
  *  that. Tags are not copied: corvin_file_get_tags() and corvin_writer_set_tags() do that before.

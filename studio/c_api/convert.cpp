@@ -12,6 +12,7 @@
 
 #include "studio/c_api/file.h"
 #include "studio/c_api/stream_bytes.h"
+#include "studio/convert/to_dsd.h"
 #include "studio/convert/to_pcm.h"
 
 namespace corvin::studio {
@@ -46,6 +47,41 @@ int copy(corvin_file& source, corvin_writer& target, const corvin_convert_settin
   }
 }
 
+bool valid(const corvin_convert_report* report) {
+  return report == nullptr || report->size >= sizeof report->size;
+}
+
+// Runs a conversion, keeps exceptions in and hands out the report.
+template <class Conversion>
+int reported(corvin_convert_report* report, Conversion conversion) {
+  corvin_convert_report result = {};
+  int status = CORVIN_OK;
+  try {
+    status = conversion(result);
+  } catch (const std::system_error&) {
+    status = CORVIN_E_THREAD;
+  } catch (const std::exception&) {
+    status = CORVIN_E_MEMORY;
+  }
+  if (report != nullptr) {
+    result.size = report->size;
+    std::memcpy(report, &result, std::min(report->size, sizeof result));
+  }
+  return status;
+}
+
+bool has_sound(const corvin_writer& writer) {
+  return writer.finished || writer.sound->channel_bytes() != 0;
+}
+
+DsdTarget target_of(corvin_writer& writer) {
+  const corvin_writer_settings& settings = writer.settings;
+  return {settings.dsd_rate, settings.channels, settings.bit_order,
+          [&writer](const std::uint8_t* data, std::size_t bytes) {
+            return corvin_writer_write(&writer, data, bytes) == CORVIN_OK;
+          }};
+}
+
 }  // namespace
 }  // namespace corvin::studio
 
@@ -67,25 +103,53 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
   corvin_pcm_sink known_sink;
   if (source == nullptr || corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
       !corvin::studio::adopt(sink, known_sink) || known_sink.write == nullptr ||
-      (report != nullptr && report->size < sizeof report->size)) {
+      !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
-  corvin_convert_report result = {};
-  int status = CORVIN_OK;
-  try {
-    status = source->reader ? corvin::studio::convert_to_pcm(*source->source, source->sound, known,
-                                                             known_sink, result)
-                            : corvin::studio::status_of(source->sound.readable);
-  } catch (const std::system_error&) {
-    status = CORVIN_E_THREAD;
-  } catch (const std::exception&) {
-    status = CORVIN_E_MEMORY;
+  return corvin::studio::reported(report, [&](corvin_convert_report& result) {
+    if (!source->reader) return corvin::studio::status_of(source->sound.readable);
+    return corvin::studio::convert_to_pcm(*source->source, source->sound, known, known_sink,
+                                          result);
+  });
+}
+
+int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target,
+                          const corvin_convert_settings* settings, corvin_convert_report* report) {
+  corvin_convert_settings known;
+  corvin_pcm_source known_source;
+  if (target == nullptr || corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+      !corvin::studio::adopt(source, known_source) || known_source.read == nullptr ||
+      known_source.channels != target->settings.channels || !corvin::studio::valid(report)) {
+    return CORVIN_E_ARGUMENT;
   }
-  if (report != nullptr) {
-    result.size = report->size;
-    std::memcpy(report, &result, std::min(report->size, sizeof result));
+  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
+  return corvin::studio::reported(report, [&](corvin_convert_report& result) {
+    const int status = corvin::studio::convert_to_dsd(
+        known_source, corvin::studio::target_of(*target), known, result);
+    return status == CORVIN_OK ? corvin_writer_finish(target, result.samples) : status;
+  });
+}
+
+int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
+                            const corvin_convert_settings* settings,
+                            corvin_convert_report* report) {
+  corvin_convert_settings known;
+  if (source == nullptr || target == nullptr ||
+      corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+      !corvin::studio::valid(report)) {
+    return CORVIN_E_ARGUMENT;
   }
-  return status;
+  if (source->reader && target->settings.channels != source->sound.channels) {
+    return CORVIN_E_ARGUMENT;
+  }
+  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
+  return corvin::studio::reported(report, [&](corvin_convert_report& result) {
+    if (!source->reader) return corvin::studio::status_of(source->sound.readable);
+    const int status =
+        corvin::studio::convert_dsd_rate(*source->source, source->sound,
+                                         corvin::studio::target_of(*target), known, result);
+    return status == CORVIN_OK ? corvin_writer_finish(target, result.samples) : status;
+  });
 }
 
 int corvin_convert_copy(corvin_file* source, corvin_writer* target,
@@ -100,7 +164,7 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
       target->settings.channels != source->sound.channels) {
     return CORVIN_E_ARGUMENT;
   }
-  if (target->finished || target->sound->channel_bytes() != 0) return CORVIN_E_STATE;
+  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   try {
     return corvin::studio::copy(*source, *target, known);
   } catch (const std::exception&) {

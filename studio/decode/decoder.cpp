@@ -10,23 +10,18 @@
 #include <numeric>
 #include <utility>
 
-#include "formats/bit_order.h"
+#include "studio/stream_limits.h"
 
 namespace corvin::studio {
 namespace {
-
-constexpr std::uint32_t kMostChannels = 64;
-constexpr std::uint32_t kMostThreads = 64;
-constexpr std::uint32_t kLargestBlock = 1u << 20;
-constexpr std::size_t kWidestVector = 8;  // items that the widest build runs side by side
 
 bool in_range(const corvin_decoder_settings& s) {
   // Comparisons that a NaN fails.
   return s.channels >= 1 && s.channels <= kMostChannels && s.bit_order <= CORVIN_LSB_FIRST &&
          s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.format <= CORVIN_F64 &&
          s.dither <= CORVIN_DITHER_SHAPED && s.phase <= CORVIN_MINIMUM_PHASE &&
-         s.threads <= kMostThreads && s.gain_db >= -120 && s.gain_db <= 60 && s.pass_hz >= 0 &&
-         s.stop_hz >= 0 && std::isfinite(s.pass_hz) && std::isfinite(s.stop_hz);
+         s.threads <= kMostThreads && s.gain_db >= kLeastGainDb && s.gain_db <= kMostGainDb &&
+         s.pass_hz >= 0 && s.stop_hz >= 0 && std::isfinite(s.pass_hz) && std::isfinite(s.stop_hz);
 }
 
 std::size_t round_up(std::size_t value, std::size_t grain) {

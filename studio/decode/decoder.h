@@ -21,8 +21,8 @@
 #include "corvin.h"
 #include "studio/decode/block_filter.h"
 #include "studio/decode/sample_output.h"
-#include "studio/decode/worker_pool.h"
 #include "studio/plan/decode_plan.h"
+#include "studio/threads/worker_pool.h"
 
 namespace corvin::studio {
 

@@ -4,7 +4,10 @@
 // The builds that this library holds, from the lists that the build system writes.
 
 #include "studio/kernels/bit_fir.h"
+#include "studio/kernels/block_loop.h"
 #include "studio/kernels/fold_fir.h"
+#include "studio/kernels/interpolate.h"
+#include "studio/kernels/path_search.h"
 #include "studio/kernels/quantise.h"
 #include "studio/kernels/spectral.h"
 
@@ -33,8 +36,17 @@ std::uint32_t detected_features() {
 #define CORVIN_VARIANT(name) extern const SpectralVariant name;
 #include "spectral_variants.inc"
 #undef CORVIN_VARIANT
+#define CORVIN_VARIANT(name) extern const InterpolateVariant name;
+#include "interpolate_variants.inc"
+#undef CORVIN_VARIANT
 #define CORVIN_VARIANT(name) extern const QuantiseVariant name;
 #include "quantise_variants.inc"
+#undef CORVIN_VARIANT
+#define CORVIN_VARIANT(name) extern const BlockLoopVariant name;
+#include "block_loop_variants.inc"
+#undef CORVIN_VARIANT
+#define CORVIN_VARIANT(name) extern const PathSearchVariant name;
+#include "path_search_variants.inc"
 #undef CORVIN_VARIANT
 
 #define CORVIN_VARIANT(name) &name,
@@ -60,9 +72,30 @@ const SpectralVariant& choose_spectral(std::uint32_t features) {
   return best_variant(kVariants, features);
 }
 
+const InterpolateVariant& choose_interpolate(std::uint32_t features) {
+  static constexpr const InterpolateVariant* kVariants[] = {
+#include "interpolate_variants.inc"
+  };
+  return best_variant(kVariants, features);
+}
+
 const QuantiseVariant& choose_quantise(std::uint32_t features) {
   static constexpr const QuantiseVariant* kVariants[] = {
 #include "quantise_variants.inc"
+  };
+  return best_variant(kVariants, features);
+}
+
+const BlockLoopVariant& choose_block_loop(std::uint32_t features) {
+  static constexpr const BlockLoopVariant* kVariants[] = {
+#include "block_loop_variants.inc"
+  };
+  return best_variant(kVariants, features);
+}
+
+const PathSearchVariant& choose_path_search(std::uint32_t features) {
+  static constexpr const PathSearchVariant* kVariants[] = {
+#include "path_search_variants.inc"
   };
   return best_variant(kVariants, features);
 }

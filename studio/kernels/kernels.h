@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// One build of each kernel of the decoder.
+// One build of each kernel of the rate conversions.
 
 #ifndef CORVIN_STUDIO_KERNELS_KERNELS_H_
 #define CORVIN_STUDIO_KERNELS_KERNELS_H_
 
 #include "studio/kernels/bit_fir.h"
 #include "studio/kernels/fold_fir.h"
+#include "studio/kernels/interpolate.h"
 #include "studio/kernels/quantise.h"
 #include "studio/kernels/spectral.h"
 
@@ -18,13 +19,14 @@ struct Kernels {
   const FoldFirVariant* fold_fir;
   const SpectralVariant* spectral;
   const QuantiseVariant* quantise;
+  const InterpolateVariant* interpolate;
 };
 
 /// The best builds among those whose needs lie in what the processor has and `mask` allows.
 inline Kernels choose_kernels(std::uint32_t mask) {
   const std::uint32_t features = detected_features() & mask;
   return {&choose_bit_fir(features), &choose_fold_fir(features), &choose_spectral(features),
-          &choose_quantise(features)};
+          &choose_quantise(features), &choose_interpolate(features)};
 }
 
 }  // namespace corvin::studio

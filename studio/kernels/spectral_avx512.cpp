@@ -24,30 +24,10 @@
 namespace corvin::studio {
 namespace {
 
-using Vec = __m512d;
-constexpr unsigned kLanes = 8;
+#include "studio/kernels/doubles_avx512.inc"
 
-inline Vec broadcast(double value) { return _mm512_set1_pd(value); }
 inline Vec from_int(const std::int32_t* in) {
   return _mm512_cvtepi32_pd(*reinterpret_cast<const __m256i*>(in));
-}
-inline void store(double* out, Vec value) { _mm512_storeu_pd(out, value); }
-inline void transpose(Vec (&r)[kLanes]) {
-  Vec pairs[kLanes];
-  for (unsigned i = 0; i < 4; ++i) {
-    pairs[2 * i] = _mm512_unpacklo_pd(r[2 * i], r[2 * i + 1]);
-    pairs[2 * i + 1] = _mm512_unpackhi_pd(r[2 * i], r[2 * i + 1]);
-  }
-  for (unsigned odd = 0; odd < 2; ++odd) {
-    const Vec a = _mm512_shuffle_f64x2(pairs[odd], pairs[2 + odd], 0x88);  // lanes 0, 4
-    const Vec b = _mm512_shuffle_f64x2(pairs[odd], pairs[2 + odd], 0xdd);  // lanes 2, 6
-    const Vec c = _mm512_shuffle_f64x2(pairs[4 + odd], pairs[6 + odd], 0x88);
-    const Vec d = _mm512_shuffle_f64x2(pairs[4 + odd], pairs[6 + odd], 0xdd);
-    r[odd] = _mm512_shuffle_f64x2(a, c, 0x88);
-    r[2 + odd] = _mm512_shuffle_f64x2(b, d, 0x88);
-    r[4 + odd] = _mm512_shuffle_f64x2(a, c, 0xdd);
-    r[6 + odd] = _mm512_shuffle_f64x2(b, d, 0xdd);
-  }
 }
 
 #include "studio/kernels/spectral_body.inc"

@@ -19,18 +19,10 @@
 namespace corvin::studio {
 namespace {
 
-using Vec = __m128d;
-constexpr unsigned kLanes = 2;
+#include "studio/kernels/doubles_sse2.inc"
 
-inline Vec broadcast(double value) { return _mm_set1_pd(value); }
 inline Vec from_int(const std::int32_t* in) {
   return _mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(in)));
-}
-inline void store(double* out, Vec value) { _mm_storeu_pd(out, value); }
-inline void transpose(Vec (&r)[kLanes]) {
-  const Vec first = r[0];
-  r[0] = _mm_unpacklo_pd(first, r[1]);
-  r[1] = _mm_unpackhi_pd(first, r[1]);
 }
 
 #include "studio/kernels/spectral_body.inc"

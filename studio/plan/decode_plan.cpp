@@ -10,6 +10,8 @@
 #include <numeric>
 
 #include "studio/plan/exact_math.h"
+#include "studio/plan/rate_family.h"
+#include "studio/plan/spectral_shape.h"
 
 namespace corvin::studio {
 namespace {
@@ -22,20 +24,6 @@ constexpr double kNarrowestTransition = 0.03;
 constexpr double kSpread = 20;
 // 50 % modulation is full scale.
 constexpr double kFullScale = 2.0;
-
-struct Family {
-  std::uint32_t base;  // 44100 or 48000
-  unsigned doublings;
-};
-
-std::optional<Family> family_of(std::uint32_t rate, unsigned most_doublings) {
-  for (std::uint32_t base : {44100u, 48000u}) {
-    for (unsigned k = 0; k <= most_doublings; ++k) {
-      if (rate == base << k) return Family{base, k};
-    }
-  }
-  return std::nullopt;
-}
 
 // The three shapes of the block transform. Sizes around 4096 are the fastest whose buffers still
 // leave room in a second-level cache.
@@ -123,8 +111,6 @@ void fill_response(DecodePlan& plan, const std::vector<double>& steep_bins, doub
   const double scale = kFullScale / (static_cast<double>(points) * gain);
   // Boxcars with turned zeros do not have a gain of 1 at 0.
   double flat = plan.bit_boxcars.amplitude(0);
-  shape.source.assign(kept, 0);
-  shape.response.assign(2 * kept, 0.0);
   for (std::size_t bin = 0; bin < kept / 2; ++bin) {
     const double hz = static_cast<double>(bin) * rate / static_cast<double>(points);
     double droop = plan.bit_boxcars.amplitude(hz / plan.config.dsd_rate) / flat;
@@ -132,21 +118,8 @@ void fill_response(DecodePlan& plan, const std::vector<double>& steep_bins, doub
       const double fold_rate = rate * plan.fold_boxcars->decimation();
       droop *= plan.fold_boxcars->amplitude(hz / fold_rate);
     }
-    const SineCosine ramp =
-        sine_cosine(2 * kPi * static_cast<double>(bin) * ramp_rows / static_cast<double>(points));
-    const double re = steep_bins[2 * bin] * scale / droop;
-    const double im = steep_bins[2 * bin + 1] * scale / droop;
-    const double factor[2] = {re * ramp.cosine - im * ramp.sine, re * ramp.sine + im * ramp.cosine};
-    // The other half is the conjugate; the bin in the middle stays 0, its source any.
-    const std::size_t place = shape.inverse.position(bin);
-    shape.source[place] = static_cast<std::uint32_t>(shape.forward.position(bin));
-    shape.response[2 * place] = factor[0];
-    shape.response[2 * place + 1] = factor[1];
-    if (bin == 0) continue;
-    const std::size_t mirror = shape.inverse.position(kept - bin);
-    shape.source[mirror] = static_cast<std::uint32_t>(shape.forward.position(points - bin));
-    shape.response[2 * mirror] = factor[0];
-    shape.response[2 * mirror + 1] = -factor[1];
+    set_bin(shape, bin, steep_bins[2 * bin] * scale / droop,
+            steep_bins[2 * bin + 1] * scale / droop, ramp_rows);
   }
 }
 
@@ -161,9 +134,9 @@ std::uint64_t frames_of(std::uint64_t samples, std::uint32_t dsd_rate, std::uint
 
 std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   DecodePlanConfig config = wanted;
-  const auto dsd = family_of(config.dsd_rate, 9);
-  const auto pcm = family_of(config.pcm_rate, 4);
-  if (!dsd || !pcm || dsd->doublings < 6) return std::nullopt;
+  const auto dsd = dsd_family(config.dsd_rate);
+  const auto pcm = pcm_family(config.pcm_rate);
+  if (!dsd || !pcm) return std::nullopt;
   const double half = config.pcm_rate / 2.0;
   if (config.stop_hz == 0) config.stop_hz = half;
   if (config.pass_hz == 0) config.pass_hz = config.stop_hz - (1 - kFullBandwidth) * half;
@@ -205,8 +178,7 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   const std::vector<double> steep =
       kaiser_low_pass(rate, config.pass_hz, config.stop_hz, kAttenuationDb);
   plan.steep_taps = steep.size();
-  plan.shape.forward = make_fft_plan(sizes.forward);
-  plan.shape.inverse = make_fft_plan(sizes.inverse);
+  plan.shape = make_spectral_shape(sizes.forward, sizes.inverse);
   const bool minimum = config.phase == Phase::kMinimum;
   const std::vector<double> steep_bins =
       minimum ? bin_response(steep, make_fft_plan(kMinimumPhaseGrid * sizes.forward), config.phase)

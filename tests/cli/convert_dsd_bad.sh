@@ -15,14 +15,16 @@ refused() {
 for name in out/out out/out.wav out/dsf /dev/full ""; do try corvin convert in.wav -o "$name"; done
 try corvin convert in.wav -o out/out.dsf
 try corvin convert in.wav -o out/out.dsf -b 24
-for rate in dsd32 dsd dsd64x 44100 2822399 12288001 -1 x; do
+for rate in dsd32 dsd dsd64x 44100 3000000 24576001 -1 x; do
   try corvin convert in.wav -o out/out.dsf -r $rate
 done
 make_wav many.wav 0.01 44100 8
 try corvin convert many.wav -o out/many.dsf
 make_dsd dsf in.dsf 0.01
-try corvin convert in.dsf -o out/new.dff
+try corvin convert in.dsf -o out/new.dff -b 16
+try corvin convert in.dsf -o out/new.dff -r 44100
 try corvin convert in.dsf -o out/new.wav -r dsd64
+try corvin convert in.dsf -o out/new.wav --modulator best
 ln -s in.wav link.dsf
 try corvin convert in.wav -o link.dsf -y
 
@@ -31,7 +33,6 @@ make_wav low.wav 0.1 32000
 make_wav nine.wav 0.1 44100 9
 refused low.wav -o out/out.dsf
 refused nine.wav -o out/out.dsf
-refused in.wav -o out/out.dsf -r 3000000
 
 # Damaged files: what is left of the sound is worth having.
 head -c 30 in.wav >stub.wav

@@ -52,8 +52,8 @@ for path in "in.flac.dsf", "id3.wav.dsf":
 PYTHON
 
 # What another writer has put in: version 2.4, in both kinds of file, comments in any language.
-cp in.dff other.dff
-cp id3.wav.dsf other.dsf
+corvin convert in.wav -o other.dff >/dev/null
+cp in.wav.dsf other.dsf
 /usr/bin/python3 - <<'PYTHON'
 from mutagen.dsdiff import DSDIFF
 from mutagen.dsf import DSF
@@ -63,7 +63,6 @@ for path, kind in ("other.dff", DSDIFF), ("other.dsf", DSF):
     file = kind(path)
     if file.tags is None:
         file.add_tags()
-    file.tags.clear()
     file.tags.add(TIT2(encoding=3, text="Fünf"))
     file.tags.add(TDRC(encoding=3, text="2004-05-06"))
     file.tags.add(COMM(encoding=1, lang="eng", desc="what", text="not this"))

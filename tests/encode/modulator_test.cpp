@@ -19,19 +19,19 @@ using corvin::testing::Bits;
 
 constexpr double kPi = std::numbers::pi;
 
-Bits Bitstream(const std::vector<float>& in, int interpolation, bool lsb_first = false) {
+Bits Bitstream(const std::vector<float>& in, int interpolation) {
   double state[8] = {};
   std::vector<char> bytes(in.size() / 8);
-  Modulate(in.data(), static_cast<int>(bytes.size()), DesignModulator(interpolation), state,
-           lsb_first, 1, bytes.data());
+  Modulate(in.data(), static_cast<int>(bytes.size()), DesignModulator(interpolation), state, false,
+           1, bytes.data());
   Bits bits;
   for (const char byte : bytes)
-    for (int i = 0; i < 8; ++i) bits.push_back(byte >> (lsb_first ? i : 7 - i) & 1 ? 1 : -1);
+    for (int i = 0; i < 8; ++i) bits.push_back(byte >> (7 - i) & 1 ? 1 : -1);
   return bits;
 }
 
-// The error reaches the output through (D(z) - sum A z^-k) / D(z): its zeros and poles are looked up
-// on the design, not on the way it was computed.
+// The error reaches the output through (D(z) - sum A z^-k) / D(z): its zeros and poles are looked
+// up on the design, not on the way it was computed.
 TEST(Modulator, ShapesNoiseWithTheStatedZerosAndPoles) {
   for (const int interpolation : {512, 64, 1}) {
     const ModulatorCoefficients c = DesignModulator(interpolation);
@@ -96,7 +96,10 @@ TEST(Modulator, OverloadHoldsAndComesBack) {
   constexpr double kRate = 2822400;
   std::vector<float> in(8 * 50000);
   for (std::size_t i = 0; i < in.size(); ++i)
-    in[i] = i < in.size() / 4 ? 3.0f : static_cast<float>(0.25 * std::sin(2 * kPi * 1000 * static_cast<double>(i) / kRate));
+    in[i] =
+        i < in.size() / 4
+            ? 3.0f
+            : static_cast<float>(0.25 * std::sin(2 * kPi * 1000 * static_cast<double>(i) / kRate));
   const Bits bits = Bitstream(in, 512);
   // Beyond what it can follow it says so with ones.
   for (std::size_t i = 1000; i < in.size() / 4; ++i) ASSERT_EQ(bits[i], 1);

@@ -10,12 +10,11 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "corvin.h"
+#include "tests/support/temp_file.h"
 
 namespace {
 
@@ -36,11 +35,6 @@ bool Installed(const std::string& tool) {
   int status = 0;
   Output("command -v " + tool, status);
   return status == 0;
-}
-
-std::string ReadFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
 class Witness : public testing::Test {
@@ -64,9 +58,9 @@ class Witness : public testing::Test {
     format.mChannelsPerFrame = 2;
     format.mBitsPerChannel = 16;
     fs::path path = folder_ / (std::to_string(frames) + (mode == 1 ? ".dff" : ".dsf"));
-    EXPECT_EQ(PCMtoDSD(mode, 4LL * frames, pcm, path.c_str(), 2822400, nullptr, format, nullptr,
-                       nullptr),
-              0);
+    EXPECT_EQ(
+        PCMtoDSD(mode, 4LL * frames, pcm, path.c_str(), 2822400, nullptr, format, nullptr, nullptr),
+        0);
     std::fclose(pcm);
     return path;
   }
@@ -79,10 +73,10 @@ TEST_F(Witness, MediaInspectorReadsTheHeaders) {
   for (const int mode : {1, 2}) {
     const fs::path path = Encode(mode, 44100);
     int status = 0;
-    const std::string audio = Output(
-        "mediainfo '--Inform=Audio;%Format% %SamplingRate% %Channel(s)% %Duration%' " +
-            path.string(),
-        status);
+    const std::string audio =
+        Output("mediainfo '--Inform=Audio;%Format% %SamplingRate% %Channel(s)% %Duration%' " +
+                   path.string(),
+               status);
     EXPECT_EQ(audio.rfind("DSD 2822400 2 1000", 0), 0u) << audio;
     EXPECT_EQ(Output("mediainfo '--Inform=General;%Format%' " + path.string(), status),
               mode == 1 ? "DSDIFF\n" : "DSF\n");
@@ -95,14 +89,16 @@ TEST_F(Witness, ArchiverGivesBackEveryByte) {
   for (const int mode : {1, 2}) {
     for (const int frames : {512, 5001}) {
       const fs::path path = Encode(mode, frames);
-      const fs::path packed = folder_ / "packed.wv", back = folder_ / ("back" + path.extension().string());
+      const fs::path packed = folder_ / "packed.wv",
+                     back = folder_ / ("back" + path.extension().string());
       int status = 0;
-      const std::string said = Output("wavpack -q -y " + path.string() + " -o " + packed.string() +
-                                          " && wvunpack -q -y " + packed.string() + " -o " +
-                                          back.string(),
-                                      status);
+      const std::string said =
+          Output("wavpack -q -y " + path.string() + " -o " + packed.string() +
+                     " && wvunpack -q -y " + packed.string() + " -o " + back.string(),
+                 status);
       EXPECT_EQ(status, 0) << said;
-      EXPECT_TRUE(ReadFile(back) == ReadFile(path)) << path << said;
+      EXPECT_TRUE(corvin::testing::ReadFile(back) == corvin::testing::ReadFile(path))
+          << path << said;
     }
   }
 }

@@ -5,12 +5,9 @@
 #include <sys/stat.h>
 
 #include <cstring>
-#include <functional>
 #include <string>
-#include <utility>
 
 #include "corvin.h"
-#include "formats/dsd_header.h"
 #include "tests/support/dsd_files.h"
 #include "tests/support/temp_file.h"
 
@@ -18,7 +15,7 @@ namespace {
 
 using namespace corvin::testing;
 
-/// The fields that the query always sets; the record is dirty before.
+/// The fields that the query always sets.
 struct Answer {
   std::uint32_t format, channels, rate, bits;
   std::uint64_t samples;
@@ -31,200 +28,128 @@ void PrintTo(const Answer& a, std::ostream* os) {
       << " bits, " << a.samples << " samples, block " << a.block << "}";
 }
 
-DSD_INFO QueryRecord(const char* path, std::uint32_t format, int expected) {
-  DSD_INFO info;
-  std::memset(&info, 0xee, sizeof info);
-  info.format = format;
-  EXPECT_EQ(DSDInfo(path, &info), expected);
-  return info;
-}
-
-Answer Query(const Bytes& bytes, std::uint32_t format = 0) {
-  const TempFile file(bytes);
-  const DSD_INFO i = QueryRecord(file.path(), format, 0);
+/// The record is dirty before.
+Answer QueryPath(const char* path, std::uint32_t format, int result) {
+  DSD_INFO i;
+  std::memset(&i, 0xee, sizeof i);
+  i.format = format;
+  EXPECT_EQ(DSDInfo(path, &i), result);
   return {i.format,        i.channels,    i.samplingFrequency,
           i.bitsPerSample, i.sampleCount, i.blockSizePerChannel};
 }
 
-constexpr std::uint32_t kRate = 5644800;
-
-TEST(DsdInfo, ReadsEachKind) {
-  const Bytes payload(6000, 0x69);
-  EXPECT_EQ(Query(DsdiffFile(2, kRate, payload)), (Answer{1, 2, kRate, 1, 24000, 4096}));
-  EXPECT_EQ(Query(DsfFile(2, kRate, payload)), (Answer{2, 2, kRate, 1, 24000, 4096}));
-  EXPECT_EQ(Query(OneBitFile(2, kRate, payload)), (Answer{3, 2, kRate, 1, 24000, 4096}));
-  EXPECT_EQ(Query(DsfFile(6, kRate, payload, {.block_bytes = 512, .bits_per_sample = 8})),
-            (Answer{2, 6, kRate, 8, 8000, 512}));
+Answer Query(const Bytes& bytes, std::uint32_t format = 0) {
+  return QueryPath(TempFile(bytes).path(), format, 0);
 }
 
-TEST(DsdInfo, FilesThatAreNoDsdFiles) {
-  const Answer nothing{7, 0, 0, 0, 0, 4096};
-  EXPECT_EQ(Query({}, 7), nothing);
-  EXPECT_EQ(Query({'D', 'S', 'D'}, 7), nothing);
-  EXPECT_EQ(Query(Bytes(500, 'x'), 7), nothing);
+constexpr std::uint32_t kRate = 5644800;
+const Bytes kSound(800, 0x69);
 
+Bytes Dsdiff(const DsdiffOptions& options, std::uint16_t channels = 2) {
+  return DsdiffFile(channels, kRate, kSound, options);
+}
+
+TEST(DsdInfo, ReadsEachKind) {
+  EXPECT_EQ(Query(Dsdiff({})), (Answer{1, 2, kRate, 1, 3200, 4096}));
+  EXPECT_EQ(Query(OneBitFile(2, kRate, kSound)), (Answer{3, 2, kRate, 1, 3200, 4096}));
+  EXPECT_EQ(Query(DsfFile(6, kRate, kSound, {.block_bytes = 512, .bits_per_sample = 8})),
+            (Answer{2, 6, kRate, 8, 1064, 512}));
+}
+
+TEST(DsdInfo, WhatIsNoDsdFileLeavesTheKindAndNoFigures) {
+  const Answer nothing{7, 0, 0, 0, 0, 4096};
+  for (const Bytes& bytes : {Bytes{}, Bytes{'D', 'S', 'D'}, Bytes(500, 'x')})
+    EXPECT_EQ(Query(bytes, 7), nothing);
   const TempFile absent;
-  const auto refused = [&](const char* path) {
-    const DSD_INFO info = QueryRecord(path, 7, -1);
-    EXPECT_EQ(info.format, 7u);
-    EXPECT_EQ(info.channels + info.samplingFrequency + info.bitsPerSample + info.sampleCount, 0u);
-    EXPECT_EQ(info.compressionName[0], 0);
-    EXPECT_EQ(info.compressionName[1], '\xee');
-    EXPECT_EQ(info.blockSizePerChannel, 4096u);
-  };
-  refused(absent.path());
-  refused(::testing::TempDir().c_str());
+  EXPECT_EQ(QueryPath(absent.path(), 7, -1), nothing);
+  EXPECT_EQ(QueryPath(::testing::TempDir().c_str(), 7, -1), nothing);
   ASSERT_EQ(mkfifo(absent.path(), 0600), 0);
-  refused(absent.path());  // without waiting for a writer
+  EXPECT_EQ(QueryPath(absent.path(), 7, -1), nothing) << "without waiting for a writer";
 }
 
 // Hosts may rely on a damaged first word being made good by the record.
 TEST(DsdInfo, UnknownFirstWordIsReadAsTheKindInTheRecord) {
-  const Bytes payload(800, 0x69);
-  Bytes file = OneBitFile(2, kRate, payload);
+  Bytes file = OneBitFile(2, kRate, kSound);
   file[0] = '?';
   EXPECT_EQ(Query(file, 3), (Answer{3, 2, kRate, 1, 3200, 4096}));
   // From the fifth byte on: the form header is then a chunk to skip.
   Bytes chunks{'?', '?', '?', '?'};
-  Append(chunks, DsdiffFile(2, kRate, payload)).erase(chunks.begin() + 4, chunks.begin() + 20);
+  Append(chunks, Dsdiff({})).erase(chunks.begin() + 4, chunks.begin() + 20);
   EXPECT_EQ(Query(chunks, 1), (Answer{1, 2, kRate, 1, 3200, 4096}));
 }
 
-TEST(DsdInfo, DsfChunkBeforeTheFormatIsSkippedByItsSizeFromTheHeadersEnd) {
-  const Bytes payload(800, 0x69);
-  // A size that counts the header overshoots by 12 bytes, right into the next chunk...
-  EXPECT_EQ(Query(DsfFile(2, kRate, payload, {.before_fmt = DsfChunk("xtra", Bytes(20))})).channels,
-            0u);
-  // ... and one that does not count it leads to the format.
-  EXPECT_EQ(
-      Query(DsfFile(2, kRate, payload, {.before_fmt = DsfChunk("xtra", Bytes(20), 20)})).channels,
-      2u);
-}
-
-TEST(DsdInfo, DsdiffCompressionTypeNamesTheSoundChunk) {
-  const Bytes payload(1411200 / 8, 0x69);
-  EXPECT_EQ(Query(DsdiffFile(2, kRate, payload, {.compression_type = "DST "})).samples,
-            5644800u / 8);
-  EXPECT_EQ(Query(DsdiffFile(2, kRate, payload, {.compression_chunk = false})).samples, 0u);
-  // An id of four zero bytes is no sound chunk before a compression type is known.
-  EXPECT_EQ(
-      Query(DsdiffFile(2, kRate, payload,
-                       {.compression_chunk = false, .compression_type = std::string(4, '\0')}))
-          .samples,
-      0u);
-}
-
-TEST(DsdInfo, DsdiffCompressionNames) {
-  const Bytes payload(800, 0x69);
-  // 11 and 15 need no pad byte, 14 does; 255 is the longest.
-  for (const std::size_t length : {0, 1, 11, 14, 15, 254, 255}) {
+TEST(DsdInfo, CompressionNamesComeWithoutATerminator) {
+  // 14 needs a pad byte; 255 is the longest.
+  for (const std::size_t length : {0, 14, 15, 255}) {
     const std::string name(length, 'n');
-    const TempFile file(DsdiffFile(2, kRate, payload, {.compression_name = name}));
-    const DSD_INFO info = QueryRecord(file.path(), 0, 0);
+    DSD_INFO info;
+    std::memset(&info, 0xee, sizeof info);
+    EXPECT_EQ(DSDInfo(TempFile(Dsdiff({.compression_name = name})).path(), &info), 0);
     EXPECT_EQ(info.sampleCount, 3200u) << length;
     EXPECT_EQ(std::string(info.compressionName, length), name);
-    EXPECT_EQ(info.compressionName[length], length == 0 ? '\0' : '\xee') << "terminated";
+    EXPECT_EQ(info.compressionName[length], length == 0 ? '\0' : '\xee');
   }
-  // A size that does not count the pad byte, and one that reaches further than the name.
-  EXPECT_EQ(Query(DsdiffFile(2, kRate, payload, {.compression_size = 19})).samples, 3200u);
-  EXPECT_EQ(Query(DsdiffFile(2, kRate, payload, {.name_length = 3})).samples, 3200u);
 }
 
-// Our own headers carry figures of a stereo file for every channel count.
-TEST(DsdInfo, OurOwnHeaders) {
-  using namespace corvin::formats;
-  const auto query = [](ContainerKind kind, std::uint32_t channels) {
-    const DsdHeader header{channels, kRate, 44100, 44100};
-    const TempFile file;
-    const StreamPointer stream(std::fopen(file.path(), "wb"));
-    EXPECT_TRUE(WriteDsdHeader(stream.get(), kind, header));
-    std::fseek(stream.get(), static_cast<long>(SoundBytes(header) * channels - 1), SEEK_CUR);
-    std::fputc(0, stream.get());
-    std::fflush(stream.get());
-    const DSD_INFO info = QueryRecord(file.path(), 0, 0);
-    return std::pair(info.channels, info.sampleCount);
+TEST(DsdInfo, OddAndLyingTables) {
+  const Bytes note = DsdiffChunk("NOTE", Bytes(30));
+  const Bytes stray = DsfChunk("xtra", Bytes(20));
+  const Bytes uncounted = DsfChunk("xtra", Bytes(20), 20);
+  const std::uint64_t huge = UINT64_MAX / 8 + 101;  // wraps to a length that would do
+  const std::string zeros(4, '\0');
+  const auto negative = [](int offset) {
+    return DsdiffChunk("NOTE", {}, UINT64_MAX - static_cast<unsigned>(offset));
   };
-  using Answered = std::pair<std::uint32_t, std::uint64_t>;
-  for (const std::uint32_t channels : {1u, 2u, 8u}) {
-    EXPECT_EQ(query(kDsf, channels), Answered(2, kRate));
-    EXPECT_EQ(query(kOneBit, channels), Answered(channels, kRate));
-    // The channel ids are one short beyond two channels, which hides the sound.
-    EXPECT_EQ(query(kDsdiff, channels), Answered(channels, channels > 2 ? 0 : kRate));
-  }
-}
-
-TEST(DsdInfo, DsdiffPropertySizesOfAStereoFile) {
-  for (const int count : {1, 2, 6}) {
-    const auto channels = static_cast<std::uint16_t>(count);
-    const DsdiffOptions options{.channels_size = 10,
-                                .properties_size = 94,
-                                .properties_last = DsdiffChunk("ABSS", Bytes(8))};
-    EXPECT_EQ(Query(DsdiffFile(channels, kRate, Bytes(channels * 100), options)),
-              (Answer{1, channels, kRate, 1, 800, 4096}));
-  }
-}
-
-TEST(DsdInfo, DsdiffOddTables) {
+  const auto one_bit = [](std::uint8_t channels, const OneBitOptions& options = {}) {
+    return OneBitFile(channels, kRate, kSound, options);
+  };
   struct Row {
     const char* what;
-    DsdiffOptions options;
+    Bytes file;
     std::uint32_t channels;
     std::uint64_t samples;
   };
-  const Bytes note = DsdiffChunk("NOTE", Bytes(30));
-  const std::uint64_t huge = UINT64_MAX / 8 + 1;
   const Row rows[] = {
-      {"other chunks", {.before_properties = note, .before_sound = note}, 2, 3200},
-      {"other sub-chunks", {.properties_first = note, .properties_last = note}, 2, 3200},
-      {"properties reach into the sound", {.properties_size = 5000}, 2, 3200},
-      {"properties without sub-chunks", {.properties_size = 0}, 0, 0},
-      {"negative properties", {.properties_size = UINT64_MAX}, 0, 0},
-      {"empty sub-chunk ends the properties", {.properties_first = DsdiffChunk("NOTE", {})}, 0, 0},
-      {"known sub-chunk past the properties ends them", {.channels_size = 5000}, 2, 0},
-      {"sub-chunk past the properties",
-       {.properties_last = DsdiffChunk("NOTE", Bytes(9), 9000)},
-       2,
+      {"other chunks", Dsdiff({.before_properties = note, .before_sound = note}), 2, 3200},
+      {"other sub-chunks", Dsdiff({.properties_first = note, .properties_last = note}), 2, 3200},
+      {"stereo sizes, mono", Dsdiff({.channels_size = 10, .properties_size = 94}, 1), 1, 6400},
+      {"stereo sizes, 6 channels", Dsdiff({.channels_size = 10, .properties_size = 94}, 6), 6,
+       1066},
+      // Our own files of more than two channels: the ids are one short, which hides the sound.
+      {"ids short of the channels",
+       Dsdiff({.stated_channels = 3, .channels_size = 10, .properties_size = 94}), 3, 0},
+      {"properties reach into the sound", Dsdiff({.properties_size = 5000}), 2, 3200},
+      {"properties without sub-chunks", Dsdiff({.properties_size = 0}), 0, 0},
+      {"negative properties", Dsdiff({.properties_size = UINT64_MAX}), 0, 0},
+      {"empty sub-chunk ends", Dsdiff({.properties_first = DsdiffChunk("NOTE", {})}), 0, 0},
+      {"known sub-chunk past the properties ends them", Dsdiff({.channels_size = 5000}), 2, 0},
+      {"negative sub-chunk", Dsdiff({.properties_last = negative(11)}), 2, 0},
+      {"chunk past the end", Dsdiff({.before_sound = DsdiffChunk("NOTE", {}, 9000)}), 2, 0},
+      {"negative chunk", Dsdiff({.before_sound = negative(11)}), 2, 0},
+      {"more channels than the file has bytes", Dsdiff({.stated_channels = 65535}), 65535, 0},
+      {"more chunks than any file has", Dsdiff({.before_sound = Bytes(12 << 16)}), 2, 0},
+      {"no channels: the length of all together", Dsdiff({}, 0), 0, 6400},
+      {"sound past the end counts as stated", Dsdiff({.sound_size = 1411200}), 2, 5644800},
+      {"sound that cannot be counted", Dsdiff({.sound_size = huge}), 2, 0},
+      {"compression type names the sound", Dsdiff({.compression_type = "DST "}), 2, 3200},
+      {"no type, so no sound", Dsdiff({.compression_chunk = false}), 2, 0},
+      {"nor one of four zeros", Dsdiff({.compression_chunk = false, .compression_type = zeros}), 2,
        0},
-      {"negative sub-chunk", {.properties_last = DsdiffChunk("NOTE", {}, UINT64_MAX - 11)}, 2, 0},
-      {"chunk past the end", {.before_sound = DsdiffChunk("NOTE", {}, 9000)}, 2, 0},
-      {"negative chunk", {.before_sound = DsdiffChunk("NOTE", {}, UINT64_MAX - 11)}, 2, 0},
-      {"largest chunk", {.before_sound = DsdiffChunk("NOTE", {}, INT64_MAX)}, 2, 0},
-      {"no channels", {.stated_channels = 0, .properties_last = note}, 0, 0},
-      {"more channels than ids", {.stated_channels = 65535}, 65535, 0},
-      {"sound past the end counts as stated", {.sound_size = 1411200}, 2, 5644800},
-      {"sound that cannot be counted", {.sound_size = huge}, 2, 0},
-      {"negative sound", {.sound_size = UINT64_MAX - 11}, 2, 0},
+      {"compression size without its pad byte", Dsdiff({.compression_size = 19}), 2, 3200},
+      {"compression size beyond the name", Dsdiff({.name_length = 3}), 2, 3200},
+      // The size of another DSF chunk is taken from the header's end although it counts the header.
+      {"DSF chunk overshot", DsfFile(2, kRate, kSound, {.before_fmt = stray}), 0, 0},
+      {"DSF chunk skipped", DsfFile(2, kRate, kSound, {.before_fmt = uncounted}), 2, 3200},
+      {"1bit of three channels: 8 / 3 is 2", one_bit(3), 3, 1600},
+      {"1bit of nine channels", one_bit(9), 9, 0},
+      {"1bit of none", one_bit(0), 0, 0},
+      {"1bit low word first", one_bit(2, {.file_size = (1ull << 32) + 2048}), 2, 4ull << 32},
+      {"1bit ends before its sound", one_bit(2, {.file_size = 10}), 2, 0},
   };
   for (const Row& row : rows) {
-    const Answer answer = Query(DsdiffFile(2, kRate, Bytes(800, 0x69), row.options));
+    const Answer answer = Query(row.file);
     EXPECT_EQ(answer.channels, row.channels) << row.what;
     EXPECT_EQ(answer.samples, row.samples) << row.what;
-  }
-  // Without a channel count the length is that of all channels together.
-  EXPECT_EQ(Query(DsdiffFile(0, kRate, Bytes(800, 0x69))).samples, 6400u);
-  EXPECT_EQ(Query(DsdiffFile(200, 0, Bytes(800, 0x69))), (Answer{1, 200, 0, 1, 32, 4096}));
-}
-
-TEST(DsdInfo, OneBitLengths) {
-  struct Row {
-    std::uint8_t channels;
-    OneBitOptions options;
-    std::uint64_t samples;
-  };
-  const Row rows[] = {
-      {1, {}, 4800},
-      {2, {}, 2400},
-      {3, {}, 1200},  // 8 / 3 is taken as 2
-      {8, {}, 600},
-      {9, {}, 0},
-      {0, {}, 0},
-      {2, {.file_size = 10}, 0},
-      {2, {.file_size = (1ull << 32) + 2048}, 4ull << 32},  // low word first
-      {2, {.stated_data_offset = UINT32_MAX}, 0},
-  };
-  for (const Row& row : rows) {
-    const Answer answer = Query(OneBitFile(row.channels, kRate, Bytes(600), row.options));
-    EXPECT_EQ(answer, (Answer{3, row.channels, kRate, 1, row.samples, 4096}));
   }
 }
 

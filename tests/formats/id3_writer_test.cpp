@@ -5,34 +5,30 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "corvin.h"
 #include "tests/support/id3_blocks.h"
 #include "tests/support/tag_record.h"
-#include "tests/support/temp_file.h"
 
 namespace {
 
 using namespace corvin::testing;
 
 void FillTag(TagRecord& tag) {
-  std::strcpy(tag.title, "T\xc3\xaftle");
+  std::strcpy(tag.title, "Tïtle");
   std::strcpy(tag.artist, "Artist");
-  std::strcpy(tag.album, "\xe3\x82\xa2lbum");
+  std::strcpy(tag.album, "アlbum");
   tag.year = 2011;
   std::strcpy(tag.comment, "A comment");
   std::strcpy(tag.track, "3/12");
   std::strcpy(tag.genre, "Jazz");
   std::strcpy(tag.composer, "Composer");
   std::strcpy(tag.rightsNotice, "2011 Someone");
-  const char* descriptions[] = {"front",
-                                "b\xc3\xa4"
-                                "ck"};
   for (int i = 0; i < 2; ++i) {
-    ASSERT_NE(tag.PictureAlloc(1, 300 + i, true), nullptr);
-    DSD_PICTURE& picture = *tag.pictures[i];
+    DSD_PICTURE& picture = *tag.PictureAlloc(1, 300 + i, true);
     std::strcpy(picture.mime, "image/png");
-    std::strcpy(picture.description, descriptions[i]);
+    std::strcpy(picture.description, i == 0 ? "front" : "bäck");
     picture.pictureType = static_cast<std::uint8_t>(3 + i);
     for (int k = 0; k < picture.dataSize; ++k) picture.data[k] = static_cast<std::uint8_t>(k * 7);
   }
@@ -41,39 +37,15 @@ void FillTag(TagRecord& tag) {
 TEST(Id3Writer, BlocksByteForByte) {
   TagRecord tag;
   EXPECT_EQ(WriteTag(tag), Id3Block({}));
-  tag.year = 2011;
-  EXPECT_EQ(WriteTag(tag), Id3Block({Id3Frame("TYER",
-                                              "\3"
-                                              "2011")}));
-  EXPECT_EQ(WriteTag(tag).size(), 25u);
-
-  DSDTagClear(&tag);
   FillTag(tag);
   tag.pictures[0]->dataSize = 0;
   tag.pictures[1]->dataSize = 3;
-  const std::string picture =
-      Raw("\3image/png\0\4b\xc3\xa4"
-          "ck\0\0\7\16");
-  EXPECT_EQ(WriteTag(tag), Id3Block({Id3Frame("TIT2", "\3T\xc3\xaftle"),
-                                     Id3Frame("TPE1",
-                                              "\3"
-                                              "Artist"),
-                                     Id3Frame("TALB", "\3\xe3\x82\xa2lbum"),
-                                     Id3Frame("TYER",
-                                              "\3"
-                                              "2011"),
+  EXPECT_EQ(WriteTag(tag), Id3Block({Id3Text("TIT2", "Tïtle"), Id3Text("TPE1", "Artist"),
+                                     Id3Text("TALB", "アlbum"), Id3Text("TYER", "2011"),
                                      Id3Frame("COMM", Raw("\3jpn\0A comment")),
-                                     Id3Frame("TRCK",
-                                              "\3"
-                                              "3/12"),
-                                     Id3Frame("TCON", "\3Jazz"),
-                                     Id3Frame("TCOM",
-                                              "\3"
-                                              "Composer"),
-                                     Id3Frame("TCOP",
-                                              "\3"
-                                              "2011 Someone"),
-                                     Id3Frame("APIC", picture)}));
+                                     Id3Text("TRCK", "3/12"), Id3Text("TCON", "Jazz"),
+                                     Id3Text("TCOM", "Composer"), Id3Text("TCOP", "2011 Someone"),
+                                     Id3Frame("APIC", Raw("\3image/png\0\4bäck\0\0\7\16"))}));
 }
 
 // The last byte of a field is text when the field is full; nothing behind it is.
@@ -101,14 +73,11 @@ TEST(Id3Writer, RecordsThatMakeNoBlockOrNoPicture) {
   };
   EXPECT_EQ(with_size(-5), 10);
   // Measured only: the size has 28 bits, so no byte of the data is touched.
+  EXPECT_EQ(with_size(1 << 27), -1);
   EXPECT_EQ(with_size(INT32_MAX), -1);
   EXPECT_EQ(std::ftell(stream.get()), 10);
-  tag.pictures[0]->dataSize = 4;
-  tag.pictures[1]->dataSize = 4;
-  std::swap(tag.pictures[1]->data, tag.pictures[0]->data);
-  std::free(tag.pictures[1]->data);
-  tag.pictures[1]->data = nullptr;
-  EXPECT_EQ(Write_id3tag_v2(stream.get(), &tag), 10 + 14 + 4);
+  std::free(std::exchange(tag.pictures[1]->data, nullptr));
+  EXPECT_EQ(with_size(4), 10 + 14 + 4);
 }
 
 TEST(Id3Writer, TheReaderGetsBackWhatWasWritten) {
@@ -117,57 +86,7 @@ TEST(Id3Writer, TheReaderGetsBackWhatWasWritten) {
   const Bytes block = WriteTag(tag);
   TagRecord again;
   ASSERT_EQ(ReadTag(block, again), 0);
-  EXPECT_EQ(again.pictureCount, 2);
-  EXPECT_EQ(TextOf(again.pictures[1]->description),
-            "b\xc3\xa4"
-            "ck");
-  EXPECT_EQ(again.pictures[1]->dataSize, 301);
   EXPECT_EQ(WriteTag(again), block);
-}
-
-// Another program's view of the frames, as "id=text" lines.
-TEST(Id3Writer, AnotherTagLibraryReadsTheBlock) {
-#ifndef CORVIN_MUTAGEN_PYTHON
-  GTEST_SKIP() << "mutagen was not found when the build was configured";
-#else
-  TagRecord tag;
-  FillTag(tag);
-  const TempFile file(DsfFile(2, 2822400, Bytes(4096, 0x69), {.tag = WriteTag(tag)}));
-  const TempFile script;
-  const std::string text = R"(import sys
-from mutagen.dsf import DSF
-file = DSF(sys.argv[1])
-print(file.info.channels, file.info.sample_rate, file.tags.version)
-for frame in sorted(file.tags.values(), key=lambda f: f.HashKey):
-    if frame.FrameID == "APIC":
-        right = frame.data == bytes(i * 7 % 256 for i in range(len(frame.data)))
-        print(frame.mime, int(frame.type), frame.desc, len(frame.data), right)
-    else:
-        print(frame.FrameID, getattr(frame, "lang", ""), "|".join(map(str, frame.text)))
-)";
-  script.Write(Bytes(text.begin(), text.end()));
-  const std::string command = std::string("PYTHONIOENCODING=utf-8 ") + CORVIN_MUTAGEN_PYTHON + " " +
-                              script.path() + " " + file.path() + " 2>&1";
-  std::FILE* pipe = popen(command.c_str(), "r");
-  ASSERT_NE(pipe, nullptr);
-  std::string output;
-  for (int c; (c = std::fgetc(pipe)) != EOF;) output += static_cast<char>(c);
-  EXPECT_EQ(pclose(pipe), 0);
-  EXPECT_EQ(output,
-            "2 2822400 (2, 3, 0)\n"
-            "image/png 4 b\xc3\xa4"
-            "ck 301 True\n"
-            "image/png 3 front 300 True\n"
-            "COMM jpn A comment\n"
-            "TALB  \xe3\x82\xa2lbum\n"
-            "TCOM  Composer\n"
-            "TCON  Jazz\n"
-            "TCOP  2011 Someone\n"
-            "TDRC  2011\n"
-            "TIT2  T\xc3\xaftle\n"
-            "TPE1  Artist\n"
-            "TRCK  3/12\n");
-#endif
 }
 
 }  // namespace

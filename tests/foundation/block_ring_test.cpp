@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <numeric>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -59,25 +59,6 @@ TEST(BlockRing, EightReadersSeeEveryBlockInOrder) {
   RunContended<CBufferList>();
 }
 
-TEST(BlockRing, WriterWaitsForTheSlowestReader) {
-  CBufferListDec ring;
-  ring.Init(2, 16, 2);
-  std::atomic<int> written = 0;
-  std::thread writer([&] {
-    for (int seq = 0; seq < 3; ++seq) {
-      ring.WriteLock(seq)->WriteUnlock(1);
-      ++written;
-    }
-  });
-  for (int seq = 0; seq < 2; ++seq) ring.Read1Lock(seq, 0)->Read1Unlock(0);
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_EQ(written, 2);  // reader 1 still holds block 0
-  ring.Read1Lock(0, 1)->Read1Unlock(1);
-  writer.join();
-  EXPECT_EQ(written, 3);
-  ring.Exit();
-}
-
 TEST(BlockRing, SingleReaderPairKeepsTheLength) {
   CBufferDec block;
   block.Init(8, 1);
@@ -108,17 +89,16 @@ TEST(BlockRing, WithoutReadersNothingWaits) {
   EXPECT_EQ(ring.blocks, nullptr);
 }
 
-TEST(BlockRing, StorageIsAlignedAndRemembersItsAllocation) {
+TEST(BlockRing, StorageIsAlignedRemembersItsAllocationAndStartsAsZeros) {
   for (int size : {0, 1, 31, 4096}) {
     CBuffer block;
     block.Init(size, 1);
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block.data) % 32, 0u);
+    const auto at = reinterpret_cast<std::uintptr_t>(block.data);
+    EXPECT_EQ(at % 32, 0u);
     std::uintptr_t allocation;
     std::memcpy(&allocation, block.data - sizeof allocation, sizeof allocation);
-    EXPECT_LE(allocation + sizeof allocation, reinterpret_cast<std::uintptr_t>(block.data));
-    EXPECT_EQ(std::accumulate(block.data, block.data + size, 0), 0);
-    block.Exit();
-    block.Exit();
+    EXPECT_TRUE(allocation + sizeof allocation <= at && at < allocation + 64) << size;
+    EXPECT_EQ(std::count(block.data, block.data + size, 0), size);
   }
 }
 
@@ -130,20 +110,17 @@ TEST(BlockRing, RefusesMoreThanEightReaders) {
 }
 
 TEST(BlockRing, AbandonWakesBothSides) {
-  CBufferListDec ring;
-  ring.Init(2, 16, 1);
-  for (int seq = 0; seq < 2; ++seq) ring.WriteLock(seq)->WriteUnlock(1);
-  CBufferListDec empty;
-  empty.Init(2, 16, 1);
-  std::thread writer([&] { EXPECT_TRUE(ring.WriteLock(2)->Abandoned()); });
+  CBufferList full, empty;
+  full.Init(1, 16, 1);
+  empty.Init(1, 16, 1);
+  full.WriteLock(0)->WriteUnlock(1);
+  std::thread writer([&] { EXPECT_TRUE(full.WriteLock(1)->Abandoned()); });
   std::thread reader([&] { EXPECT_TRUE(empty.ReadLock(0)->Abandoned()); });
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  ring.Abandon();
+  full.Abandon();
   empty.Abandon();
   writer.join();
   reader.join();
-  ring.Exit();
-  empty.Exit();
 }
 
 TEST(BlockRing, SequenceTurnsOverInStep) {

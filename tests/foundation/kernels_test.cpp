@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <random>
@@ -72,33 +73,24 @@ TEST(Kernels, PlainFormAtEveryLengthAndOffset) {
   }
 }
 
-// Hosts without SSE compare bytes: the order of additions is part of this build.
-TEST(Kernels, PortableAssociation) {
+// Hosts compare bytes: the order of additions is part of each build.
+TEST(Kernels, BuildsAddInTheirOwnOrder) {
   const float a[] = {1.0f, 16777216.0f, 1.0f, -16777216.0f, 1.0f};
   const float ones[] = {1, 1, 1, 1, 1};
   float out;
   dot8_normal0(&out, a, ones, 5);
-  // 1 first; then p3 + ((p1 + p2) + (p0 + 1)) with p = {2^24, 1, -2^24, 1}. One by one it would be 1.
+  // 1 first; then p3 + ((p1 + p2) + (p0 + 1)) with p = {2^24, 1, -2^24, 1}. One by one it would
+  // be 1.
   EXPECT_EQ(out, 2.0f);
-}
-
-TEST(Kernels, BuildsDifferOnlyInTheirLastBits) {
 #ifdef CORVIN_HAS_SSE_KERNELS
-  // Four vectors (a, b, c, d) whose lane sums are 2^24, 1, -2^24, 1: the reductions are
-  // (a + c) + (b + d) and (a + b) + (c + d).
-  AlignedFloats lanes = MakeAlignedFloats(4), ones = MakeAlignedFloats(4);
-  const float values[] = {16777216.0f, 1.0f, -16777216.0f, 1.0f};
-  for (std::size_t i = 0; i < 4; ++i) {
-    lanes[i] = values[i];
-    ones[i] = 1;
-  }
-  float sse, sse3;
-  dot8_sse0(&sse, lanes.get(), ones.get(), 4);
-  dot8_sse30(&sse3, lanes.get(), ones.get(), 4);
-  EXPECT_EQ(sse, 2.0f);
-  EXPECT_EQ(sse3, 1.0f);
-#else
-  GTEST_SKIP() << "no SSE here";
+  // Lane sums of 2^24, 1, -2^24 and 1 are reduced as (a + c) + (b + d) and as (a + b) + (c + d).
+  const AlignedFloats lanes = MakeAlignedFloats(4), units = MakeAlignedFloats(4);
+  std::copy_n(a + 1, 4, lanes.get());
+  std::copy_n(ones, 4, units.get());
+  dot8_sse0(&out, lanes.get(), units.get(), 4);
+  EXPECT_EQ(out, 2.0f);
+  dot8_sse30(&out, lanes.get(), units.get(), 4);
+  EXPECT_EQ(out, 1.0f);
 #endif
 }
 
@@ -154,8 +146,6 @@ TEST(Kernels, PlannedForm) {
       const Exact exact(hist[plan[i].hist], work.get() + plan[i].tap, kTaps);
       EXPECT_NEAR(out[i], exact.sum, exact.bound) << build.name << i;
     }
-    EXPECT_EQ(out[5], 99.0f);
-    EXPECT_EQ(build.planned(out + 5, work.get(), hist, 2, 2 * kTaps, plan, 0), 0);
     EXPECT_EQ(out[5], 99.0f);
     EXPECT_EQ(build.planned(out, work.get(), hist, 2, 1, plan, 5), 5);
     EXPECT_EQ(std::accumulate(out, out + 5, 0.0f), 0.0f);

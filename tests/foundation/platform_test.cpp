@@ -16,7 +16,8 @@ TEST(Platform, WorkersShareTheProcessors) {
   EXPECT_GE(processors, 1u);
   EXPECT_EQ(GetCPU_GPU_Cores(static_cast<int>(processors)), 1u);
   EXPECT_EQ(GetCPU_GPU_Cores(std::numeric_limits<int>::max()), 1u);
-  for (int absurd : {0, -1, std::numeric_limits<int>::min()}) EXPECT_EQ(GetCPU_GPU_Cores(absurd), 1u);
+  for (int absurd : {0, -1, std::numeric_limits<int>::min()})
+    EXPECT_EQ(GetCPU_GPU_Cores(absurd), 1u);
 }
 
 TEST(Platform, WaitsAsLongAsAsked) {

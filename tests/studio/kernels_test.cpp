@@ -12,27 +12,11 @@
 
 #include "studio/decode/block_filter.h"
 #include "studio/plan/exact_math.h"
+#include "tests/studio/builds.h"
 #include "tests/studio/streams.h"
 
 namespace corvin::studio {
 namespace {
-
-// The feature masks that make each build the chosen one.
-constexpr std::uint32_t kMasks[] = {0, kCpuSse2, kCpuSse2 | kCpuAvx2,
-                                    kCpuSse2 | kCpuAvx2 | kCpuAvx512};
-
-// Kernels of the builds that this processor runs.
-std::vector<Kernels> all_builds() {
-  std::vector<Kernels> builds;
-  for (std::uint32_t mask : kMasks) {
-    if ((mask & ~detected_features()) == 0) {
-      builds.push_back(choose_kernels(mask));
-    } else {
-      std::printf("[ SKIPPED  ] the processor lacks features of mask %u\n", mask);
-    }
-  }
-  return builds;
-}
 
 TEST(Kernels, TheMaskedBuildIsTheOneThatRuns) {
   const char* const names[] = {"portable", "SSE2", "AVX2", "AVX-512"};
@@ -43,6 +27,7 @@ TEST(Kernels, TheMaskedBuildIsTheOneThatRuns) {
     EXPECT_STREQ(kernels.fold_fir->info.name, names[i]);
     EXPECT_STREQ(kernels.spectral->info.name, names[i]);
     EXPECT_STREQ(kernels.quantise->info.name, names[i]);
+    EXPECT_STREQ(kernels.interpolate->info.name, names[i]);
   }
 }
 
@@ -128,7 +113,8 @@ TEST(Kernels, FoldFirAgreesToTheBit) {
 
 TEST(Kernels, TransformsAreTheDefiningSums) {
   Random random(6);
-  for (std::size_t points : {16u, 105u, 2048u, 2352u, 2560u, 4096u, 4704u, 5120u, 18816u}) {
+  for (std::size_t points :
+       {16u, 105u, 2048u, 2352u, 2560u, 4096u, 4704u, 5120u, 8192u, 9408u, 10240u, 18816u}) {
     const FftPlan plan = make_fft_plan(points);
     std::vector<double> data(2 * points);
     for (double& value : data) value = random() / 2147483648.0 - 0.5;

@@ -2,21 +2,20 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // The figures that the decoder promises, for every pair of rates, and the committed table of them.
-// The table is written anew to the working directory; copy it to docs/quality after a change that
-// is meant, and the difference is what to review.
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "tests/studio/plan_response.h"
+#include "tests/support/committed_table.h"
 
 namespace corvin::studio {
 namespace {
+
+constexpr double kRounding = -158;
 
 struct Row {
   DecodePlanConfig config;
@@ -104,32 +103,6 @@ std::string curves() {
   return text;
 }
 
-// Equal words, but for numbers that may differ by one in their last printed place: the tests' own
-// cosines are the system's. Figures far below -150 dB are rounding of double and not compared.
-void expect_same(const std::string& made, const std::string& name) {
-  std::ofstream(name) << made;
-  std::ifstream file(std::string(CORVIN_SOURCE_DIR "/docs/quality/") + name);
-  ASSERT_TRUE(file) << name;
-  std::istringstream now(made);
-  for (std::string a, b; std::getline(now, a);) {
-    ASSERT_TRUE(std::getline(file, b)) << a;
-    std::istringstream cells_a(a);
-    std::istringstream cells_b(b);
-    for (std::string x, y; std::getline(cells_a, x, ',');) {
-      ASSERT_TRUE(std::getline(cells_b, y, ',')) << b;
-      if (x == y) continue;
-      const double value = std::strtod(x.c_str(), nullptr);
-      const bool figure = value != 0 && x.find('.') != std::string::npos;
-      const double step = x.find('.') + 2 == x.size() ? 0.1 : 1e-7;
-      ASSERT_TRUE(figure && (value < -158 || std::fabs(value - std::stod(y)) < 1.5 * step))
-          << a << "\n"
-          << b;
-    }
-  }
-  std::string more;
-  EXPECT_FALSE(std::getline(file, more)) << more;
-}
-
 TEST(Quality, EveryPairKeepsItsPromise) {
   const std::vector<Row> rows = all_rows();
   for (const Row& row : rows) {
@@ -139,10 +112,12 @@ TEST(Quality, EveryPairKeepsItsPromise) {
     EXPECT_LE(row.figures.stop_db, -150) << name;
     EXPECT_LE(row.figures.alias_db, -150) << name;
   }
-  expect_same(table(rows), "decode.csv");
+  testing::expect_committed(table(rows), "decode.csv", kRounding);
 }
 
-TEST(Quality, CurvesAreTheCommittedOnes) { expect_same(curves(), "decode_curves.csv"); }
+TEST(Quality, CurvesAreTheCommittedOnes) {
+  testing::expect_committed(curves(), "decode_curves.csv", kRounding);
+}
 
 }  // namespace
 }  // namespace corvin::studio

@@ -22,9 +22,9 @@ namespace corvin::testing {
 struct DecodePair {
   int dsd_rate;
   int pcm_rate;
-  int l;             ///< interpolation
-  int m;             ///< decimation
-  double trim;       ///< level trim; 0 for a pair without a plan, which has no level correction
+  int l;        ///< interpolation
+  int m;        ///< decimation
+  double trim;  ///< level trim; 0 for a pair without a plan, which has no level correction
   int tap_budget;
   int block = 4096;  ///< input samples in a block: decides where a stream that ends early ends
 };
@@ -62,7 +62,8 @@ class DecodeModel {
     scale_ = Bessel(kBeta / 2);
     centre_ = per_phase_ * phases_ / 2;
     h_.resize(static_cast<std::size_t>(taps_) + 1);
-    for (int i = 0; i <= 2 * centre_; ++i) h_[static_cast<std::size_t>(i)] = gain_ * Tap(i - centre_);
+    for (int i = 0; i <= 2 * centre_; ++i)
+      h_[static_cast<std::size_t>(i)] = gain_ * Tap(i - centre_);
   }
 
   int skip() const { return static_cast<int>(std::lround(taps_ * 0.5 / pair_.m)); }
@@ -75,40 +76,29 @@ class DecodeModel {
     double worst = 0;
     for (int phase = 0; phase < pair_.l; ++phase) {
       double sum = 0;
-      for (int i = phase; i <= taps_; i += pair_.l) sum += std::abs(h_[static_cast<std::size_t>(i)]);
+      for (int i = phase; i <= taps_; i += pair_.l)
+        sum += std::abs(h_[static_cast<std::size_t>(i)]);
       worst = std::max(worst, sum);
     }
     return worst;
   }
 
-  /// Response at `frequency_hz` of a sine of the DSD stream.
-  double Response(double frequency_hz) const {
-    double re = 0, im = 0;
-    for (int i = 0; i <= taps_; ++i) {
-      const double angle =
-          2 * std::numbers::pi * frequency_hz * i / (static_cast<double>(pair_.dsd_rate) * pair_.l);
-      re += h_[static_cast<std::size_t>(i)] * std::cos(angle);
-      im += h_[static_cast<std::size_t>(i)] * std::sin(angle);
-    }
-    return std::hypot(re, im) / pair_.l;
-  }
-
   /// Every output sample before clipping, full scale 1.0. `bits` is a whole number of bytes;
   /// `total_bits` is the length that the file states.
   std::vector<double> Run(const Bits& bits, std::uint64_t total_bits) const {
-    const auto limit = static_cast<std::int64_t>(total_bits / static_cast<std::uint64_t>(pair_.dsd_rate) *
-                           static_cast<std::uint64_t>(pair_.pcm_rate) +
-                       total_bits % static_cast<std::uint64_t>(pair_.dsd_rate) *
-                           static_cast<std::uint64_t>(pair_.pcm_rate) /
-                           static_cast<std::uint64_t>(pair_.dsd_rate));
+    const auto limit =
+        static_cast<std::int64_t>(total_bits / static_cast<std::uint64_t>(pair_.dsd_rate) *
+                                      static_cast<std::uint64_t>(pair_.pcm_rate) +
+                                  total_bits % static_cast<std::uint64_t>(pair_.dsd_rate) *
+                                      static_cast<std::uint64_t>(pair_.pcm_rate) /
+                                      static_cast<std::uint64_t>(pair_.dsd_rate));
     const auto flushed =
         static_cast<std::int64_t>(bits.size()) + 8 * std::lround(window() * 0.0625);
     const std::int64_t end = (flushed + pair_.block - 1) / pair_.block * pair_.block;
     std::vector<double> out;
     for (std::int64_t n = skip(); static_cast<std::int64_t>(out.size()) < limit; ++n) {
       // Position in units of 1 / L samples. Without a plan the grid is rounded down to the input's.
-      const std::int64_t at =
-          pair_.trim != 0 ? n * pair_.m : n * pair_.dsd_rate / pair_.pcm_rate;
+      const std::int64_t at = pair_.trim != 0 ? n * pair_.m : n * pair_.dsd_rate / pair_.pcm_rate;
       if (at / pair_.l >= end) break;
       out.push_back(At(bits, at));
     }
@@ -121,9 +111,9 @@ class DecodeModel {
   /// The series with the factorials that a 32-bit product gives from 13! on.
   static double Bessel(double half) {
     static constexpr double kFactorials[] = {
-        1,         2,          6,          24,          120,         720,       5040,
-        40320,     362880,     3628800,    39916800,    479001600,   1932053504, 1278945280,
-        2004310016, 2004189184, -288522240, -898433024, 109641728,   -2102132736};
+        1,          2,          6,          24,         120,       720,        5040,
+        40320,      362880,     3628800,    39916800,   479001600, 1932053504, 1278945280,
+        2004310016, 2004189184, -288522240, -898433024, 109641728, -2102132736};
     double sum = 1, power = 1;
     for (double factorial : kFactorials) {
       power *= half;

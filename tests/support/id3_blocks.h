@@ -30,6 +30,11 @@ inline Bytes Id3Frame(std::string_view id, std::string_view body,
   return Append(frame, body);
 }
 
+/// A frame that holds a text in UTF-8.
+inline Bytes Id3Text(std::string_view id, const std::string& text) {
+  return Id3Frame(id, "\3" + text);
+}
+
 inline Bytes Id3Block(std::initializer_list<Bytes> frames, std::optional<std::uint32_t> size = {},
                       std::uint8_t version = 3) {
   Bytes body;

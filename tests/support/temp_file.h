@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,19 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using StreamPointer = std::unique_ptr<std::FILE, CloseFile>;
+
+/// All that a stream holds up to where it stands; it then stands there again.
+inline std::vector<std::uint8_t> ReadBack(std::FILE* stream) {
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::ftell(stream)));
+  std::rewind(stream);
+  EXPECT_EQ(std::fread(bytes.data(), 1, bytes.size(), stream), bytes.size());
+  return bytes;
+}
+
+inline std::vector<std::uint8_t> ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(file), {});
+}
 
 /// A path of its own that is removed at the end; the file exists once it is written.
 class TempFile {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 
-#include "studio/decode/worker_pool.h"
+#include "studio/threads/worker_pool.h"
 
 #include <utility>
 
@@ -40,6 +40,20 @@ void WorkerPool::hand_in(std::size_t job) {
   has_work_.notify_one();
 }
 
+void WorkerPool::hand_in_first(std::size_t job) {
+  {
+    const std::lock_guard lock(mutex_);
+    finished_[job] = false;
+    queue_.insert(queue_.begin(), job);
+  }
+  has_work_.notify_one();
+}
+
+void WorkerPool::announce(std::size_t job) {
+  const std::lock_guard lock(mutex_);
+  finished_[job] = false;
+}
+
 bool WorkerPool::finished(std::size_t job) {
   const std::lock_guard lock(mutex_);
   return finished_[job];
@@ -54,8 +68,10 @@ void WorkerPool::wait_for(std::size_t job) {
 
 void WorkerPool::clear() {
   std::unique_lock lock(mutex_);
-  queue_.clear();
-  has_result_.wait(lock, [this] { return busy_ == 0; });
+  has_result_.wait(lock, [this] {
+    queue_.clear();
+    return busy_ == 0;
+  });
 }
 
 void WorkerPool::serve(std::size_t worker) {

@@ -3,8 +3,8 @@
 //
 // Threads that take numbered jobs in the order in which they were handed in.
 
-#ifndef CORVIN_STUDIO_DECODE_WORKER_POOL_H_
-#define CORVIN_STUDIO_DECODE_WORKER_POOL_H_
+#ifndef CORVIN_STUDIO_THREADS_WORKER_POOL_H_
+#define CORVIN_STUDIO_THREADS_WORKER_POOL_H_
 
 #include <condition_variable>
 #include <cstddef>
@@ -16,7 +16,7 @@
 namespace corvin::studio {
 
 /// Jobs are numbers below a fixed count, each handed in again only after it was finished. One
-/// thread owns the pool.
+/// thread owns the pool; the work of one job may hand in others.
 class WorkerPool {
  public:
   /// @param work  does job `job` on worker `worker` < threads; must not throw
@@ -28,9 +28,14 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   void hand_in(std::size_t job);
+  /// The same, before all that wait: for a job that others wait for.
+  void hand_in_first(std::size_t job);
+  /// Counts a job as unfinished that another one will hand in.
+  void announce(std::size_t job);
   bool finished(std::size_t job);
   void wait_for(std::size_t job);
-  /// Takes back the jobs that no worker has begun and waits for the others.
+  /// Takes back the jobs that no worker has begun, those that others still hand in included, and
+  /// waits for the others.
   void clear();
 
  private:
@@ -53,4 +58,4 @@ class WorkerPool {
 
 }  // namespace corvin::studio
 
-#endif  // CORVIN_STUDIO_DECODE_WORKER_POOL_H_
+#endif  // CORVIN_STUDIO_THREADS_WORKER_POOL_H_

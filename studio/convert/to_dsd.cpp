@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "studio/convert/to_dsd.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "studio/convert/to_pcm.h"
+#include "studio/encode/encoder.h"
+#include "studio/encode/sample_input.h"
+#include "studio/plan/rate_family.h"
+#include "studio/stream_limits.h"
+
+namespace corvin::studio {
+namespace {
+
+constexpr std::size_t kBufferBytes = 1 << 18;
+
+corvin_encoder_settings encoder_settings(std::uint32_t pcm_rate, std::uint32_t format,
+                                         const DsdTarget& target,
+                                         const corvin_convert_settings& settings) {
+  corvin_encoder_settings result;
+  corvin_encoder_settings_defaults(&result);
+  result.pcm_rate = pcm_rate;
+  result.dsd_rate = target.dsd_rate;
+  result.channels = target.channels;
+  result.format = format;
+  result.modulator = settings.modulator;
+  result.bit_order = target.bit_order;
+  result.threads = settings.threads;
+  result.kernel_mask = settings.kernel_mask;
+  result.gain_db = settings.gain_db;
+  return result;
+}
+
+// An encoder with its output.
+class Encoding {
+ public:
+  /// @param most_bytes  of each channel; what follows is dropped
+  Encoding(Encoder& encoder, const DsdTarget& target, std::size_t frame_bytes,
+           std::uint64_t most_bytes)
+      : encoder_(encoder),
+        target_(target),
+        frame_bytes_(frame_bytes),
+        bytes_left_(most_bytes),
+        out_(std::max<std::size_t>(1, kBufferBytes / target.channels) * target.channels) {}
+
+  /// False when the target did not go on.
+  bool push(const void* data, std::size_t frames) {
+    const auto* from = static_cast<const std::uint8_t*>(data);
+    while (frames > 0) {
+      std::size_t taken = 0;
+      encoder_.push(from, frames, taken);
+      from += taken * frame_bytes_;
+      frames -= taken;
+      frames_ += taken;
+      if (!drain()) return false;
+    }
+    return true;
+  }
+
+  bool finish() {
+    encoder_.finish();
+    return drain();
+  }
+
+  std::uint64_t frames() const { return frames_; }
+
+  void tell(corvin_convert_report& report) const {
+    corvin_encoder_report encoded = {};
+    encoder_.report(encoded);
+    report.frames = frames_;
+    report.samples = encoded.samples;
+    report.limited = encoded.limited;
+    report.overloads = encoded.overloads;
+    report.peak = encoded.peak;
+  }
+
+ private:
+  bool drain() {
+    while (const std::size_t bytes = encoder_.pull(out_.data(), out_.size())) {
+      const auto count = static_cast<std::size_t>(
+          std::min<std::uint64_t>(bytes / target_.channels, bytes_left_));
+      bytes_left_ -= count;
+      if (count > 0 && !target_.write(out_.data(), count)) return false;
+    }
+    return true;
+  }
+
+  Encoder& encoder_;
+  const DsdTarget& target_;
+  std::size_t frame_bytes_;
+  std::uint64_t bytes_left_;
+  std::uint64_t frames_ = 0;
+  std::vector<std::uint8_t> out_;
+};
+
+int read_all(const corvin_pcm_source& source, std::size_t frame_bytes,
+             const corvin_convert_settings& settings, Encoding& encoding) {
+  const std::size_t frames = std::max<std::size_t>(1, kBufferBytes / frame_bytes);
+  std::vector<std::uint8_t> buffer(frames * frame_bytes);
+  for (;;) {
+    const std::int64_t got = source.read(source.user, buffer.data(), frames);
+    if (got < 0 || static_cast<std::uint64_t>(got) > frames) return CORVIN_E_READ;
+    if (got == 0) return encoding.finish() ? CORVIN_OK : CORVIN_E_WRITE;
+    if (!encoding.push(buffer.data(), static_cast<std::size_t>(got))) return CORVIN_E_WRITE;
+    if (settings.progress != nullptr &&
+        settings.progress(settings.progress_user, encoding.frames(), source.frames) != 0) {
+      return CORVIN_E_CANCELLED;
+    }
+  }
+}
+
+/// The PCM rate between two DSD rates, of the source's family.
+std::uint32_t rate_between(const RateFamily& source, const RateFamily& target) {
+  return source.base << std::min(source.doublings, target.doublings) >> 5;
+}
+
+}  // namespace
+
+int convert_to_dsd(const corvin_pcm_source& source, const DsdTarget& target,
+                   const corvin_convert_settings& settings, corvin_convert_report& report) {
+  std::unique_ptr<Encoder> encoder;
+  const int status = Encoder::create(
+      encoder_settings(source.pcm_rate, source.format, target, settings), encoder);
+  if (status != CORVIN_OK) return status;
+  const std::size_t frame_bytes = sample_bytes(source.format) * target.channels;
+  Encoding encoding(*encoder, target, frame_bytes, std::numeric_limits<std::uint64_t>::max());
+  const int result = read_all(source, frame_bytes, settings, encoding);
+  encoding.tell(report);
+  report.gain_db = settings.gain_db;
+  return result;
+}
+
+int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file,
+                     const DsdTarget& target, const corvin_convert_settings& settings,
+                     corvin_convert_report& report) {
+  const auto from = dsd_family(file.rate_hz);
+  const auto to = dsd_family(target.dsd_rate);
+  if (!from || !to) return CORVIN_E_UNSUPPORTED;
+
+  // The gain belongs to the encoder, the level of which the report tells.
+  corvin_convert_settings decoding = settings;
+  decoding.pcm_rate = rate_between(*from, *to);
+  decoding.format = CORVIN_F64;
+  decoding.gain_db = 0;
+
+  std::unique_ptr<Encoder> encoder;
+  const int status = Encoder::create(
+      encoder_settings(decoding.pcm_rate, CORVIN_F64, target, settings), encoder);
+  if (status != CORVIN_OK) return status;
+  const std::uint64_t samples = samples_of(file.samples, file.rate_hz, target.dsd_rate);
+  Encoding encoding(*encoder, target, sizeof(double) * target.channels,
+                    samples / 8 + (samples % 8 != 0));
+
+  corvin_pcm_sink sink = {};
+  sink.size = sizeof sink;
+  sink.user = &encoding;
+  sink.write = [](void* user, const void* frames, std::size_t count) {
+    return static_cast<Encoding*>(user)->push(frames, count) ? 0 : 1;
+  };
+  int result = convert_to_pcm(source, file, decoding, sink, report);
+  if (result == CORVIN_OK) {
+    // The PCM ends with the last whole frame, which may lie before the last sample.
+    const std::vector<double> silence(target.channels);
+    bool going = true;
+    while (going && encoder->samples_of(encoding.frames()) < samples) {
+      going = encoding.push(silence.data(), 1);
+    }
+    if (!going || !encoding.finish()) result = CORVIN_E_WRITE;
+  }
+  encoding.tell(report);
+  report.samples = std::min(report.samples, samples);
+  report.gain_db = settings.gain_db;
+  return result;
+}
+
+}  // namespace corvin::studio

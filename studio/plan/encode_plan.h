@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Everything the way from PCM to the modulator knows before the first sample: stages, tables,
+// responses and the grid of blocks. Immutable after make_encode_plan(), so any number of threads
+// may read it.
+//
+//   frames -> block transform (steep filter and a ratio near 4, or what is left of it) -> short
+//   interpolation (x 2..16, where the modulator's rate is higher still) -> samples for the
+//   modulator
+//
+// The modulator takes an eighth of the DSD rate and holds the last interpolation itself. Block b
+// yields its inputs from b x hop_samples on; they lie such that the frame with index m is centred
+// on the bit m x dsd_rate / pcm_rate of the stream.
+
+#ifndef CORVIN_STUDIO_PLAN_ENCODE_PLAN_H_
+#define CORVIN_STUDIO_PLAN_ENCODE_PLAN_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "studio/kernels/spectral.h"
+#include "studio/plan/boxcars.h"
+
+namespace corvin::studio {
+
+struct EncodePlanConfig {
+  std::uint32_t pcm_rate = 44100;
+  std::uint32_t dsd_rate = 2822400;
+  /// The modulator's own interpolation: bit 8k of its output lies this many bits after its input k,
+  /// and its amplitude at a frequency given as a part of its input rate; none: 1.
+  double bit_offset = 0;
+  std::function<double(double)> response = {};
+};
+
+/// One-bit samples that `frames` make: pcm frames x dsd_rate / pcm_rate, rounded up.
+std::uint64_t samples_of(std::uint64_t frames, std::uint32_t pcm_rate, std::uint32_t dsd_rate);
+
+struct EncodePlan {
+  EncodePlanConfig config;
+  double pass_hz;  ///< flat up to here: 95 % of stop_hz
+  double stop_hz;  ///< closed from here on: half the lower one of the PCM and the modulator's rate
+
+  SpectralShape shape;
+  std::size_t steep_taps;
+  Boxcars boxcars;           ///< of the short interpolation; by 1: there is none
+  std::vector<double> taps;  ///< [depth][factor], as its kernel takes them
+  std::size_t depth;
+
+  // The grid. All blocks are alike: lead_frames before frame b x hop_frames block b starts to read,
+  // shape.forward.points frames it reads.
+  std::size_t lead_frames;
+  std::size_t hop_frames;
+  std::size_t hop_samples;
+
+  std::size_t factor() const { return boxcars.decimation(); }
+  std::size_t block_frames() const { return shape.forward.points; }
+
+  /// One line for each stage, for people.
+  std::string describe() const;
+};
+
+/// The plan, or nothing when a rate is not supported: 44.1k..768k of both families to DSD64..512 of
+/// both.
+std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config);
+
+}  // namespace corvin::studio
+
+#endif  // CORVIN_STUDIO_PLAN_ENCODE_PLAN_H_
