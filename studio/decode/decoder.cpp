@@ -86,7 +86,7 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
       piece_stride_(round_up(piece_bytes_, kKernelAlignment)),
       piece_frames_(items_per_channel_ * item_frames(plan_)),
       shared_bytes_(plan_.block_bytes - plan_.hop_bytes),
-      idle_byte_(formats::SilentByte(settings.bit_order == CORVIN_LSB_FIRST)),
+      idle_byte_(settings.bit_order == CORVIN_LSB_FIRST ? kIdlePatternLsbFirst : kIdlePattern),
       most_bytes_(settings.length == 0 ? std::numeric_limits<std::uint64_t>::max()
                                        : settings.length / 8 + (settings.length % 8 != 0)),
       pieces_(settings.threads == 0
@@ -195,9 +195,11 @@ std::size_t Decoder::store(const Source& source, std::size_t offset, std::size_t
   if (accepted_ == most_bytes_ && settings_.length % 8 != 0) {
     // Bits after the last sample are silence as well.
     const auto kept = static_cast<unsigned>(settings_.length % 8);
+    const unsigned mask =
+        settings_.bit_order == CORVIN_LSB_FIRST ? (1u << kept) - 1 : 0xffu & ~(0xffu >> kept);
     for (std::size_t c = 0; c < channels_; ++c) {
       std::uint8_t& last = piece.in[c * piece_stride_ + filled_ - 1];
-      last = formats::SilencedBehind(last, kept, settings_.bit_order == CORVIN_LSB_FIRST);
+      last = static_cast<std::uint8_t>((last & mask) | (idle_byte_ & ~mask));
     }
   }
   // Its bytes reach beyond its frames, all of which therefore belong to the stream.
