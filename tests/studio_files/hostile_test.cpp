@@ -150,32 +150,57 @@ std::vector<Fault> dsf_faults() {
     DsfOptions options;
     options.block_bytes = 16;
     change(options);
-    faults.push_back({name, DsfFile(2, 2822400, Bytes(80, 0x69), options), readable, samples, said});
+    faults.push_back(
+        {name, DsfFile(2, 2822400, Bytes(80, 0x69), options), readable, samples, said});
   };
   using O = DsfOptions;
-  add("sound", [](O&) {}, CORVIN_OK, 320, "");
-  add("size without the header of the sound", [](O& o) { o.data_size = 96; }, CORVIN_OK, 320, "");
-  add("wrong size of the sound", [](O& o) { o.data_size = 1; }, CORVIN_OK, 320, "sound chunk states");
-  add("more samples than there are", [](O& o) { o.sample_count = 1000; }, CORVIN_OK, 384,
+  add(
+      "sound", [](O&) {}, CORVIN_OK, 320, "");
+  add(
+      "size without the header of the sound", [](O& o) { o.data_size = 96; }, CORVIN_OK, 320, "");
+  add(
+      "wrong size of the sound", [](O& o) { o.data_size = 1; }, CORVIN_OK, 320,
+      "sound chunk states");
+  add(
+      "more samples than there are", [](O& o) { o.sample_count = 1000; }, CORVIN_OK, 384,
       "of the 1000 samples");
-  add("most samples", [](O& o) { o.sample_count = UINT64_MAX; }, CORVIN_OK, 384, "is cut short");
-  add("no samples", [](O& o) { o.sample_count = 0; }, CORVIN_OK, 384, "declare no samples");
-  add("no channels", [](O& o) { o.stated_channels = 0; }, CORVIN_E_FORMAT, 0, "no channels");
-  add("many channels", [](O& o) { o.stated_channels = 200; }, CORVIN_E_UNSUPPORTED, 0,
+  add(
+      "most samples", [](O& o) { o.sample_count = UINT64_MAX; }, CORVIN_OK, 384, "is cut short");
+  add(
+      "no samples", [](O& o) { o.sample_count = 0; }, CORVIN_OK, 384, "declare no samples");
+  add(
+      "no channels", [](O& o) { o.stated_channels = 0; }, CORVIN_E_FORMAT, 0, "no channels");
+  add(
+      "many channels", [](O& o) { o.stated_channels = 200; }, CORVIN_E_UNSUPPORTED, 0,
       "200 channels");
-  add("most channels", [](O& o) { o.stated_channels = 0xffffffff; }, CORVIN_E_UNSUPPORTED, 0,
+  add(
+      "most channels", [](O& o) { o.stated_channels = 0xffffffff; }, CORVIN_E_UNSUPPORTED, 0,
       "channels");
-  add("no block", [](O& o) { o.stated_block_bytes = 0; }, CORVIN_E_FORMAT, 0, "blocks of 0 bytes");
-  add("huge block", [](O& o) { o.stated_block_bytes = 0xffffffff; }, CORVIN_E_FORMAT, 0, "blocks of");
-  add("other bits", [](O& o) { o.bits_per_sample = 16; }, CORVIN_OK, 320, "16 bits per sample");
-  add("format chunk of size 0", [](O& o) { o.fmt_size = 0; }, CORVIN_OK, 320, "format chunk");
-  add("tag beyond the end", [](O& o) { o.metadata_pointer = 1u << 30; }, CORVIN_OK, 320, "tag");
-  add("tag in the sound", [](O& o) { o.metadata_pointer = 100; }, CORVIN_OK, 320, "tag");
-  add("trailing bytes", [](O& o) { o.tag = Bytes(9); o.metadata_pointer = 0; }, CORVIN_OK, 320,
-      "9 bytes at the end");
-  add("unknown chunk", [](O& o) { o.before_data = testing::DsfChunk("what", Bytes(7)); },
-      CORVIN_OK, 320, "");
-  add("chunk of size 0", [](O& o) { o.before_data = testing::DsfChunk("what", Bytes(7), 0); },
+  add(
+      "no block", [](O& o) { o.stated_block_bytes = 0; }, CORVIN_E_FORMAT, 0, "blocks of 0 bytes");
+  add(
+      "huge block", [](O& o) { o.stated_block_bytes = 0xffffffff; }, CORVIN_E_FORMAT, 0,
+      "blocks of");
+  add(
+      "other bits", [](O& o) { o.bits_per_sample = 16; }, CORVIN_OK, 320, "16 bits per sample");
+  add(
+      "format chunk of size 0", [](O& o) { o.fmt_size = 0; }, CORVIN_OK, 320, "format chunk");
+  add(
+      "tag beyond the end", [](O& o) { o.metadata_pointer = 1u << 30; }, CORVIN_OK, 320, "tag");
+  add(
+      "tag in the sound", [](O& o) { o.metadata_pointer = 100; }, CORVIN_OK, 320, "tag");
+  add(
+      "trailing bytes",
+      [](O& o) {
+        o.tag = Bytes(9);
+        o.metadata_pointer = 0;
+      },
+      CORVIN_OK, 320, "9 bytes at the end");
+  add(
+      "unknown chunk", [](O& o) { o.before_data = testing::DsfChunk("what", Bytes(7)); }, CORVIN_OK,
+      320, "");
+  add(
+      "chunk of size 0", [](O& o) { o.before_data = testing::DsfChunk("what", Bytes(7), 0); },
       CORVIN_E_FORMAT, 0, "no sound chunk");
   return faults;
 }
@@ -187,35 +212,65 @@ std::vector<Fault> dsdiff_faults() {
     DsdiffOptions options;
     change(options);
     const Bytes sound(static_cast<std::size_t>(channels) * 7, 0x69);
-    faults.push_back({name, DsdiffFile(channels, 2822400, sound, options), readable, samples, said});
+    faults.push_back(
+        {name, DsdiffFile(channels, 2822400, sound, options), readable, samples, said});
   };
   using O = DsdiffOptions;
-  add("sound", 2, [](O&) {}, CORVIN_OK, 56, "");
+  add(
+      "sound", 2, [](O&) {}, CORVIN_OK, 56, "");
   // As a stereo file's, whatever the channels.
-  add("sizes of stereo, one channel", 1,
-      [](O& o) { o.channels_size = 10; o.properties_size = 74; }, CORVIN_OK, 56, "wrong size");
-  add("sizes of stereo, five channels", 5,
-      [](O& o) { o.channels_size = 10; o.properties_size = 74; }, CORVIN_OK, 56, "wrong size");
-  add("a name too few", 4, [](O& o) { o.stated_channels = 5; o.channels_size = 10; }, CORVIN_OK, 40,
-      "does not name each channel");
-  add("no properties size", 2, [](O& o) { o.properties_size = 0; }, CORVIN_OK, 56, "property chunk");
-  add("huge properties", 2, [](O& o) { o.properties_size = 1u << 30; }, CORVIN_OK, 56,
+  add(
+      "sizes of stereo, one channel", 1,
+      [](O& o) {
+        o.channels_size = 10;
+        o.properties_size = 74;
+      },
+      CORVIN_OK, 56, "wrong size");
+  add(
+      "sizes of stereo, five channels", 5,
+      [](O& o) {
+        o.channels_size = 10;
+        o.properties_size = 74;
+      },
+      CORVIN_OK, 56, "wrong size");
+  add(
+      "a name too few", 4,
+      [](O& o) {
+        o.stated_channels = 5;
+        o.channels_size = 10;
+      },
+      CORVIN_OK, 40, "does not name each channel");
+  add(
+      "no properties size", 2, [](O& o) { o.properties_size = 0; }, CORVIN_OK, 56,
       "property chunk");
-  add("no pad byte", 2, [](O& o) { o.before_sound = DsdiffChunk("MANF", Bytes(3)); }, CORVIN_OK, 56,
+  add(
+      "huge properties", 2, [](O& o) { o.properties_size = 1u << 30; }, CORVIN_OK, 56,
+      "property chunk");
+  add(
+      "no pad byte", 2, [](O& o) { o.before_sound = DsdiffChunk("MANF", Bytes(3)); }, CORVIN_OK, 56,
       "no pad byte");
-  add("pad byte", 2, [](O& o) { o.before_sound = DsdiffChunk("MANF", Bytes(4), 3); }, CORVIN_OK, 56,
+  add(
+      "pad byte", 2, [](O& o) { o.before_sound = DsdiffChunk("MANF", Bytes(4), 3); }, CORVIN_OK, 56,
       "");
-  add("no size of the sound", 2, [](O& o) { o.sound_size = 0; }, CORVIN_OK, 56, "no size");
-  add("unset size of the sound", 2, [](O& o) { o.sound_size = UINT64_MAX; }, CORVIN_OK, 56,
+  add(
+      "no size of the sound", 2, [](O& o) { o.sound_size = 0; }, CORVIN_OK, 56, "no size");
+  add(
+      "unset size of the sound", 2, [](O& o) { o.sound_size = UINT64_MAX; }, CORVIN_OK, 56,
       "no size");
-  add("more sound than there is", 2, [](O& o) { o.sound_size = 1000; }, CORVIN_OK, 56,
+  add(
+      "more sound than there is", 2, [](O& o) { o.sound_size = 1000; }, CORVIN_OK, 56,
       "of the 4000 samples");
-  add("a group that is cut", 3, [](O& o) { o.sound_size = 20; }, CORVIN_OK, 48, "that rest");
-  add("compressed", 2, [](O& o) { o.compression_type = "DST "; }, CORVIN_E_COMPRESSED, 0, "DST");
-  add("no compression type", 2, [](O& o) { o.compression_chunk = false; }, CORVIN_OK, 56,
+  add(
+      "a group that is cut", 3, [](O& o) { o.sound_size = 20; }, CORVIN_OK, 48, "that rest");
+  add(
+      "compressed", 2, [](O& o) { o.compression_type = "DST "; }, CORVIN_E_COMPRESSED, 0, "DST");
+  add(
+      "no compression type", 2, [](O& o) { o.compression_chunk = false; }, CORVIN_OK, 56,
       "compression type");
-  add("200 channels", 2, [](O& o) { o.stated_channels = 200; }, CORVIN_E_UNSUPPORTED, 0, "200");
-  add("no channels", 2, [](O& o) { o.stated_channels = 0; }, CORVIN_E_FORMAT, 0, "no channels");
+  add(
+      "200 channels", 2, [](O& o) { o.stated_channels = 200; }, CORVIN_E_UNSUPPORTED, 0, "200");
+  add(
+      "no channels", 2, [](O& o) { o.stated_channels = 0; }, CORVIN_E_FORMAT, 0, "no channels");
   return faults;
 }
 
@@ -225,17 +280,24 @@ std::vector<Fault> one_bit_faults() {
                        const char* said) {
     OneBitOptions options;
     change(options);
-    faults.push_back({name, OneBitFile(3, 2822400, Bytes(21, 0x69), options), readable, samples,
-                      said});
+    faults.push_back(
+        {name, OneBitFile(3, 2822400, Bytes(21, 0x69), options), readable, samples, said});
   };
   using O = OneBitOptions;
-  add("sound", [](O&) {}, CORVIN_OK, 56, "");
-  add("no size", [](O& o) { o.file_size = 0; }, CORVIN_OK, 56, "own end");
-  add("more than there is", [](O& o) { o.file_size = 5000; }, CORVIN_OK, 56, "is cut short");
-  add("most", [](O& o) { o.file_size = UINT64_MAX; }, CORVIN_OK, 56, "is cut short");
-  add("less than there is", [](O& o) { o.file_size = 2048 + 9; }, CORVIN_OK, 24, "12 bytes");
-  add("sound in the header", [](O& o) { o.stated_data_offset = 5; }, CORVIN_E_FORMAT, 0, "begin");
-  add("sound beyond", [](O& o) { o.stated_data_offset = 9999; }, CORVIN_E_FORMAT, 0, "begin");
+  add(
+      "sound", [](O&) {}, CORVIN_OK, 56, "");
+  add(
+      "no size", [](O& o) { o.file_size = 0; }, CORVIN_OK, 56, "own end");
+  add(
+      "more than there is", [](O& o) { o.file_size = 5000; }, CORVIN_OK, 56, "is cut short");
+  add(
+      "most", [](O& o) { o.file_size = UINT64_MAX; }, CORVIN_OK, 56, "is cut short");
+  add(
+      "less than there is", [](O& o) { o.file_size = 2048 + 9; }, CORVIN_OK, 24, "12 bytes");
+  add(
+      "sound in the header", [](O& o) { o.stated_data_offset = 5; }, CORVIN_E_FORMAT, 0, "begin");
+  add(
+      "sound beyond", [](O& o) { o.stated_data_offset = 9999; }, CORVIN_E_FORMAT, 0, "begin");
   return faults;
 }
 

@@ -152,14 +152,13 @@ TEST(RoundTrip, SpeakersAreNamedAndFound) {
   const struct {
     corvin_container container;
     std::uint32_t channels, asked, found;
-  } kCases[] = {{CORVIN_DSF, 1, 0, 4},          {CORVIN_DSF, 2, 0, 3},
-                {CORVIN_DSF, 3, 0, 7},          {CORVIN_DSF, 4, 0, 0x33},
-                {CORVIN_DSF, 4, 0xf, 0xf},      {CORVIN_DSF, 5, 0, 0x37},
-                {CORVIN_DSF, 6, 0, 0x3f},       {CORVIN_DSDIFF, 1, 0, 4},
-                {CORVIN_DSDIFF, 2, 0, 3},       {CORVIN_DSDIFF, 3, 0xb, 0xb},
-                {CORVIN_DSDIFF, 4, 0, 0x33},    {CORVIN_DSDIFF, 5, 0, 0x37},
-                {CORVIN_DSDIFF, 6, 0, 0x3f},    {CORVIN_DSDIFF, 7, 0, 0},
-                {CORVIN_DSDIFF, 2, 0x600, 0},   {CORVIN_ONE_BIT, 2, 0, 3}};
+  } kCases[] = {
+      {CORVIN_DSF, 1, 0, 4},        {CORVIN_DSF, 2, 0, 3},       {CORVIN_DSF, 3, 0, 7},
+      {CORVIN_DSF, 4, 0, 0x33},     {CORVIN_DSF, 4, 0xf, 0xf},   {CORVIN_DSF, 5, 0, 0x37},
+      {CORVIN_DSF, 6, 0, 0x3f},     {CORVIN_DSDIFF, 1, 0, 4},    {CORVIN_DSDIFF, 2, 0, 3},
+      {CORVIN_DSDIFF, 3, 0xb, 0xb}, {CORVIN_DSDIFF, 4, 0, 0x33}, {CORVIN_DSDIFF, 5, 0, 0x37},
+      {CORVIN_DSDIFF, 6, 0, 0x3f},  {CORVIN_DSDIFF, 7, 0, 0},    {CORVIN_DSDIFF, 2, 0x600, 0},
+      {CORVIN_ONE_BIT, 2, 0, 3}};
   for (const auto& one : kCases) {
     WriterSettings settings = writer_settings(one.container, one.channels);
     settings.speakers = one.asked;
@@ -257,7 +256,8 @@ TEST(RoundTrip, CopiesBetweenContainers) {
 
 TEST(WriterPath, TheNameStandsForWholeFilesOnly) {
   namespace fs = std::filesystem;
-  const fs::path folder = fs::path(::testing::TempDir()) / ("corvin_new_" + std::to_string(getpid()));
+  const fs::path folder =
+      fs::path(::testing::TempDir()) / ("corvin_new_" + std::to_string(getpid()));
   fs::create_directory(folder);
   const std::string path = folder / "out.dsf";
   const std::string link = folder / "link.dsf";
@@ -288,7 +288,7 @@ TEST(WriterPath, TheNameStandsForWholeFilesOnly) {
   corvin_writer* writer = nullptr;
   const WriterSettings settings;
   for (const std::string& bad : {folder.string(), (folder / "none" / "x").string(),
-                                std::string("/dev/null"), std::string()}) {
+                                 std::string("/dev/null"), std::string()}) {
     EXPECT_EQ(corvin_writer_create(bad.c_str(), &settings, &writer), CORVIN_E_WRITE) << bad;
     EXPECT_NE(errno, 0);
   }
