@@ -206,7 +206,7 @@ TEST(Convert, TellsProgressAndEndsWhereverItIsAsked) {
   }
 }
 
-// Two minutes after two seconds: the process has not grown by more than a sanitizer's bookkeeping.
+// Four minutes, 81 MiB, after two seconds: the process grows by no more than a sanitizer keeps back.
 TEST(Convert, MemoryDoesNotGrowWithTheLength) {
   struct Silence {
     Bytes header;
@@ -251,7 +251,7 @@ TEST(Convert, MemoryDoesNotGrowWithTheLength) {
     return static_cast<double>(usage.ru_maxrss) / 1024;
   };
   const double before = megabytes_after(2);
-  EXPECT_LT(megabytes_after(120) - before, 8);
+  EXPECT_LT(megabytes_after(240) - before, 32);
 }
 
 TEST(Convert, SourcesThatFailInTheMiddle) {
