@@ -118,8 +118,7 @@ ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
   job.line.show(0);
   const int status = corvin_convert_to_pcm(source.handle(), &settings, &sink, &result);
   job.line.clear();
-  if (status == CORVIN_E_WRITE)
-    return report(options.output, {kWriteError, job.writer->error()});
+  if (status == CORVIN_E_WRITE) return report(options.output, {kWriteError, job.writer->error()});
   if (status != CORVIN_OK) return report(options.input, failure_of(status, source));
   if (result.frames == 0 && info.stated_samples != 0)
     return report(options.input, {kBadInput, "holds no sound that can be converted"});

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Writes PCM that is ready for the file (signed or floating, least significant byte first) as WAV, or as RF64
-// when it outgrows WAV's 4 GiB.
+// Writes PCM that is ready for the file (signed or floating, least significant byte first) as WAV,
+// with the names of more than two channels, or as RF64 when it outgrows WAV's 4 GiB.
 
 #ifndef CORVIN_CLI_WAV_WRITER_H_
 #define CORVIN_CLI_WAV_WRITER_H_

@@ -16,7 +16,8 @@ inline constexpr std::array<std::uint8_t, 256> kReversedBits = [] {
   std::array<std::uint8_t, 256> table{};
   for (unsigned byte = 0; byte < 256; ++byte) {
     for (unsigned bit = 0; bit < 8; ++bit) {
-      if ((byte >> bit & 1) != 0) table[byte] = static_cast<std::uint8_t>(table[byte] | 0x80 >> bit);
+      if ((byte >> bit & 1) != 0)
+        table[byte] = static_cast<std::uint8_t>(table[byte] | 0x80 >> bit);
     }
   }
   return table;

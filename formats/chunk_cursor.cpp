@@ -16,15 +16,11 @@ ChunkCursor::ChunkCursor(std::FILE* file, ByteOrder order)
   const off_t end = ftello(file);
   if (fseeko(file, start, SEEK_SET) != 0 || end < 0) return;
   position_ = static_cast<std::uint64_t>(start);
-  file_size_ = limit_ = static_cast<std::uint64_t>(end);
+  file_size_ = static_cast<std::uint64_t>(end);
 }
 
 ChunkCursor::ChunkCursor(ByteSource& source, ByteOrder order)
-    : file_(nullptr),
-      source_(&source),
-      order_(order),
-      file_size_(source.Size()),
-      limit_(source.Size()) {}
+    : file_(nullptr), source_(&source), order_(order), file_size_(source.Size()) {}
 
 bool ChunkCursor::Read(void* to, std::size_t bytes) {
   if (left() < bytes) return false;

@@ -52,23 +52,18 @@ class ChunkCursor {
   /// as a signed number: a walk would go backwards by it. Nor after 65536 headers.
   bool ReadHeader(ChunkHeader& header);
 
-  /// Moves forward; false, and nothing moves, when the limit is nearer than that.
+  /// Moves forward; false, and nothing moves, when the end is nearer than that.
   bool Skip(std::uint64_t bytes);
 
   /// Moves back over bytes just read; false, and nothing moves, before the start of the file.
   bool StepBack(std::uint64_t bytes);
 
-  /// Moves anywhere up to the limit; false, and nothing moves, beyond it.
-  bool SeekTo(std::uint64_t offset) { return offset <= limit_ && MoveTo(offset); }
+  /// Moves anywhere up to the end; false, and nothing moves, beyond it.
+  bool SeekTo(std::uint64_t offset) { return offset <= file_size_ && MoveTo(offset); }
 
   std::uint64_t position() const { return position_; }
   std::uint64_t file_size() const { return file_size_; }
-
-  /// The offset at which the cursor's world ends: the end of the file, or of an enclosing chunk.
-  std::uint64_t limit() const { return limit_; }
-  /// Sets the limit, at most to the end of the file.
-  void set_limit(std::uint64_t offset) { limit_ = offset < file_size_ ? offset : file_size_; }
-  std::uint64_t left() const { return position_ < limit_ ? limit_ - position_ : 0; }
+  std::uint64_t left() const { return position_ < file_size_ ? file_size_ - position_ : 0; }
 
  private:
   bool MoveTo(std::uint64_t offset);
@@ -78,7 +73,6 @@ class ChunkCursor {
   ByteOrder order_;
   std::uint64_t position_ = 0;
   std::uint64_t file_size_ = 0;
-  std::uint64_t limit_ = 0;
   int headers_ = 0;  ///< read so far
 };
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// DSDIFF: one form of chunks, each padded to an even length. Real files state sizes of a stereo file
-// for every channel count, leave out pad bytes, or never came to state a size at all; where a size
-// does not lead to a chunk of a known name, places where one may have been meant are tried.
+// DSDIFF: one form of chunks, each padded to an even length. Real files state sizes of a stereo
+// file for every channel count, leave out pad bytes, or never came to state a size at all; where a
+// size does not lead to a chunk of a known name, places where one may have been meant are tried.
 
 #include <algorithm>
 #include <array>
@@ -50,8 +50,7 @@ std::uint32_t SpeakerOf(const ChunkId& id) {
 
 class DsdiffWalk {
  public:
-  DsdiffWalk(ByteSource& source, SoundFile& file)
-      : file_(file), cursor_(source, ByteOrder::kBig) {}
+  DsdiffWalk(ByteSource& source, SoundFile& file) : file_(file), cursor_(source, ByteOrder::kBig) {}
 
   void Run() {
     ChunkHeader form;
@@ -146,9 +145,8 @@ class DsdiffWalk {
     const std::uint64_t left = cursor_.file_size() - body;
     stated_sound_ = chunk.size;
     const auto next = IdAt(body);
-    const bool never_stated =
-        chunk.size > static_cast<std::uint64_t>(INT64_MAX) ||
-        (chunk.size == 0 && left > 0 && !(next && IsOfForm(*next)));
+    const bool never_stated = chunk.size > static_cast<std::uint64_t>(INT64_MAX) ||
+                              (chunk.size == 0 && left > 0 && !(next && IsOfForm(*next)));
     if (never_stated) {
       file_.Warn("the sound chunk states no size; the file's end stands in");
       stated_sound_ = left;
@@ -158,8 +156,7 @@ class DsdiffWalk {
   }
 
   std::uint64_t ReadProperties(const ChunkHeader& properties, std::uint64_t body) {
-    const std::uint64_t end =
-        body + std::min(properties.size, cursor_.file_size() - body);
+    const std::uint64_t end = body + std::min(properties.size, cursor_.file_size() - body);
     const auto type = IdAt(body);
     if (type != MakeChunkId("SND ")) return Behind(properties, body, IsOfForm);
     std::uint64_t place = body + 4;
@@ -191,7 +188,8 @@ class DsdiffWalk {
     } else if (chunk.id == MakeChunkId("ID3 ")) {
       file_.id3.push_back({body, there});
     }
-    return Behind(chunk, body, [](const ChunkId& id) { return IsOfProperties(id) || IsOfForm(id); });
+    return Behind(chunk, body,
+                  [](const ChunkId& id) { return IsOfProperties(id) || IsOfForm(id); });
   }
 
   std::uint64_t ReadChannels(const ChunkHeader& chunk, std::uint64_t body) {

@@ -43,8 +43,8 @@ class DsfWalk {
   void CheckEnd() {
     const std::uint64_t size = source_.Size();
     if (stated_bytes_ != size) {
-      file_.Warn("the header states a file of " + std::to_string(stated_bytes_) + " bytes; it has " +
-                 std::to_string(size));
+      file_.Warn("the header states a file of " + std::to_string(stated_bytes_) +
+                 " bytes; it has " + std::to_string(size));
     }
     if (!has_sound_) return;
     std::uint64_t end = file_.sound.offset + file_.sound.bytes;
@@ -123,9 +123,8 @@ class DsfWalk {
     file_.speakers = SpeakersOfDsfType(type);
     if (static_cast<std::uint32_t>(std::popcount(file_.speakers)) != file_.channels) {
       if (file_.speakers != 0) {
-        file_.Warn("the channel type is that of " +
-                   std::to_string(std::popcount(file_.speakers)) + " channels, not of " +
-                   std::to_string(file_.channels));
+        file_.Warn("the channel type is that of " + std::to_string(std::popcount(file_.speakers)) +
+                   " channels, not of " + std::to_string(file_.channels));
       }
       file_.speakers = 0;
     }

@@ -55,8 +55,8 @@ std::optional<ByteSpan> UnwrappedBody(std::uint8_t flags, ByteSpan body, Bytes& 
   constexpr std::uint8_t kUnsynchronised = 0x02;
   constexpr std::uint8_t kLengthStated = 0x01;
   if ((flags & (kCompressed | kEncrypted)) != 0) return std::nullopt;
-  const std::size_t extra = ((flags & kGrouped) != 0 ? 1u : 0u) +
-                            ((flags & kLengthStated) != 0 ? 4u : 0u);
+  const std::size_t extra =
+      ((flags & kGrouped) != 0 ? 1u : 0u) + ((flags & kLengthStated) != 0 ? 4u : 0u);
   if (body.size() < extra) return std::nullopt;
   body = body.subspan(extra);
   if ((flags & kUnsynchronised) == 0) return body;
@@ -122,16 +122,16 @@ bool ReadId3Block(ByteSpan block, DSD_TAG& tag) {
     block = storage;
   }
   if ((flags & kExtended) != 0 && block.size() >= 4) {
-    const std::size_t extended = version == 4 ? SevenBitSize(block.data())
-                                              : std::size_t{4} + Load<std::uint32_t>(
-                                                                     ByteOrder::kBig, block.data());
+    const std::size_t extended =
+        version == 4 ? SevenBitSize(block.data())
+                     : std::size_t{4} + Load<std::uint32_t>(ByteOrder::kBig, block.data());
     block = block.subspan(std::min(extended, block.size()));
   }
   PlainFrames frames;
   while (block.size() >= kFrameHeaderBytes && block[0] != 0) {
     const ChunkId id{block[0], block[1], block[2], block[3]};
-    const std::size_t stated = version == 4 ? SevenBitSize(&block[4])
-                                            : Load<std::uint32_t>(ByteOrder::kBig, &block[4]);
+    const std::size_t stated =
+        version == 4 ? SevenBitSize(&block[4]) : Load<std::uint32_t>(ByteOrder::kBig, &block[4]);
     const std::uint8_t format = block[9];
     block = block.subspan(kFrameHeaderBytes);
     const ByteSpan body = block.first(std::min(stated, block.size()));

@@ -23,9 +23,9 @@ inline constexpr std::size_t kId3HeaderBytes = 10;
 /// when none begins there.
 std::uint64_t Id3BlockBytes(ByteSpan header);
 
-/// Reads a whole block into a record as Read_id3tag_v2() would read a plain one. Of the comments the
-/// first with an empty description counts, else the first. False when it holds no frame.
-/// Throws std::bad_alloc.
+/// Reads a whole block into a record as Read_id3tag_v2() would read a plain one. Of the comments
+/// the first with an empty description counts, else the first. False when it holds no frame. Throws
+/// std::bad_alloc.
 bool ReadId3Block(ByteSpan block, DSD_TAG& tag);
 
 /// Reads the frames of a plain 2.3 block. 0 when there is one, 1 when there is none, -1 when memory

@@ -39,8 +39,8 @@ bool NewFile::Open(const char* path) {
   // Not made from the target's name, which may be as long as a name can be. Not mkstemp(), which
   // would keep the file from other users.
   for (int attempt = 0; attempt < 1000; ++attempt) {
-    std::string name = directory + ".corvin-" + std::to_string(getpid()) + "-" +
-                       std::to_string(attempt) + ".new";
+    std::string name =
+        directory + ".corvin-" + std::to_string(getpid()) + "-" + std::to_string(attempt) + ".new";
     descriptor_ = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor_ >= 0) {
       temporary_ = std::move(name);

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // A file that takes its name only when it is complete: written beside it under another one and
-// renamed then, so that the name never stands for half a file and an older file stays until there is
-// a new one.
+// renamed then, so that the name never stands for half a file and an older file stays until there
+// is a new one.
 
 #ifndef CORVIN_FORMATS_NEW_FILE_H_
 #define CORVIN_FORMATS_NEW_FILE_H_

@@ -42,9 +42,8 @@ bool ReadSoundFile(ByteSource& source, SoundFile& file) {
   if (file.channels == 0) {
     file.Fail(Readable::kDamaged, "is damaged: its headers declare no channels");
   } else if (file.channels > kMaxChannels) {
-    file.Fail(Readable::kUnsupported, "has " + std::to_string(file.channels) +
-                                          " channels; up to " + std::to_string(kMaxChannels) +
-                                          " can be read");
+    file.Fail(Readable::kUnsupported, "has " + std::to_string(file.channels) + " channels; up to " +
+                                          std::to_string(kMaxChannels) + " can be read");
   }
   if (file.rate_hz == 0) {
     file.Fail(Readable::kDamaged, "is damaged: its headers declare no rate");

@@ -20,8 +20,8 @@ class SoundReader {
   SoundReader(ByteSource& source, const SoundFile& file);
 
   /// Reads `bytes` bytes of each channel from the position on; byte i of channel c goes to
-  /// out[c][i * stride]. Returns how many there were: fewer at the end, and when the source fails or
-  /// has become shorter; then failed(). Bits behind the last sample are silence.
+  /// out[c][i * stride]. Returns how many there were: fewer at the end, and when the source fails
+  /// or has become shorter; then failed(). Bits behind the last sample are silence.
   std::size_t Read(std::uint8_t* const* out, std::size_t stride, std::size_t bytes, bool lsb_first);
 
   /// Moves to byte `position` of each channel, at most the end.

@@ -17,8 +17,7 @@ void ReadText(ByteSource& source, const ByteRange& range, std::span<char> field)
   if (range.bytes == 0) return;
   // A character more than the field holds, so that the cut falls between two.
   std::array<std::uint8_t, CORVIN_TAG_TEXT_BYTES + 4> text;
-  const auto wanted =
-      static_cast<std::size_t>(std::min<std::uint64_t>(range.bytes, text.size()));
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(range.bytes, text.size()));
   const std::size_t count = source.Read(range.offset, text.data(), wanted);
   StoreText(TextEncoding::kUtf8, ByteSpan(text).first(count), field);
 }

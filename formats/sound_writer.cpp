@@ -65,7 +65,8 @@ std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
   if (names.size() == 4 * channels) return names;
   names.clear();
   for (std::uint32_t c = 0; c < channels; ++c) {
-    const char digits[] = {'C', '0', static_cast<char>('0' + c / 10), static_cast<char>('0' + c % 10)};
+    const char digits[] = {'C', '0', static_cast<char>('0' + c / 10),
+                           static_cast<char>('0' + c % 10)};
     names.append(digits, sizeof digits);
   }
   return names;
@@ -215,8 +216,7 @@ std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t id3_bytes) con
 
 std::vector<std::uint8_t> SoundWriter::OneBitHeader() const {
   const std::uint64_t end = kOneBitHeaderBytes + SoundBytes();
-  const std::uint64_t seconds =
-      (channel_bytes_ * 8 + format_.rate_hz - 1) / format_.rate_hz;
+  const std::uint64_t seconds = (channel_bytes_ * 8 + format_.rate_hz - 1) / format_.rate_hz;
   Fields out(ByteOrder::kBig);
   out.Text("1bit").Number(0, 4).Number(0x10000000, 4);
   out.Number(end & 0xffffffff, 4).Number(end >> 32, 4);  // the low word first

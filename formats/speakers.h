@@ -31,10 +31,14 @@ constexpr std::uint32_t UsualSpeakers(std::uint32_t channels) {
 
 /// The layouts of DSF's channel types 1 to 7, by type; 0 for all others.
 constexpr std::uint32_t SpeakersOfDsfType(std::uint32_t type) {
-  constexpr std::uint32_t kTypes[] = {
-      0,     kFrontCentre, kStereo, kStereo | kFrontCentre,
-      kQuad, kStereo | kFrontCentre | kLowFrequencies,
-      kQuad | kFrontCentre, kSurround51};
+  constexpr std::uint32_t kTypes[] = {0,
+                                      kFrontCentre,
+                                      kStereo,
+                                      kStereo | kFrontCentre,
+                                      kQuad,
+                                      kStereo | kFrontCentre | kLowFrequencies,
+                                      kQuad | kFrontCentre,
+                                      kSurround51};
   return type <= 7 ? kTypes[type] : 0;
 }
 

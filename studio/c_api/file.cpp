@@ -82,9 +82,9 @@ int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file) {
   const std::int64_t size = known.length(known.user);
   if (size < 0) return CORVIN_E_READ;
   try {
-    return corvin::studio::open_source(std::make_unique<corvin::studio::StreamSource>(
-                                           known, static_cast<std::uint64_t>(size)),
-                                       file);
+    return corvin::studio::open_source(
+        std::make_unique<corvin::studio::StreamSource>(known, static_cast<std::uint64_t>(size)),
+        file);
   } catch (const std::exception&) {
     return CORVIN_E_MEMORY;
   }

@@ -61,8 +61,7 @@ class StreamSink : public formats::ByteSink {
   explicit StreamSink(const corvin_stream& stream) : stream_(stream) {}
 
   bool Write(std::uint64_t offset, const void* from, std::size_t bytes) override {
-    return stream_.seek(stream_.user, offset) == 0 &&
-           stream_.write(stream_.user, from, bytes) == 0;
+    return stream_.seek(stream_.user, offset) == 0 && stream_.write(stream_.user, from, bytes) == 0;
   }
 
  private:

@@ -31,8 +31,7 @@ ReadAhead::~ReadAhead() {
 
 // False when the source has less than it should.
 bool ReadAhead::fill(Block& block) {
-  const auto wanted =
-      static_cast<std::size_t>(std::min<std::uint64_t>(left_, block.bytes.size()));
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left_, block.bytes.size()));
   block.count = source_.Read(offset_, block.bytes.data(), wanted);
   offset_ += block.count;
   left_ -= block.count;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The bytes of a part of a file, block by block, read on a thread of its own while the blocks before
-// are worked on, or on the caller's.
+// The bytes of a part of a file, block by block, read on a thread of its own while the blocks
+// before are worked on, or on the caller's.
 
 #ifndef CORVIN_STUDIO_CONVERT_READ_AHEAD_H_
 #define CORVIN_STUDIO_CONVERT_READ_AHEAD_H_

@@ -99,9 +99,9 @@ int convert_to_pcm(formats::ByteSource& source, const formats::SoundFile& file,
   std::unique_ptr<Decoder> decoder;
   const int status = Decoder::create(decoder_settings(file, settings), decoder);
   if (status != CORVIN_OK) return status;
-  const corvin_pcm_format format = {sizeof format,   settings.pcm_rate, file.channels,
-                                    file.speakers,   settings.format,
-                                    decoder->frames_of(file.samples)};
+  const corvin_pcm_format format = {sizeof format,   settings.pcm_rate,
+                                    file.channels,   file.speakers,
+                                    settings.format, decoder->frames_of(file.samples)};
   Conversion conversion(*decoder, settings, sink, decoder->frame_bytes(), file.channels,
                         file.samples);
   // Without samples there may be padding all the same, which is not to sound.

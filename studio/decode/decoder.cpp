@@ -28,8 +28,8 @@ std::size_t round_up(std::size_t value, std::size_t grain) {
   return (value + grain - 1) / grain * grain;
 }
 
-// Enough pieces to keep the workers busy while others are taken in and out, as far as memory that is
-// no burden reaches; and one for each worker, one coming in and one going out at least.
+// Enough pieces to keep the workers busy while others are taken in and out, as far as memory that
+// is no burden reaches; and one for each worker, one coming in and one going out at least.
 std::size_t ring_pieces(std::size_t threads, std::size_t piece_bytes) {
   constexpr std::size_t kMostBytes = 24 << 20;
   return std::clamp(kMostBytes / piece_bytes, threads + 2, 6 * threads + 2);
@@ -96,7 +96,8 @@ Decoder::Decoder(const corvin_decoder_settings& settings, DecodePlan plan, const
   const std::size_t threads = std::max<std::size_t>(1, settings.threads);
   workers_.reserve(threads);
   for (std::size_t i = 0; i < threads; ++i) {
-    workers_.push_back({BlockFilter(plan_, kernels_), SampleOutput(settings, *kernels.quantise), {}});
+    workers_.push_back(
+        {BlockFilter(plan_, kernels_), SampleOutput(settings, *kernels.quantise), {}});
   }
   const bool serial = workers_[0].output.is_serial();
   const std::size_t samples = channels_ * piece_frames_;
@@ -300,8 +301,8 @@ void Decoder::settle_length() {
     for (std::size_t c = 0; c < channels_; ++c) {
       std::memset(&piece.in[c * piece_stride_ + filled_], idle_byte_, piece_bytes_ - filled_);
     }
-    submit(static_cast<std::size_t>(std::min<std::uint64_t>(
-        piece_frames_, length_frames_ - filling_ * piece_frames_)));
+    submit(static_cast<std::size_t>(
+        std::min<std::uint64_t>(piece_frames_, length_frames_ - filling_ * piece_frames_)));
   }
 }
 
@@ -313,8 +314,8 @@ bool Decoder::ready() {
   if (pool_->finished(job)) return true;
   const bool full = filling_ - draining_ == pieces_.size();
   if (!finishing_ && !full) return false;
-  // Being woken costs as much as a good part of a piece: with a full ring, half of it at a time. The
-  // workers go on with the other half meanwhile.
+  // Being woken costs as much as a good part of a piece: with a full ring, half of it at a time.
+  // The workers go on with the other half meanwhile.
   if (full && settings_.low_latency == 0) {
     pool_->wait_for(place_of(draining_ + pieces_.size() / 2));
   }

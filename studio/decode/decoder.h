@@ -3,7 +3,8 @@
 //
 // A DSD stream in, PCM out: gathers bytes into pieces of the plan's grid, has them filtered and
 // brought into the caller's format on this thread or by workers, and hands out the frames in order.
-// Noise shaping alone, where each sample depends on those before, is done when frames are handed out.
+// Noise shaping alone, where each sample depends on those before, is done when frames are handed
+// out.
 //
 // A piece covers the same span of every channel. The ring holds pieces in stream order; each begins
 // with a copy of the bytes that it shares with the one before, so that pieces never share memory.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The last step: samples of +-1.0 to the caller's format, with gain, dither and the tally. One object
-// for each thread, for it has scratch memory.
+// The last step: samples of +-1.0 to the caller's format, with gain, dither and the tally. One
+// object for each thread, for it has scratch memory.
 
 #ifndef CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_
 #define CORVIN_STUDIO_DECODE_SAMPLE_OUTPUT_H_

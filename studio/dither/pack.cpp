@@ -29,8 +29,8 @@ void pack_words(const In* const* in, std::size_t channels, std::size_t count, st
   }
 }
 
-// Four bytes at a time, of which the next sample overwrites the fourth; so the last frame is not for
-// this loop. The stereo loop is the general one with a number that the compiler knows.
+// Four bytes at a time, of which the next sample overwrites the fourth; so the last frame is not
+// for this loop. The stereo loop is the general one with a number that the compiler knows.
 void pack_triples(const std::int32_t* const* in, std::size_t channels, std::size_t count,
                   std::uint8_t* out) {
   const auto pack = [&](auto known_channels) {

@@ -89,7 +89,7 @@ TEST(PcmToDsd, FilesByteForByte) {
     const auto n = static_cast<std::size_t>(job.channels);
     const std::uint64_t samples = job.frames * 2822400 / static_cast<std::uint64_t>(job.pcm_rate);
     const Bytes &dsdiff = files[3 * i], &dsf = files[3 * i + 1], &one_bit = files[3 * i + 2];
-    const std::size_t sound_bytes = (samples + 7) / 8 * n;
+    const std::size_t sound_bytes = static_cast<std::size_t>((samples + 7) / 8) * n;
     ASSERT_GT(dsdiff.size(), sound_bytes);
     const Bytes sound(dsdiff.end() - static_cast<long>(sound_bytes), dsdiff.end());
 

@@ -197,7 +197,8 @@ TEST(Convert, TellsProgressAndEndsWhereverItIsAsked) {
   }
 }
 
-// Two minutes after two seconds: the process has not grown by more than a sanitizer's bookkeeping.
+// Four minutes, 81 MiB, after two seconds: the process grows by no more than a sanitizer keeps
+// back.
 TEST(Convert, MemoryDoesNotGrowWithTheLength) {
   const auto megabytes_after = [](std::uint64_t seconds) {
     testing::DsdiffOptions options;
@@ -217,7 +218,7 @@ TEST(Convert, MemoryDoesNotGrowWithTheLength) {
     return static_cast<double>(usage.ru_maxrss) / 1024;
   };
   const double before = megabytes_after(2);
-  EXPECT_LT(megabytes_after(120) - before, 8);
+  EXPECT_LT(megabytes_after(240) - before, 32);
 }
 
 TEST(Convert, RefusesWhatItCannotDo) {

@@ -33,8 +33,8 @@ struct Pcm {
     source.read = [](void* user, void* frames, std::size_t count) -> std::int64_t {
       Pcm& self = *static_cast<Pcm*>(user);
       if (self.calls_left-- <= 0) return -1;
-      count = std::min({count, self.most_at_once,
-                        (self.data.size() - self.position) / self.frame_bytes});
+      count = std::min(
+          {count, self.most_at_once, (self.data.size() - self.position) / self.frame_bytes});
       const std::size_t bytes = count * self.frame_bytes;
       if (bytes > 0) std::memcpy(frames, &self.data[self.position], bytes);
       self.position += bytes;
@@ -70,8 +70,7 @@ TEST(ConvertToDsd, IsTheEncoderIntoEveryContainer) {
         EXPECT_EQ(report.samples, samples);
         EXPECT_GT(report.limited, 0u);  // the noise's peaks
         MemoryFile file(stream.bytes);
-        EXPECT_EQ(file.info().samples,
-                  container == CORVIN_DSF ? samples : (samples + 7) / 8 * 8);
+        EXPECT_EQ(file.info().samples, container == CORVIN_DSF ? samples : (samples + 7) / 8 * 8);
         EXPECT_TRUE(read_all(file) == expected)
             << container << ", " << channels << " channels, " << threads;
       }

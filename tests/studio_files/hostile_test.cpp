@@ -122,96 +122,108 @@ TEST(Hostile, MillionsOfChunks) {
   survive(file);
 }
 
+struct Told {
+  std::uint64_t samples;
+  std::string said;  // part of a warning or of the problem; empty: nothing at all
+  int readable = CORVIN_OK;
+};
+
 struct Fault {
   std::string name;
   Bytes file;
-  std::uint64_t samples;
-  std::string said;  // part of a warning or of the problem; empty: nothing at all
-  int readable;
+  Told told;
 };
 
 std::vector<Fault> all_faults() {
   std::vector<Fault> faults;
   using Dsf = DsfOptions;
-  const auto dsf = [&](const char* name, auto change, std::uint64_t samples, const char* said,
-                       int readable = CORVIN_OK) {
+  const auto dsf = [&](const std::string& name, const Told& told, auto change) {
     Dsf options;
     options.block_bytes = 16;
     change(options);
     const Bytes file = DsfFile(2, 2822400, Bytes(80, kIdle), options);
-    faults.push_back({std::string("DSF: ") + name, file, samples, said, readable});
+    faults.push_back({"DSF: " + name, file, told});
   };
-  dsf("sound", [](Dsf&) {}, 320, "");
-  dsf("size without the header of the sound", [](Dsf& o) { o.data_size = 96; }, 320, "");
-  dsf("wrong size of the sound", [](Dsf& o) { o.data_size = 1; }, 320, "sound chunk states");
-  dsf("more samples than there are", [](Dsf& o) { o.sample_count = 1000; }, 384,
-      "of the 1000 samples");
-  dsf("most samples", [](Dsf& o) { o.sample_count = UINT64_MAX; }, 384, "is cut short");
-  dsf("no samples", [](Dsf& o) { o.sample_count = 0; }, 384, "declare no samples");
-  dsf("no channels", [](Dsf& o) { o.stated_channels = 0; }, 0, "no channels", CORVIN_E_FORMAT);
-  dsf("many channels", [](Dsf& o) { o.stated_channels = 200; }, 0, "200 channels",
-      CORVIN_E_UNSUPPORTED);
-  dsf("no block", [](Dsf& o) { o.stated_block_bytes = 0; }, 0, "blocks of 0 bytes",
-      CORVIN_E_FORMAT);
-  dsf("huge block", [](Dsf& o) { o.stated_block_bytes = 0xffffffff; }, 0, "blocks of",
-      CORVIN_E_FORMAT);
-  dsf("other bits", [](Dsf& o) { o.bits_per_sample = 16; }, 320, "16 bits per sample");
-  dsf("format chunk of size 0", [](Dsf& o) { o.fmt_size = 0; }, 320, "format chunk");
-  dsf("tag beyond the end", [](Dsf& o) { o.metadata_pointer = 1u << 30; }, 320, "tag");
-  dsf("tag in the sound", [](Dsf& o) { o.metadata_pointer = 100; }, 320, "tag");
-  dsf("trailing bytes", [](Dsf& o) { o.tag = Bytes(9); o.metadata_pointer = 0; }, 320,
-      "9 bytes at the end");
-  dsf("unknown chunk", [](Dsf& o) { o.before_data = testing::DsfChunk("what", Bytes(7)); }, 320,
-      "");
-  dsf("chunk of size 0", [](Dsf& o) { o.before_data = testing::DsfChunk("what", Bytes(7), 0); },
-      0, "no sound chunk", CORVIN_E_FORMAT);
+  dsf("sound", {320, ""}, [](Dsf&) {});
+  dsf("size without the header of the sound", {320, ""}, [](Dsf& o) { o.data_size = 96; });
+  dsf("wrong size of the sound", {320, "sound chunk states"}, [](Dsf& o) { o.data_size = 1; });
+  dsf("more samples than there are", {384, "of the 1000 samples"},
+      [](Dsf& o) { o.sample_count = 1000; });
+  dsf("most samples", {384, "is cut short"}, [](Dsf& o) { o.sample_count = UINT64_MAX; });
+  dsf("no samples", {384, "declare no samples"}, [](Dsf& o) { o.sample_count = 0; });
+  dsf("no channels", {0, "no channels", CORVIN_E_FORMAT}, [](Dsf& o) { o.stated_channels = 0; });
+  dsf("many channels", {0, "200 channels", CORVIN_E_UNSUPPORTED},
+      [](Dsf& o) { o.stated_channels = 200; });
+  dsf("no block", {0, "blocks of 0 bytes", CORVIN_E_FORMAT},
+      [](Dsf& o) { o.stated_block_bytes = 0; });
+  dsf("huge block", {0, "blocks of", CORVIN_E_FORMAT},
+      [](Dsf& o) { o.stated_block_bytes = 0xffffffff; });
+  dsf("other bits", {320, "16 bits per sample"}, [](Dsf& o) { o.bits_per_sample = 16; });
+  dsf("format chunk of size 0", {320, "format chunk"}, [](Dsf& o) { o.fmt_size = 0; });
+  dsf("tag beyond the end", {320, "tag"}, [](Dsf& o) { o.metadata_pointer = 1u << 30; });
+  dsf("tag in the sound", {320, "tag"}, [](Dsf& o) { o.metadata_pointer = 100; });
+  dsf("trailing bytes", {320, "9 bytes at the end"}, [](Dsf& o) {
+    o.tag = Bytes(9);
+    o.metadata_pointer = 0;
+  });
+  dsf("unknown chunk", {320, ""},
+      [](Dsf& o) { o.before_data = testing::DsfChunk("what", Bytes(7)); });
+  dsf("chunk of size 0", {0, "no sound chunk", CORVIN_E_FORMAT},
+      [](Dsf& o) { o.before_data = testing::DsfChunk("what", Bytes(7), 0); });
 
   using Dff = DsdiffOptions;
-  const auto dff = [&](const char* name, std::uint16_t channels, auto change, std::uint64_t samples,
-                       const char* said, int readable = CORVIN_OK) {
+  const auto dff = [&](const std::string& name, std::uint16_t channels, const Told& told,
+                       auto change) {
     Dff options;
     change(options);
     const Bytes file = DsdiffFile(channels, 2822400, Bytes(channels * 7u, kIdle), options);
-    faults.push_back({std::string("DSDIFF: ") + name, file, samples, said, readable});
+    faults.push_back({"DSDIFF: " + name, file, told});
   };
-  dff("sound", 2, [](Dff&) {}, 56, "");
+  dff("sound", 2, {56, ""}, [](Dff&) {});
   // As a stereo file's, whatever the channels.
-  dff("sizes of stereo, one channel", 1,
-      [](Dff& o) { o.channels_size = 10; o.properties_size = 74; }, 56, "wrong size");
-  dff("sizes of stereo, five channels", 5,
-      [](Dff& o) { o.channels_size = 10; o.properties_size = 74; }, 56, "wrong size");
-  dff("a name too few", 4, [](Dff& o) { o.stated_channels = 5; o.channels_size = 10; }, 40,
-      "does not name each channel");
-  dff("no properties size", 2, [](Dff& o) { o.properties_size = 0; }, 56, "property chunk");
-  dff("huge properties", 2, [](Dff& o) { o.properties_size = 1u << 30; }, 56, "property chunk");
-  dff("no pad byte", 2, [](Dff& o) { o.before_sound = DsdiffChunk("MANF", Bytes(3)); }, 56,
-      "no pad byte");
-  dff("pad byte", 2, [](Dff& o) { o.before_sound = DsdiffChunk("MANF", Bytes(4), 3); }, 56, "");
-  dff("no size of the sound", 2, [](Dff& o) { o.sound_size = 0; }, 56, "no size");
-  dff("unset size of the sound", 2, [](Dff& o) { o.sound_size = UINT64_MAX; }, 56, "no size");
-  dff("more sound than there is", 2, [](Dff& o) { o.sound_size = 1000; }, 56,
-      "of the 4000 samples");
-  dff("a group that is cut", 3, [](Dff& o) { o.sound_size = 20; }, 48, "that rest");
-  dff("compressed", 2, [](Dff& o) { o.compression_type = "DST "; }, 0, "DST", CORVIN_E_COMPRESSED);
-  dff("no compression type", 2, [](Dff& o) { o.compression_chunk = false; }, 56,
-      "compression type");
-  dff("200 channels", 2, [](Dff& o) { o.stated_channels = 200; }, 0, "200", CORVIN_E_UNSUPPORTED);
-  dff("no channels", 2, [](Dff& o) { o.stated_channels = 0; }, 0, "no channels", CORVIN_E_FORMAT);
+  dff("sizes of stereo, one channel", 1, {56, "wrong size"}, [](Dff& o) {
+    o.channels_size = 10;
+    o.properties_size = 74;
+  });
+  dff("sizes of stereo, five channels", 5, {56, "wrong size"}, [](Dff& o) {
+    o.channels_size = 10;
+    o.properties_size = 74;
+  });
+  dff("a name too few", 4, {40, "does not name each channel"}, [](Dff& o) {
+    o.stated_channels = 5;
+    o.channels_size = 10;
+  });
+  dff("no properties size", 2, {56, "property chunk"}, [](Dff& o) { o.properties_size = 0; });
+  dff("huge properties", 2, {56, "property chunk"}, [](Dff& o) { o.properties_size = 1u << 30; });
+  dff("no pad byte", 2, {56, "no pad byte"},
+      [](Dff& o) { o.before_sound = DsdiffChunk("MANF", Bytes(3)); });
+  dff("pad byte", 2, {56, ""}, [](Dff& o) { o.before_sound = DsdiffChunk("MANF", Bytes(4), 3); });
+  dff("no size of the sound", 2, {56, "no size"}, [](Dff& o) { o.sound_size = 0; });
+  dff("unset size of the sound", 2, {56, "no size"}, [](Dff& o) { o.sound_size = UINT64_MAX; });
+  dff("more sound than there is", 2, {56, "of the 4000 samples"},
+      [](Dff& o) { o.sound_size = 1000; });
+  dff("a group that is cut", 3, {48, "that rest"}, [](Dff& o) { o.sound_size = 20; });
+  dff("compressed", 2, {0, "DST", CORVIN_E_COMPRESSED},
+      [](Dff& o) { o.compression_type = "DST "; });
+  dff("no compression type", 2, {56, "compression type"},
+      [](Dff& o) { o.compression_chunk = false; });
+  dff("200 channels", 2, {0, "200", CORVIN_E_UNSUPPORTED}, [](Dff& o) { o.stated_channels = 200; });
+  dff("no channels", 2, {0, "no channels", CORVIN_E_FORMAT}, [](Dff& o) { o.stated_channels = 0; });
 
   using One = OneBitOptions;
-  const auto one = [&](const char* name, auto change, std::uint64_t samples, const char* said,
-                       int readable = CORVIN_OK) {
+  const auto one = [&](const std::string& name, const Told& told, auto change) {
     One options;
     change(options);
     const Bytes file = OneBitFile(3, 2822400, Bytes(21, kIdle), options);
-    faults.push_back({std::string("1bit: ") + name, file, samples, said, readable});
+    faults.push_back({"1bit: " + name, file, told});
   };
-  one("sound", [](One&) {}, 56, "");
-  one("no size", [](One& o) { o.file_size = 0; }, 56, "own end");
-  one("more than there is", [](One& o) { o.file_size = 5000; }, 56, "is cut short");
-  one("less than there is", [](One& o) { o.file_size = 2048 + 9; }, 24, "12 bytes");
-  one("sound in the header", [](One& o) { o.stated_data_offset = 5; }, 0, "begin", CORVIN_E_FORMAT);
-  one("sound beyond", [](One& o) { o.stated_data_offset = 9999; }, 0, "begin", CORVIN_E_FORMAT);
+  one("sound", {56, ""}, [](One&) {});
+  one("no size", {56, "own end"}, [](One& o) { o.file_size = 0; });
+  one("more than there is", {56, "is cut short"}, [](One& o) { o.file_size = 5000; });
+  one("less than there is", {24, "12 bytes"}, [](One& o) { o.file_size = 2048 + 9; });
+  one("sound in the header", {0, "begin", CORVIN_E_FORMAT},
+      [](One& o) { o.stated_data_offset = 5; });
+  one("sound beyond", {0, "begin", CORVIN_E_FORMAT}, [](One& o) { o.stated_data_offset = 9999; });
   return faults;
 }
 
@@ -219,12 +231,12 @@ TEST(Faults, AreToleratedAndTold) {
   for (const Fault& fault : all_faults()) {
     SCOPED_TRACE(fault.name);
     MemoryFile file(fault.file);
-    EXPECT_EQ(file.info().readable, fault.readable);
-    EXPECT_EQ(file.info().samples, fault.samples);
+    EXPECT_EQ(file.info().readable, fault.told.readable);
+    EXPECT_EQ(file.info().samples, fault.told.samples);
     std::string said = file.problem();
     for (const std::string& warning : file.warnings()) said += "; " + warning;
-    EXPECT_EQ(said.empty(), fault.said.empty()) << said;
-    EXPECT_NE(said.find(fault.said), std::string::npos) << said;
+    EXPECT_EQ(said.empty(), fault.told.said.empty()) << said;
+    EXPECT_NE(said.find(fault.told.said), std::string::npos) << said;
     survive(fault.file);
   }
 }

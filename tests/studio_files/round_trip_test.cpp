@@ -124,14 +124,13 @@ TEST(RoundTrip, SpeakersAreNamedAndFound) {
   const struct {
     corvin_container container;
     std::uint32_t channels, asked, found;
-  } kCases[] = {{CORVIN_DSF, 1, 0, 4},          {CORVIN_DSF, 2, 0, 3},
-                {CORVIN_DSF, 3, 0, 7},          {CORVIN_DSF, 4, 0, 0x33},
-                {CORVIN_DSF, 4, 0xf, 0xf},      {CORVIN_DSF, 5, 0, 0x37},
-                {CORVIN_DSF, 6, 0, 0x3f},       {CORVIN_DSDIFF, 1, 0, 4},
-                {CORVIN_DSDIFF, 2, 0, 3},       {CORVIN_DSDIFF, 3, 0xb, 0xb},
-                {CORVIN_DSDIFF, 4, 0, 0x33},    {CORVIN_DSDIFF, 5, 0, 0x37},
-                {CORVIN_DSDIFF, 6, 0, 0x3f},    {CORVIN_DSDIFF, 7, 0, 0},
-                {CORVIN_DSDIFF, 2, 0x600, 0},   {CORVIN_ONE_BIT, 2, 0, 3}};
+  } kCases[] = {
+      {CORVIN_DSF, 1, 0, 4},        {CORVIN_DSF, 2, 0, 3},       {CORVIN_DSF, 3, 0, 7},
+      {CORVIN_DSF, 4, 0, 0x33},     {CORVIN_DSF, 4, 0xf, 0xf},   {CORVIN_DSF, 5, 0, 0x37},
+      {CORVIN_DSF, 6, 0, 0x3f},     {CORVIN_DSDIFF, 1, 0, 4},    {CORVIN_DSDIFF, 2, 0, 3},
+      {CORVIN_DSDIFF, 3, 0xb, 0xb}, {CORVIN_DSDIFF, 4, 0, 0x33}, {CORVIN_DSDIFF, 5, 0, 0x37},
+      {CORVIN_DSDIFF, 6, 0, 0x3f},  {CORVIN_DSDIFF, 7, 0, 0},    {CORVIN_DSDIFF, 2, 0x600, 0},
+      {CORVIN_ONE_BIT, 2, 0, 3}};
   for (const auto& one : kCases) {
     WriterSettings settings = writer_settings(one.container, one.channels);
     settings.speakers = one.asked;
@@ -228,8 +227,9 @@ TEST(WriterPath, TheNameStandsForWholeFilesOnly) {
   EXPECT_EQ(files(), 2);
 
   for (const std::string& bad : {folder.string(), (folder / "none" / "x").string(),
-                                std::string("/dev/null"), std::string()}) {
-    EXPECT_EQ(status_of([&] { Writer made(bad.c_str(), WriterSettings()); }), CORVIN_E_WRITE) << bad;
+                                 std::string("/dev/null"), std::string()}) {
+    EXPECT_EQ(status_of([&] { Writer made(bad.c_str(), WriterSettings()); }), CORVIN_E_WRITE)
+        << bad;
     EXPECT_NE(errno, 0);
   }
   fs::remove_all(folder);

@@ -64,10 +64,10 @@ TEST_F(Witness, MediaInspectorReadsEveryChannelCount) {
     for (const std::uint32_t channels : {1u, 2u, 5u, 6u}) {
       const fs::path path = write(container, channels, 352800);
       int status = 0;
-      const std::string said = output(
-          "mediainfo '--Inform=Audio;%Format% %SamplingRate% %Channel(s)% %Duration%' " +
-              path.string(),
-          status);
+      const std::string said =
+          output("mediainfo '--Inform=Audio;%Format% %SamplingRate% %Channel(s)% %Duration%' " +
+                     path.string(),
+                 status);
       EXPECT_EQ(said.rfind("DSD 2822400 " + std::to_string(channels) + " 1000", 0), 0u)
           << path << said;
     }

@@ -19,7 +19,7 @@ namespace corvin::testing {
 struct MemoryStream {
   std::vector<std::uint8_t> bytes;
   std::uint64_t position = 0;
-  std::int64_t stated_length = -1;  ///< instead of the true one unless negative
+  std::int64_t stated_length = -1;                   ///< instead of the true one unless negative
   int calls_left = std::numeric_limits<int>::max();  ///< until reads and writes fail
   std::size_t most_at_once = std::numeric_limits<std::size_t>::max();
 
