@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The decoder's promise not to allocate on the caller's thread once it is made, and what comes of
-// allocations and threads that fail while it, or a conversion, is made.
+// The promise of decoders and encoders not to allocate on the caller's thread once they are made,
+// and what comes of allocations and threads that fail while they, or a conversion, are made.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -18,12 +18,12 @@
 namespace corvin::studio {
 namespace {
 
-TEST(DecoderRealTime, NothingIsAllocatedAfterCreation) {
+TEST(RealTime, DecodersAllocateNothingAfterCreation) {
   DecoderSettings settings;
   settings.channels = 3;
   settings.block_bytes = 64;
   Decoder decoder(settings);
-  const Bytes data(40000, 0x69);
+  const Bytes data(40000, kIdle);
   Bytes out(3 * 3 * 5000);
   const std::size_t before = allocations;
   for (int round = 0; round < 2; ++round) {
@@ -36,6 +36,29 @@ TEST(DecoderRealTime, NothingIsAllocatedAfterCreation) {
     decoder.reset();
   }
   EXPECT_EQ(allocations, before);
+}
+
+TEST(RealTime, EncodersAllocateNothingAfterCreation) {
+  for (std::uint32_t grade : {CORVIN_MODULATOR_STANDARD, CORVIN_MODULATOR_BEST}) {
+    EncoderSettings settings;
+    settings.channels = 3;
+    settings.block_bytes = 64;
+    settings.modulator = grade;
+    settings.low_latency = 1;
+    Encoder encoder(settings);
+    const Bytes data(3 * 3 * 4000, 3);
+    Bytes out(100000);
+    const std::size_t before = allocations;
+    for (int round = 0; round < 2; ++round) {
+      encoder.push(data.data(), 4000);
+      encoder.pull(out);
+      encoder.finish();
+      while (encoder.pull(out) > 0) continue;
+      encoder.report();
+      encoder.reset();
+    }
+    EXPECT_EQ(allocations, before);
+  }
 }
 
 // Runs `work` with its first, second ... allocation failing, until it needs no more of them.

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "studio/encode/encode_chain.h"
-#include "tests/studio_encode/streams.h"
+#include "tests/studio/streams.h"
 #include "tests/studio_encode/up_response.h"
 #include "tests/studio_modulator/bit_spectrum.h"
 #include "tests/support/committed_table.h"

@@ -8,7 +8,7 @@
 
 #include <complex>
 
-#include "tests/studio_encode/streams.h"
+#include "tests/studio/streams.h"
 #include "tests/studio_modulator/bit_spectrum.h"
 
 namespace corvin::studio {
@@ -34,10 +34,7 @@ struct Change {
 };
 Change change_of(const std::vector<double>& in, const std::vector<double>& out) {
   Change change;
-  double power = 0;
-  double level = 0;
-  double slopes = 0;
-  double delay = 0;
+  double power = 0, level = 0, slopes = 0, delay = 0;
   for (std::size_t i = kEdge; i < out.size() - kEdge; ++i) {
     change.residual.push_back(out[i] - in[i]);
     power += in[i] * in[i];
@@ -71,14 +68,6 @@ double band_db(const std::vector<double>& signal) {
   return 10 * std::log10(power);
 }
 
-std::vector<double> decode_at_44100(const Bytes& bits, std::uint32_t dsd_rate) {
-  DecoderSettings settings;
-  settings.dsd_rate = dsd_rate;
-  settings.channels = 1;
-  settings.format = CORVIN_F64;
-  return channel_of(decode(settings, bits), 1, 0);
-}
-
 TEST(RoundTrip, LeavesTheModulatorsNoiseAlone) {
   Bytes data;
   std::vector<double> in;
@@ -95,7 +84,7 @@ TEST(RoundTrip, LeavesTheModulatorsNoiseAlone) {
     EncoderSettings settings;
     settings.channels = 1;
     settings.modulator = grade;
-    const std::vector<double> out = decode_at_44100(encode(settings, data), 2822400);
+    const std::vector<double> out = decode_mono(2822400, 44100, encode(settings, data));
     ASSERT_EQ(out.size(), kFrames);
     const Change change = change_of(in, out);
     // The loop passes the signal with a gain of 1 but for about 1e-6 dB.
@@ -113,29 +102,33 @@ TEST(RoundTrip, LeavesTheModulatorsNoiseAlone) {
   }
 }
 
-// Whatever the two rates, PCM frame m and the bit at its time mean the same moment.
+// Whatever the two rates, PCM frame m and the bit at its time mean the same moment. Every ratio of
+// the transform, every factor of the interpolation.
 TEST(RoundTrip, EveryPairOfRatesKeepsTimeAndLevel) {
   struct Pair {
     std::uint32_t pcm, dsd;
   };
-  for (const Pair& pair : {Pair{48000, 2822400}, Pair{96000, 6144000}, Pair{44100, 12288000},
-                           Pair{192000, 5644800}, Pair{352800, 2822400}, Pair{768000, 2822400}}) {
+  for (const auto& [pcm, dsd] :
+       {Pair{48000, 2822400}, Pair{88200, 2822400}, Pair{96000, 6144000}, Pair{176400, 2822400},
+        Pair{192000, 5644800}, Pair{352800, 2822400}, Pair{384000, 2822400}, Pair{705600, 2822400},
+        Pair{705600, 3072000}, Pair{768000, 2822400}, Pair{44100, 5644800}, Pair{44100, 12288000},
+        Pair{48000, 11289600}, Pair{44100, 22579200}}) {
     EncoderSettings settings;
     settings.channels = 1;
     settings.format = CORVIN_F64;
-    settings.pcm_rate = pair.pcm;
-    settings.dsd_rate = pair.dsd;
-    std::vector<double> in(pair.pcm * 4 / 10);
-    for (std::size_t i = 0; i < in.size(); ++i) in[i] = sound_at(static_cast<double>(i) / pair.pcm);
-    const std::vector<double> out = decode_at_44100(encode(settings, as_f64(in)), pair.dsd);
+    settings.pcm_rate = pcm;
+    settings.dsd_rate = dsd;
+    std::vector<double> in(pcm * 4 / 10);
+    for (std::size_t i = 0; i < in.size(); ++i) in[i] = sound_at(static_cast<double>(i) / pcm);
+    const std::vector<double> out = decode_mono(dsd, 44100, encode(settings, as_f64(in)));
     ASSERT_EQ(out.size(), 44100u * 4 / 10);
     std::vector<double> expected(out.size());
     for (std::size_t i = 0; i < out.size(); ++i) {
       expected[i] = sound_at(static_cast<double>(i) / 44100);
     }
     const Change change = change_of(expected, out);
-    EXPECT_LT(std::fabs(change.level_db), 1e-5) << pair.pcm << " to " << pair.dsd;
-    EXPECT_LT(std::fabs(change.delay_frames), 1e-6) << pair.pcm << " to " << pair.dsd;
+    EXPECT_LT(std::fabs(change.level_db), 1e-5) << pcm << " to " << dsd;
+    EXPECT_LT(std::fabs(change.delay_frames), 1e-6) << pcm << " to " << dsd;
   }
 }
 

@@ -6,13 +6,8 @@
 #ifndef CORVIN_TESTS_STUDIO_ENCODE_UP_RESPONSE_H_
 #define CORVIN_TESTS_STUDIO_ENCODE_UP_RESPONSE_H_
 
-#include <algorithm>
-#include <cmath>
-#include <complex>
-#include <vector>
-
-#include "studio/kernels/spectral.h"
 #include "studio/plan/encode_plan.h"
+#include "tests/studio/filter_response.h"
 
 namespace corvin::studio {
 
@@ -22,7 +17,8 @@ class UpResponse {
       : plan_(plan),
         row_rate_(static_cast<double>(plan.config.pcm_rate) *
                   static_cast<double>(plan.shape.inverse.points) /
-                  static_cast<double>(plan.shape.forward.points)) {
+                  static_cast<double>(plan.shape.forward.points)),
+        alias_kernel_(input_kernel(plan.shape)) {
     const SpectralShape& shape = plan.shape;
     // What one frame at the start of a block makes: every bin of the input is 1. The product leaves
     // the parts exchanged for the inverse; conjugating does as well.
@@ -36,13 +32,6 @@ class UpResponse {
     for (std::size_t i = 0; i < points; ++i) kernel_.push_back(rows[2 * i]);
   }
 
-  /// Spectrum at `hz`, up to half the modulator's input rate and beyond, of what a single frame of
-  /// 1.0 makes, as gain of a steady tone: 1 where a full-scale sine becomes 50 % modulation.
-  std::complex<double> gain(double hz) const {
-    return spectrum(kernel_, hz / row_rate_) * interpolation(hz) * 2.0 *
-           static_cast<double>(plan_.config.pcm_rate) / row_rate_;
-  }
-
   /// Largest deviation from 0 dB up to the pass edge, the modulator's own amplitude included;
   /// largest gain of anything from the stop edge on, where images go up and aliases come down;
   /// largest image that the modulator's own interpolation leaves above half its input rate.
@@ -53,76 +42,52 @@ class UpResponse {
     constexpr int kPassPoints = 300;
     constexpr int kStopPoints = 400;
     constexpr int kBandPoints = 24;
-    Figures result = {0, -400, -400};
-    const auto db = [](double gain) { return 20 * std::log10(std::max(gain, 1e-20)); };
-    for (int i = 0; i <= kPassPoints; ++i) {
-      const double hz = plan_.pass_hz * i / kPassPoints;
-      result.ripple_db = std::max(result.ripple_db, std::fabs(db(std::abs(gain(hz)) * own(hz))));
-    }
-    // Up to half the transform's output rate its own skirt, denser near the edge; then the images
-    // around every multiple of that rate.
     const double stop = plan_.stop_hz;
     const double nyquist = plan_.config.dsd_rate / 16.0;
-    for (int i = 0; i <= kStopPoints; ++i) {
+    Figures result;
+    result.ripple_db = largest(0, kPassPoints, [&](int i) {
+      const double hz = plan_.pass_hz * i / kPassPoints;
+      return std::fabs(to_db(gain(hz) * own(hz)));
+    });
+    // Up to half the transform's output rate its own skirt, denser near the edge; then the images
+    // around every multiple of that rate.
+    const double skirt_db = largest(0, kStopPoints, [&](int i) {
       const double part = static_cast<double>(i) / kStopPoints;
-      const double hz = stop + (row_rate_ / 2 - stop) * part * part;
-      result.image_db = std::max(result.image_db, db(std::abs(gain(hz))));
-    }
-    for (std::size_t k = 1; k <= plan_.factor() / 2; ++k) {
-      for (int i = -kBandPoints; i <= kBandPoints; ++i) {
-        const double hz = static_cast<double>(k) * row_rate_ + stop * i / kBandPoints;
-        if (hz > nyquist) continue;
-        result.image_db = std::max(result.image_db, db(std::abs(gain(hz))));
-      }
-    }
-    for (int i = 0; i <= kStopPoints; ++i) {
+      return to_db(gain(stop + (row_rate_ / 2 - stop) * part * part));
+    });
+    const double image_db = largest(1, static_cast<int>(plan_.factor() / 2), [&](int k) {
+      return largest(-kBandPoints, kBandPoints, [&](int i) {
+        const double hz = k * row_rate_ + stop * i / kBandPoints;
+        return hz > nyquist ? -400 : to_db(gain(hz));
+      });
+    });
+    const double alias_db = largest(0, kStopPoints, [&](int i) {
       const double hz = stop + (plan_.config.pcm_rate / 2.0 - stop) * i / kStopPoints;
-      if (hz > stop) result.image_db = std::max(result.image_db, db(alias(hz)));
-    }
-    for (int k = 1; k <= 4; ++k) {
-      for (int i = -kBandPoints; i <= kBandPoints; ++i) {
+      return hz > stop ? to_db(alias(hz)) : -400;
+    });
+    result.image_db = std::max({skirt_db, image_db, alias_db});
+    result.own_image_db = largest(1, 4, [&](int k) {
+      return largest(-kBandPoints, kBandPoints, [&](int i) {
         const double hz = k * 2 * nyquist + plan_.pass_hz * i / kBandPoints;
-        if (hz < 8 * nyquist) result.own_image_db = std::max(result.own_image_db, db(own(hz)));
-      }
-    }
+        return hz < 8 * nyquist ? to_db(own(hz)) : -400;
+      });
+    });
     return result;
   }
 
  private:
-  double own(double hz) const {
-    return std::fabs(plan_.config.response(8 * hz / plan_.config.dsd_rate));
+  // Size at `hz`, up to half the modulator's input rate and beyond, of what a single frame of 1.0
+  // makes, as gain of a steady tone: 1 where a full-scale sine becomes 50 % modulation.
+  double gain(double hz) const {
+    return std::abs(spectrum(kernel_, hz / row_rate_) * interpolation(hz)) * 2 *
+           plan_.config.pcm_rate / row_rate_;
   }
+
+  double own(double hz) const { return plan_.config.response(8 * hz / plan_.config.dsd_rate); }
 
   // Gain of the steep filter for a sine at `hz` of the PCM stream, wherever it ends up.
   double alias(double hz) const {
-    const SpectralShape& shape = plan_.shape;
-    const std::size_t points = shape.forward.points;
-    if (alias_kernel_.empty()) {
-      std::vector<double> bins(2 * points);
-      for (std::size_t place = 0; place < shape.inverse.points; ++place) {
-        if (shape.response[2 * place] == 0 && shape.response[2 * place + 1] == 0) continue;
-        bins[2 * shape.source[place]] = shape.response[2 * place];
-        bins[2 * shape.source[place] + 1] = -shape.response[2 * place + 1];
-      }
-      spectral_portable.from_bins(shape.forward, bins.data());
-      for (std::size_t i = 0; i < points; ++i) alias_kernel_.push_back(bins[2 * i]);
-    }
     return 2 * std::abs(spectrum(alias_kernel_, hz / plan_.config.pcm_rate));
-  }
-
-  // Spectrum at a frequency in parts of the rate of a kernel that lies around place 0 of a circle.
-  // Unrolled there, only its phase would change.
-  static std::complex<double> spectrum(const std::vector<double>& kernel, double frequency) {
-    const std::size_t points = kernel.size();
-    const std::complex<double> step = std::polar(1.0, -2 * M_PI * frequency);
-    std::complex<double> turn;
-    std::complex<double> sum = 0.0;
-    for (std::size_t i = 0; i < points; ++i, turn *= step) {
-      const double row = static_cast<double>(i) - static_cast<double>(points / 2);
-      if (i % 64 == 0) turn = std::polar(1.0, -2 * M_PI * frequency * row);
-      sum += kernel[(i + points - points / 2) % points] * turn;
-    }
-    return sum;
   }
 
   // Spectrum of the zero-stuffed rows' filter.
@@ -140,8 +105,8 @@ class UpResponse {
 
   const EncodePlan& plan_;
   double row_rate_;
+  std::vector<double> alias_kernel_;
   std::vector<double> kernel_;
-  mutable std::vector<double> alias_kernel_;
 };
 
 }  // namespace corvin::studio

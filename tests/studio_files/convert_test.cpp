@@ -7,10 +7,10 @@
 #include <sys/resource.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include "tests/studio_files/sound_files.h"
+#include "tests/support/dsd_files.h"
 #include "tests/support/temp_file.h"
 
 namespace corvin::studio {
@@ -45,10 +45,11 @@ struct Sink {
   }
 };
 
-corvin_convert_report empty_report() {
-  corvin_convert_report report = {};
-  report.size = sizeof report;
-  return report;
+// Everything at once, and its status.
+int convert(File& file, Sink& sink, const ConvertSettings& settings,
+            corvin_convert_report* report = nullptr) {
+  const corvin_pcm_sink callbacks = sink.callbacks();
+  return corvin_convert_to_pcm(file.handle(), &settings, &callbacks, report);
 }
 
 // From every container the decoder's own bytes, whoever does the work.
@@ -58,24 +59,22 @@ TEST(Convert, IsTheDecoderOverTheFile) {
     const std::size_t bytes = 150001;
     const Bytes sound = random.bytes(bytes * channels);
     for (const std::uint32_t format : {CORVIN_S16, CORVIN_S24, CORVIN_F32}) {
-      DecoderSettings decoder;
-      decoder.channels = channels;
-      decoder.pcm_rate = 88200;
-      decoder.format = format;
-      decoder.dither = format == CORVIN_S16 ? CORVIN_DITHER_SHAPED : CORVIN_DITHER_TPDF;
-      decoder.seed = 9;
-      decoder.gain_db = -3;
-      const Bytes expected = decode(decoder, sound);
       ConvertSettings settings;
       settings.pcm_rate = 88200;
       settings.format = format;
-      settings.dither = decoder.dither;
+      settings.dither = format == CORVIN_S16 ? CORVIN_DITHER_SHAPED : CORVIN_DITHER_TPDF;
       settings.seed = 9;
       settings.gain_db = -3;
+      DecoderSettings decoder;
+      decoder.channels = channels;
+      decoder.pcm_rate = settings.pcm_rate;
+      decoder.format = settings.format;
+      decoder.dither = settings.dither;
+      decoder.seed = settings.seed;
+      decoder.gain_db = settings.gain_db;
+      const Bytes expected = decode(decoder, sound);
       for (const corvin_container container : kContainers) {
-        MemoryStream stream(file_of(writer_settings(container, channels), sound));
-        const corvin_stream callbacks = stream.callbacks();
-        File file(callbacks);
+        MemoryFile file(file_of(writer_settings(container, channels), sound));
         for (const std::uint32_t threads : {0u, 2u}) {
           settings.threads = threads;
           Sink sink;
@@ -99,22 +98,16 @@ TEST(Convert, OddCountsAndPaddingThatDoesNotSound) {
     DecoderSettings decoder;
     decoder.channels = 1;
     decoder.length = samples;
-    decoder.format = CORVIN_F64;
-    MemoryStream stream(file_of(writer_settings(CORVIN_DSF, 1), sound, samples));
-    for (std::size_t i = 92 + 1000; i < stream.bytes.size(); ++i) stream.bytes[i] = 0xff;
-    const corvin_stream callbacks = stream.callbacks();
-    File file(callbacks);
-    ConvertSettings settings;
-    settings.format = CORVIN_F64;
+    Bytes padded = file_of(writer_settings(CORVIN_DSF, 1), sound, samples);
+    std::fill(padded.begin() + 92 + 1000, padded.end(), 0xff);
+    MemoryFile file(padded);
     Sink sink;
-    convert_to_pcm(file, sink.callbacks(), settings);
+    convert_to_pcm(file, sink.callbacks());
     EXPECT_TRUE(sink.out == decode(decoder, sound)) << samples;
   }
   for (const corvin_container container : kContainers) {
     for (const std::size_t bytes : {0u, 1u, 3u}) {
-      MemoryStream stream(file_of(writer_settings(container, 1), Bytes(bytes, 0x77)));
-      const corvin_stream callbacks = stream.callbacks();
-      File file(callbacks);
+      MemoryFile file(file_of(writer_settings(container, 1), Bytes(bytes, 0x77)));
       Sink sink;
       EXPECT_EQ(convert_to_pcm(file, sink.callbacks()).frames, bytes / 4);
     }
@@ -127,9 +120,7 @@ TEST(Convert, ReportsPeakAndClipsOfWhatCameOut) {
   for (int i = 0; i < 60000; ++i) {
     sound.push_back(i / 6000 % 2 == 0 ? 0x77 : static_cast<std::uint8_t>(random()));
   }
-  MemoryStream stream(file_of(writer_settings(CORVIN_DSDIFF, 1), sound));
-  const corvin_stream callbacks = stream.callbacks();
-  File file(callbacks);
+  MemoryFile file(file_of(writer_settings(CORVIN_DSDIFF, 1), sound));
   ConvertSettings settings;
   settings.format = CORVIN_F64;
   settings.gain_db = 3;
@@ -167,9 +158,7 @@ int note_progress(void* user, std::uint64_t done, std::uint64_t total) {
 
 TEST(Convert, TellsProgressAndEndsWhereverItIsAsked) {
   const std::size_t bytes = 2000000;
-  MemoryStream stream(file_of(writer_settings(CORVIN_DSF, 1), Bytes(bytes, 0x69)));
-  const corvin_stream callbacks = stream.callbacks();
-  File file(callbacks);
+  MemoryFile file(file_of(writer_settings(CORVIN_DSF, 1), Bytes(bytes, kIdle)));
   for (const std::uint32_t threads : {0u, 2u}) {
     ConvertSettings settings;
     settings.threads = threads;
@@ -189,63 +178,41 @@ TEST(Convert, TellsProgressAndEndsWhereverItIsAsked) {
       settings.progress_user = &progress;
       Sink sink;
       corvin_convert_report report = empty_report();
-      const corvin_pcm_sink sink_callbacks = sink.callbacks();
-      EXPECT_EQ(corvin_convert_to_pcm(file.handle(), &settings, &sink_callbacks, &report),
-                CORVIN_E_CANCELLED);
+      EXPECT_EQ(convert(file, sink, settings, &report), CORVIN_E_CANCELLED);
       EXPECT_EQ(report.frames, sink.frames);
       EXPECT_TRUE(std::equal(sink.out.begin(), sink.out.end(), all.out.begin()));
     }
+    settings.progress = nullptr;
     for (const std::uint64_t most : {0u, 10000u, 200000u}) {
-      settings.progress = nullptr;
       Sink sink;
       sink.most_frames = most;
-      const corvin_pcm_sink sink_callbacks = sink.callbacks();
-      EXPECT_EQ(corvin_convert_to_pcm(file.handle(), &settings, &sink_callbacks, nullptr),
-                CORVIN_E_WRITE);
+      EXPECT_EQ(convert(file, sink, settings), CORVIN_E_WRITE);
+    }
+    for (const int good : {0, 2, 5}) {
+      MemoryFile failing(file.bytes);
+      failing.calls_left = good;
+      Sink sink;
+      EXPECT_EQ(convert(failing, sink, settings), CORVIN_E_READ) << good;
     }
   }
 }
 
-// Four minutes, 81 MiB, after two seconds: the process grows by no more than a sanitizer keeps back.
+// Four minutes, 81 MiB, after two seconds: the process grows by no more than a sanitizer keeps
+// back.
 TEST(Convert, MemoryDoesNotGrowWithTheLength) {
-  struct Silence {
-    Bytes header;
-    std::uint64_t bytes, position = 0;
-  };
   const auto megabytes_after = [](std::uint64_t seconds) {
-    const std::uint64_t sound = seconds * 352800 / 4096 * 4096;
-    Silence silence = {file_of(writer_settings(CORVIN_DSF, 1), Bytes()), 92 + sound};
-    for (int i = 0; i < 8; ++i) {
-      silence.header[64 + i] = static_cast<std::uint8_t>(sound * 8 >> 8 * i);
-      silence.header[84 + i] = static_cast<std::uint8_t>((12 + sound) >> 8 * i);
-    }
-    corvin_stream stream = {};
-    stream.size = sizeof stream;
-    stream.user = &silence;
-    stream.seek = [](void* user, std::uint64_t offset) {
-      static_cast<Silence*>(user)->position = offset;
-      return 0;
-    };
-    stream.length = [](void* user) {
-      return static_cast<std::int64_t>(static_cast<Silence*>(user)->bytes);
-    };
-    stream.read = [](void* user, void* to, std::size_t count) {
-      auto& self = *static_cast<Silence*>(user);
-      std::memset(to, 0x96, count);
-      if (self.position < self.header.size()) {
-        const auto at = static_cast<std::size_t>(self.position);
-        std::memcpy(to, &self.header[at], std::min(count, self.header.size() - at));
-      }
-      self.position += count;
-      return static_cast<std::int64_t>(count);
-    };
-    File file(stream);
+    testing::DsdiffOptions options;
+    options.sound_size = seconds * 352800;
+    const Bytes header = testing::DsdiffFile(1, 2822400, {}, options);
+    const testing::TempFile source(header);
+    std::filesystem::resize_file(source.path(), header.size() + *options.sound_size);
+    File file(source.path());
     corvin_pcm_sink sink = {};
     sink.size = sizeof sink;
     sink.write = [](void*, const void*, std::size_t) { return 0; };
     ConvertSettings settings;
     settings.threads = 2;
-    EXPECT_EQ(convert_to_pcm(file, sink, settings).frames, sound / 8);
+    EXPECT_EQ(convert_to_pcm(file, sink, settings).frames, seconds * 44100);
     rusage usage;
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<double>(usage.ru_maxrss) / 1024;
@@ -254,45 +221,22 @@ TEST(Convert, MemoryDoesNotGrowWithTheLength) {
   EXPECT_LT(megabytes_after(240) - before, 32);
 }
 
-TEST(Convert, SourcesThatFailInTheMiddle) {
-  const Bytes whole = file_of(writer_settings(CORVIN_DSDIFF, 2), Bytes(2 * 1000000, 0x69));
-  for (const std::uint32_t threads : {0u, 1u}) {
-    for (const int good : {0, 2, 5}) {
-      MemoryStream stream(whole);
-      const corvin_stream callbacks = stream.callbacks();
-      File file(callbacks);
-      stream.calls_left = good;
-      ConvertSettings settings;
-      settings.threads = threads;
-      Sink sink;
-      const corvin_pcm_sink sink_callbacks = sink.callbacks();
-      EXPECT_EQ(corvin_convert_to_pcm(file.handle(), &settings, &sink_callbacks, nullptr),
-                CORVIN_E_READ)
-          << good;
-    }
-  }
-}
-
 TEST(Convert, RefusesWhatItCannotDo) {
-  const auto status = [](corvin_container container, std::uint32_t rate, auto change) {
-    MemoryStream stream(file_of(writer_settings(container, 1, rate), Bytes(100)));
-    const corvin_stream callbacks = stream.callbacks();
-    File file(callbacks);
+  const auto status = [](std::uint32_t rate, auto change) {
+    MemoryFile file(file_of(writer_settings(CORVIN_DSF, 1, rate), Bytes(100)));
     ConvertSettings settings;
     change(settings);
     Sink sink;
-    const corvin_pcm_sink sink_callbacks = sink.callbacks();
-    corvin_convert_report report = empty_report();
-    return corvin_convert_to_pcm(file.handle(), &settings, &sink_callbacks, &report);
+    return convert(file, sink, settings);
   };
   using S = ConvertSettings;
-  EXPECT_EQ(status(CORVIN_DSF, 2822400, [](S&) {}), CORVIN_OK);
-  EXPECT_EQ(status(CORVIN_DSF, 3000000, [](S&) {}), CORVIN_E_UNSUPPORTED);
-  EXPECT_EQ(status(CORVIN_DSF, 2822400, [](S& s) { s.pcm_rate = 44101; }), CORVIN_E_UNSUPPORTED);
-  EXPECT_EQ(status(CORVIN_DSF, 2822400, [](S& s) { s.format = 9; }), CORVIN_E_ARGUMENT);
-  EXPECT_EQ(status(CORVIN_DSF, 2822400, [](S& s) { s.size = 3; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status(2822400, [](S&) {}), CORVIN_OK);
+  EXPECT_EQ(status(3000000, [](S&) {}), CORVIN_E_UNSUPPORTED);
+  EXPECT_EQ(status(2822400, [](S& s) { s.pcm_rate = 44101; }), CORVIN_E_UNSUPPORTED);
+  EXPECT_EQ(status(2822400, [](S& s) { s.format = 9; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status(2822400, [](S& s) { s.size = 3; }), CORVIN_E_ARGUMENT);
   Sink sink;
-  corvin_pcm_sink callbacks = sink.callbacks();
+  const corvin_pcm_sink callbacks = sink.callbacks();
   EXPECT_EQ(corvin_convert_to_pcm(nullptr, nullptr, &callbacks, nullptr), CORVIN_E_ARGUMENT);
 }
 

@@ -43,23 +43,32 @@ inline Bytes file_of(const corvin_writer_settings& settings, const Bytes& sound)
   return file_of(settings, sound, sound.size() / settings.channels * 8);
 }
 
-/// All that is left to read, interleaved, in parts of part() bytes of each channel.
-template <typename Part>
-Bytes read_all(File& file, corvin_bit_order order, Part part) {
+/// A file in memory, open.
+struct MemoryFile : MemoryStream, File {
+  explicit MemoryFile(Bytes content) : MemoryStream(std::move(content)), File(callbacks()) {}
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+};
+
+inline corvin_convert_report empty_report() {
+  corvin_convert_report report = {};
+  report.size = sizeof report;
+  return report;
+}
+
+/// All that is left to read, interleaved, in parts that `random` chooses, if there is one.
+inline Bytes read_all(File& file, corvin_bit_order order = CORVIN_MSB_FIRST,
+                      Random* random = nullptr) {
   const std::size_t channels = file.info().channels;
   Bytes all;
   for (;;) {
-    const std::size_t count = part();
+    const std::size_t count = random == nullptr ? 30000 : (*random)() % 9000 + 1;
     const std::size_t before = all.size();
     all.resize(before + count * channels);
     const std::size_t done = file.read(all.data() + before, count, order);
     all.resize(before + done * channels);
     if (done < count) return all;
   }
-}
-
-inline Bytes read_all(File& file, corvin_bit_order order = CORVIN_MSB_FIRST) {
-  return read_all(file, order, [] { return std::size_t{30000}; });
 }
 
 }  // namespace corvin::studio

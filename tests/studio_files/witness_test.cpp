@@ -10,8 +10,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "tests/studio_files/sound_files.h"
@@ -36,11 +34,6 @@ bool installed(const std::string& tool) {
   int status = 0;
   output("command -v " + tool, status);
   return status == 0;
-}
-
-Bytes contents(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
 class Witness : public ::testing::Test {
@@ -94,10 +87,10 @@ TEST_F(Witness, ArchiverGivesBackEveryByte) {
         int status = 0;
         const std::string said =
             output("wavpack -q -y " + path.string() + " -o " + packed.string() +
-                       " && wvunpack -q -y " + packed.string() + " -o " + back.string(),
+                       " && wvunpack -q -y " + packed.string() + " -o " + back.string() +
+                       " && cmp " + path.string() + " " + back.string(),
                    status);
         EXPECT_EQ(status, 0) << path << said;
-        EXPECT_TRUE(contents(back) == contents(path)) << path << said;
       }
     }
   }

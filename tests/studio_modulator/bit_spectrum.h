@@ -7,6 +7,7 @@
 #ifndef CORVIN_TESTS_STUDIO_MODULATOR_BIT_SPECTRUM_H_
 #define CORVIN_TESTS_STUDIO_MODULATOR_BIT_SPECTRUM_H_
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -25,7 +26,7 @@ inline std::vector<double> kaiser(std::size_t half, double beta) {
         (static_cast<double>(i) - static_cast<double>(half)) / static_cast<double>(half);
     const double argument = beta * std::sqrt(std::max(0.0, 1 - x * x));
     double term = 1, sum = 1;
-    for (int k = 1; k < 120; ++k) {
+    for (int k = 1; term > 1e-18 * sum; ++k) {
       term *= argument * argument / (4.0 * k * k);
       sum += term;
     }
@@ -35,11 +36,10 @@ inline std::vector<double> kaiser(std::size_t half, double beta) {
 }
 
 /// Low-passes bits (earliest in the most significant place) and keeps one sample in `step`: flat up
-/// to `band` and 190 dB down from `stop`, in parts of the bit rate. Sample n lies on bit n x step +
-/// the first element.
-inline std::pair<std::size_t, std::vector<double>> decimate(const std::vector<std::uint8_t>& bytes,
-                                                            std::size_t step, double band,
-                                                            double stop) {
+/// to `band` and 190 dB down from `stop`, in parts of the bit rate. Sample n sees the bits
+/// from n x step on; `step` is whole bytes.
+inline std::vector<double> decimate(const std::vector<std::uint8_t>& bytes, std::size_t step,
+                                    double band, double stop) {
   const double cutoff = (band + stop) / 2;
   const auto half = static_cast<std::size_t>(
       std::ceil((190 - 7.95) / (2.285 * 2 * std::numbers::pi * (stop - band)) / 2));
@@ -52,51 +52,37 @@ inline std::pair<std::size_t, std::vector<double>> decimate(const std::vector<st
     sum += taps[i];
   }
   for (double& tap : taps) tap /= sum;
-  std::vector<double> bits(bytes.size() * 8);
-  for (std::size_t i = 0; i < bits.size(); ++i) {
-    bits[i] = (bytes[i / 8] >> (7 - i % 8) & 1) != 0 ? 1.0 : -1.0;
+  // What each byte makes with eight taps.
+  std::vector<std::array<double, 256>> sums((taps.size() + 7) / 8);
+  for (std::size_t i = 0; i < taps.size(); ++i) {
+    for (std::size_t byte = 0; byte < 256; ++byte) {
+      sums[i / 8][byte] += (byte >> (7 - i % 8) & 1) != 0 ? taps[i] : -taps[i];
+    }
   }
   std::vector<double> out;
-  out.reserve(bits.size() / step);
-  for (std::size_t at = 0; at + taps.size() <= bits.size(); at += step) {
-    double value[4] = {};
-    std::size_t i = 0;
-    for (; i + 4 <= taps.size(); i += 4) {
-      for (std::size_t lane = 0; lane < 4; ++lane)
-        value[lane] += taps[i + lane] * bits[at + i + lane];
-    }
-    for (; i < taps.size(); ++i) value[0] += taps[i] * bits[at + i];
-    out.push_back(value[0] + value[1] + value[2] + value[3]);
+  for (std::size_t at = 0; at + sums.size() <= bytes.size(); at += step / 8) {
+    double value = 0;
+    for (std::size_t i = 0; i < sums.size(); ++i) value += sums[i][bytes[at + i]];
+    out.push_back(value);
   }
-  return {half, out};
+  return out;
 }
 
-/// In place, radix 2.
+/// Radix 2, each pass in order from one array into another.
 inline void transform(std::vector<std::complex<double>>& x) {
-  const std::size_t size = x.size();
-  for (std::size_t i = 1, j = 0; i < size; ++i) {
-    std::size_t bit = size >> 1;
-    for (; (j & bit) != 0; bit >>= 1) j ^= bit;
-    j ^= bit;
-    if (i < j) std::swap(x[i], x[j]);
-  }
-  std::vector<std::complex<double>> turns(size / 2);
-  for (std::size_t i = 0; i < size / 2; ++i) {
-    turns[i] =
-        std::polar(1.0, -2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(size));
-  }
-  for (std::size_t span = 1; span < size; span *= 2) {
-    for (std::size_t start = 0; start < size; start += 2 * span) {
-      for (std::size_t i = 0; i < span; ++i) {
-        const std::complex<double> a = x[start + i];
-        const std::complex<double> b = x[start + span + i];
-        const std::complex<double> w = turns[i * (size / 2 / span)];
-        const std::complex<double> turned(b.real() * w.real() - b.imag() * w.imag(),
-                                          b.real() * w.imag() + b.imag() * w.real());
-        x[start + i] = a + turned;
-        x[start + span + i] = a - turned;
+  std::vector<std::complex<double>> y(x.size());
+  for (std::size_t half = x.size() / 2, stride = 1; half > 0; half /= 2, stride *= 2) {
+    for (std::size_t p = 0; p < half; ++p) {
+      const std::complex<double> turn =
+          std::polar(1.0, -std::numbers::pi * static_cast<double>(p) / static_cast<double>(half));
+      for (std::size_t q = 0; q < stride; ++q) {
+        const std::complex<double> a = x[q + stride * p];
+        const std::complex<double> b = x[q + stride * (p + half)];
+        y[q + stride * 2 * p] = a + b;
+        y[q + stride * (2 * p + 1)] = (a - b) * turn;
       }
     }
+    std::swap(x, y);
   }
 }
 
@@ -112,9 +98,8 @@ class BitSpectrum {
     while (rate_hz / static_cast<double>(2 * step) > 3.4 * band_hz) step *= 2;
     const std::vector<std::uint8_t> used(bytes.begin() + static_cast<std::ptrdiff_t>(settle),
                                          bytes.end());
-    const std::vector<double> samples =
-        decimate(used, step, band_hz / rate_hz, 1.0 / static_cast<double>(step) - band_hz / rate_hz)
-            .second;
+    const std::vector<double> samples = decimate(
+        used, step, band_hz / rate_hz, 1.0 / static_cast<double>(step) - band_hz / rate_hz);
     std::size_t size = 1;
     while (2 * size <= samples.size()) size *= 2;
     const std::vector<double> window = kaiser(size / 2, 26);
@@ -132,8 +117,6 @@ class BitSpectrum {
       lines_.push_back(2 * std::abs(x[k]) / sum);
     }
   }
-
-  double bin_hz() const { return bin_hz_; }
 
   /// Power of all between 20 Hz and the band's edge but for the sine at `tone_hz` (0: none).
   double noise(double tone_hz = 0) const {

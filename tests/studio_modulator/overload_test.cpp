@@ -18,31 +18,9 @@
 namespace corvin::studio {
 namespace {
 
-using testing::Bytes;
-using testing::dsd_rate;
-using testing::modulate;
-using testing::Modulated;
-using testing::Samples;
-using testing::sine;
-
-constexpr ModulatorGrade kGrades[] = {ModulatorGrade::kStandard, ModulatorGrade::kHigh,
-                                      ModulatorGrade::kBest};
 constexpr std::size_t kSecond = 352800;  // samples at DSD64
-
-ModulatorConfig config_for(ModulatorGrade grade, int oversampling = 64) {
-  ModulatorConfig config;
-  config.grade = grade;
-  config.oversampling = oversampling;
-  return config;
-}
-
-Samples signal(std::size_t count, const std::function<double(double)>& at_second) {
-  Samples samples(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    samples[i] = at_second(static_cast<double>(i) / static_cast<double>(kSecond));
-  }
-  return samples;
-}
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 double wave(double frequency_hz, double t) {
   return std::sin(2 * std::numbers::pi * frequency_hz * t);
@@ -55,65 +33,48 @@ double square(double frequency_hz, double t) {
   return sum * 4 / std::numbers::pi;
 }
 
-Samples noise(std::size_t count, double rms) {
-  Samples samples(count);
-  std::uint32_t state = 1;
-  double a = 0, b = 0, c = 0, power = 0;
-  for (double& sample : samples) {
-    state = state * 1664525u + 1013904223u;
-    a += 0.3 * (static_cast<std::int32_t>(state) * 0x1p-31 - a);
+// Noise of audible and somewhat higher frequencies, of about the given power.
+std::function<double(double)> noise(double rms) {
+  return [rms, random = Random(1), a = 0.0, b = 0.0, c = 0.0](double) mutable {
+    a += 0.3 * (random() / 1073741824.0 - 1 - a);
     b += 0.3 * (a - b);
     c += 0.3 * (b - c);
-    sample = c;
-    power += c * c;
-  }
-  for (double& sample : samples) sample *= rms / std::sqrt(power / static_cast<double>(count));
-  return samples;
+    return c * rms / 0.151;
+  };
 }
 
-TEST(ModulatorOverload, LoudSinesNeverLoseLock) {
-  for (ModulatorGrade grade : kGrades) {
-    for (double frequency_hz : {20.0, 313.0, 997.0, 2500.0, 8000.0, 14000.0, 20000.0}) {
-      const bool quick = grade == ModulatorGrade::kStandard;
-      const Samples in = sine(frequency_hz, 0.7071, quick ? kSecond : kSecond / 4);
-      EXPECT_EQ(modulate(config_for(grade), in).overloads[0], 0u) << frequency_hz;
+TEST(ModulatorOverload, LoudSignalsNeverLoseLock) {
+  std::vector<std::pair<const char*, std::function<double(double)>>> signals = {
+      {"two high sines", [](double t) { return 0.35355 * (wave(19000, t) + wave(20000, t)); }},
+      {"60 Hz and 7 kHz, 4 to 1",
+       [](double t) { return 0.7071 * (0.8 * wave(60, t) + 0.2 * wave(7000, t)); }},
+      {"square wave", [](double t) { return 0.7071 * square(1000, t); }},
+      {"fast square wave", [](double t) { return 0.7071 * square(5000, t); }},
+      {"louder square wave", [](double t) { return 0.9 * square(997, t); }},
+      {"constant", [](double) { return 0.7071; }},
+      {"step", [](double t) { return t > 0.1 ? -0.7071 : 0; }},
+      {"bursts", [](double t) { return std::fmod(t, 0.01) < 0.005 ? 0.7071 * wave(11000, t) : 0; }},
+      {"sine at full modulation", [](double t) { return wave(997, t); }},
+      {"high sine at full modulation", [](double t) { return wave(20000, t); }},
+      {"sine beyond", [](double t) { return 1.5 * wave(5000, t); }},
+      {"noise", noise(0.25)},
+      {"loud noise", noise(0.35)},
+      {"limited noise", noise(0.7)}};
+  for (double hz : {20.0, 313.0, 997.0, 2500.0, 8000.0, 14000.0, 20000.0}) {
+    signals.emplace_back("sine", [hz](double t) { return 0.7071 * wave(hz, t); });
+  }
+  for (const auto& [name, signal] : signals) {
+    Samples in(kSecond / 2);
+    for (std::size_t i = 0; i < in.size(); ++i) in[i] = signal(static_cast<double>(i) / kSecond);
+    for (ModulatorGrade grade : kGrades) {
+      EXPECT_EQ(modulate({grade}, in).overloads[0], 0u)
+          << name << ", grade " << static_cast<int>(grade);
     }
   }
-  for (double frequency_hz : {997.0, 20000.0}) {
-    EXPECT_EQ(
-        modulate(config_for(kGrades[0], 256), sine(frequency_hz, 0.79, kSecond, 256)).overloads[0],
-        0u);
-    EXPECT_EQ(
-        modulate(config_for(kGrades[0], 512), sine(frequency_hz, 0.83, kSecond, 512)).overloads[0],
-        0u);
-  }
-}
-
-TEST(ModulatorOverload, NastySignalsThatNeverLoseLock) {
-  const std::size_t count = kSecond / 2;
-  const std::vector<std::pair<const char*, Samples>> signals = {
-      {"two high sines",
-       signal(count, [](double t) { return 0.35355 * (wave(19000, t) + wave(20000, t)); })},
-      {"60 Hz and 7 kHz, 4 to 1",
-       signal(count, [](double t) { return 0.7071 * (0.8 * wave(60, t) + 0.2 * wave(7000, t)); })},
-      {"square wave", signal(count, [](double t) { return 0.7071 * square(1000, t); })},
-      {"fast square wave", signal(count, [](double t) { return 0.7071 * square(5000, t); })},
-      {"louder square wave", signal(count, [](double t) { return 0.9 * square(997, t); })},
-      {"constant", signal(count, [](double) { return 0.7071; })},
-      {"step", signal(count, [](double t) { return t > 0.1 ? -0.7071 : 0; })},
-      {"bursts",
-       signal(count,
-              [](double t) { return std::fmod(t, 0.01) < 0.005 ? 0.7071 * wave(11000, t) : 0; })},
-      {"sine at full modulation", signal(count, [](double t) { return wave(997, t); })},
-      {"high sine at full modulation", signal(count, [](double t) { return wave(20000, t); })},
-      {"sine beyond", signal(count, [](double t) { return 1.5 * wave(5000, t); })},
-      {"noise", noise(count, 0.25)},
-      {"loud noise", noise(count, 0.35)},
-      {"limited noise", noise(count, 0.7)}};
-  for (ModulatorGrade grade : kGrades) {
-    for (const auto& [name, in] : signals) {
-      EXPECT_EQ(modulate(config_for(grade), in).overloads[0], 0u)
-          << name << ", grade " << static_cast<int>(grade);
+  for (double hz : {997.0, 20000.0}) {
+    for (const auto& [rate, amplitude] : {std::pair(256, 0.79), std::pair(512, 0.83)}) {
+      const Samples in = faded_sine(hz, amplitude, kSecond, rate);
+      EXPECT_EQ(modulate({kGrades[0], rate}, in).overloads[0], 0u) << hz << " Hz, DSD" << rate;
     }
   }
 }
@@ -129,15 +90,13 @@ TEST(ModulatorOverload, LimiterIsContinuousOddAndBounded) {
     EXPECT_EQ(limiter(-x), -limiter(x));
     last = limiter(x);
   }
-  const double infinity = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(limiter(infinity), 0.72);
+  EXPECT_EQ(limiter(kInfinity), 0.72);
   EXPECT_EQ(limiter(-1e300), -0.72);
-  EXPECT_EQ(limiter(std::numeric_limits<double>::quiet_NaN()), 0.0);
+  EXPECT_EQ(limiter(kNan), 0.0);
 }
 
 // The lower audible band, sampled now and then. The filter rings for 1.3 ms to either side.
-std::pair<std::size_t, std::vector<double>> audible(const Bytes& bytes, std::size_t step,
-                                                    int oversampling) {
+std::vector<double> audible(const Bytes& bytes, std::size_t step, int oversampling) {
   const double rate_hz = dsd_rate(oversampling);
   return testing::decimate(bytes, step, 15000 / rate_hz, 20000 / rate_hz);
 }
@@ -145,56 +104,51 @@ std::pair<std::size_t, std::vector<double>> audible(const Bytes& bytes, std::siz
 // Everything absurd for 5 ms in the middle of a sine. 2 ms later the audible band must be as if
 // nothing had happened.
 TEST(ModulatorOverload, RecoversWithinTwoMilliseconds) {
-  const double infinity = std::numeric_limits<double>::infinity();
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  std::uint32_t state = 9;
-  const auto random = [&state] {
-    state = state * 1664525u + 1013904223u;
-    return static_cast<std::int32_t>(state) * 0x1p-31;
-  };
+  Random random(9);
+  const auto noise = [&random] { return random() / 1073741824.0 - 1; };
   const std::vector<std::pair<const char*, std::function<double(int)>>> absurd = {
-      {"no numbers", [&](int) { return nan; }},
-      {"infinity", [&](int) { return infinity; }},
-      {"both infinities", [&](int i) { return i / 3 % 2 == 0 ? infinity : -infinity; }},
-      {"huge", [&](int i) { return i / 50 % 2 == 0 ? 1e300 : -1e300; }},
-      {"huge noise", [&](int) { return 1e3 * random(); }},
+      {"no numbers", [](int) { return kNan; }},
+      {"infinity", [](int) { return kInfinity; }},
+      {"both infinities", [](int i) { return i / 3 % 2 == 0 ? kInfinity : -kInfinity; }},
+      {"huge", [](int i) { return i / 50 % 2 == 0 ? 1e300 : -1e300; }},
+      {"huge noise", [&](int) { return 1e3 * noise(); }},
       {"all at once",
-       [&](int i) { return i % 4 == 0   ? nan
-                           : i % 4 == 1 ? infinity
-                                        : 1e9 * random(); }},
-      {"loud at 50 kHz", [&](int i) { return 10 * wave(50000, i / 352800.0); }},
-      {"loud at 75 kHz", [&](int i) { return 10 * wave(75000, i / 352800.0); }},
-      {"full scale", [&](int) { return 1.0; }}};
+       [&](int i) { return i % 4 == 0   ? kNan
+                           : i % 4 == 1 ? kInfinity
+                                        : 1e9 * noise(); }},
+      {"loud at 50 kHz", [](int i) { return 10 * wave(50000, i / 352800.0); }},
+      {"loud at 75 kHz", [](int i) { return 10 * wave(75000, i / 352800.0); }},
+      {"full scale", [](int) { return 1.0; }}};
   constexpr std::size_t kBurst = 20000, kLength = 1764, kTwoMs = 706;
   std::uint64_t losses = 0;
-  for (int oversampling : {64, 256, 512}) {
-    for (ModulatorGrade grade : kGrades) {
-      if (oversampling > 64 && grade != ModulatorGrade::kStandard) continue;
-      const Samples sane = sine(997, 0.5, 40000, oversampling);
-      const std::size_t scale = static_cast<std::size_t>(oversampling) / 64;
-      const std::size_t step = 256 * scale;
-      const auto decoded = [&](const Samples& in, std::uint64_t* overloads) {
-        const Modulated made = modulate(config_for(grade, oversampling), in);
-        *overloads += made.overloads[0];
-        return audible(made.bytes[0], step, oversampling);
-      };
-      std::uint64_t none = 0;
-      const std::vector<double> expected = decoded(sane, &none).second;
-      EXPECT_EQ(none, 0u);
-      for (const auto& [name, burst] : absurd) {
-        Samples in = sane;
-        for (std::size_t i = 0; i < kLength; ++i) in[kBurst + i] = burst(static_cast<int>(i));
-        const std::vector<double> samples = decoded(in, &losses).second;
-        // Sample n sees the bits from n x step on.
-        const std::size_t clean = (8 * (kBurst + kLength) + 8 * kTwoMs * scale) / step + 1;
-        ASSERT_LT(clean + 20, samples.size());
-        double worst = 0;
-        for (std::size_t i = clean; i < samples.size(); ++i) {
-          worst = std::max(worst, std::abs(samples[i] - expected[i]));
-        }
-        EXPECT_LE(20 * std::log10(worst), -138)
-            << name << ", DSD" << oversampling << ", grade " << static_cast<int>(grade);
+  for (const ModulatorConfig& config :
+       {ModulatorConfig{kGrades[0], 64}, ModulatorConfig{kGrades[1], 64},
+        ModulatorConfig{kGrades[2], 64}, ModulatorConfig{kGrades[0], 256},
+        ModulatorConfig{kGrades[0], 512}}) {
+    const Samples sane = faded_sine(997, 0.5, 40000, config.oversampling);
+    const std::size_t scale = static_cast<std::size_t>(config.oversampling) / 64;
+    const std::size_t step = 256 * scale;
+    const auto decoded = [&](const Samples& in, std::uint64_t& overloads) {
+      const Modulated made = modulate(config, in);
+      overloads += made.overloads[0];
+      return audible(made.bytes[0], step, config.oversampling);
+    };
+    std::uint64_t none = 0;
+    const std::vector<double> expected = decoded(sane, none);
+    EXPECT_EQ(none, 0u);
+    for (const auto& [name, burst] : absurd) {
+      Samples in = sane;
+      for (std::size_t i = 0; i < kLength; ++i) in[kBurst + i] = burst(static_cast<int>(i));
+      const std::vector<double> samples = decoded(in, losses);
+      // Sample n sees the bits from n x step on.
+      const std::size_t clean = (8 * (kBurst + kLength) + 8 * kTwoMs * scale) / step + 1;
+      ASSERT_LT(clean + 20, samples.size());
+      double worst = 0;
+      for (std::size_t i = clean; i < samples.size(); ++i) {
+        worst = std::max(worst, std::abs(samples[i] - expected[i]));
       }
+      EXPECT_LE(20 * std::log10(worst), -138)
+          << name << ", DSD" << config.oversampling << ", grade " << static_cast<int>(config.grade);
     }
   }
   EXPECT_GT(losses, 20u) << "the bursts no longer reach the recovery";
@@ -234,7 +188,7 @@ TEST(ModulatorOverload, SearchesCatchUp) {
       if (mask == 0) expected = left;
       EXPECT_EQ(left, expected);
       // The band 2 ms (5645 bits) and the search's delay later.
-      const std::vector<double> samples = audible(left, 256, 64).second;
+      const std::vector<double> samples = audible(left, 256, 64);
       for (std::size_t i = (200500 + 5645 + 512) / 256 + 1; i < samples.size(); ++i) {
         ASSERT_NEAR(samples[i], 0.25, 1e-6) << i;
       }

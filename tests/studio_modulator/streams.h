@@ -6,30 +6,24 @@
 #ifndef CORVIN_TESTS_STUDIO_MODULATOR_STREAMS_H_
 #define CORVIN_TESTS_STUDIO_MODULATOR_STREAMS_H_
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <numbers>
-#include <vector>
-
 #include "studio/modulator/modulator.h"
+#include "tests/studio/streams.h"
 
-namespace corvin::testing {
+namespace corvin::studio {
 
 using Samples = std::vector<double>;
-using Bytes = std::vector<std::uint8_t>;
+
+constexpr ModulatorGrade kGrades[] = {ModulatorGrade::kStandard, ModulatorGrade::kHigh,
+                                      ModulatorGrade::kBest};
 
 inline double dsd_rate(int oversampling) { return 44100.0 * oversampling; }
 
 /// A sine that fades in over a thousand samples.
-inline Samples sine(double frequency_hz, double amplitude, std::size_t count,
-                    int oversampling = 64) {
-  Samples samples(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    const double n = static_cast<double>(i);
-    samples[i] = amplitude * std::min(1.0, n / 1000) *
-                 std::sin(2 * std::numbers::pi * frequency_hz * n * 8 / dsd_rate(oversampling));
+inline Samples faded_sine(double frequency_hz, double amplitude, std::size_t count,
+                          int oversampling = 64) {
+  Samples samples = sine(frequency_hz, dsd_rate(oversampling) / 8, amplitude, count);
+  for (std::size_t i = 0; i < std::min<std::size_t>(count, 1000); ++i) {
+    samples[i] *= static_cast<double>(i) / 1000;
   }
   return samples;
 }
@@ -39,43 +33,47 @@ struct Modulated {
   std::uint64_t overloads[2] = {};
 };
 
-/// A whole stream through one modulator, `chunk` samples a call.
-inline Modulated modulate(const studio::ModulatorConfig& config, const std::vector<Samples>& in,
+/// A whole stream through one modulator, which it leaves as new, `chunk` samples a call.
+inline Modulated modulate(Modulator& modulator, const std::vector<Samples>& in,
                           std::size_t chunk = 4096) {
-  studio::Modulator modulator(config);
-  Modulated made;
   const std::size_t total = in[0].size();
-  for (int c = 0; c < config.channels; ++c) {
-    made.bytes.emplace_back(total + chunk + 2 * studio::Modulator::kLookAhead);
-  }
+  Modulated made;
+  made.bytes.resize(in.size(), Bytes(total + chunk + 2 * Modulator::kLookAhead));
   std::size_t written = 0;
-  for (std::size_t at = 0; at < total; at += chunk) {
-    const double* from[2];
-    std::uint8_t* to[2];
-    for (int c = 0; c < config.channels; ++c) {
-      from[c] = in[static_cast<std::size_t>(c)].data() + at;
-      to[c] = made.bytes[static_cast<std::size_t>(c)].data() + written;
+  const double* from[2];
+  std::uint8_t* to[2];
+  const auto aim = [&](std::size_t at) {
+    for (std::size_t c = 0; c < in.size(); ++c) {
+      from[c] = in[c].data() + at;
+      to[c] = made.bytes[c].data() + written;
     }
+  };
+  for (std::size_t at = 0; at < total; at += chunk) {
+    aim(at);
     written += modulator.modulate(from, std::min(chunk, total - at), to);
   }
-  std::uint8_t* to[2];
-  for (int c = 0; c < config.channels; ++c) {
-    to[c] = made.bytes[static_cast<std::size_t>(c)].data() + written;
-  }
+  aim(total);
   written += modulator.finish(to);
-  for (int c = 0; c < config.channels; ++c) {
-    made.bytes[static_cast<std::size_t>(c)].resize(written);
-    made.overloads[c] = modulator.overload_events(c);
+  for (std::size_t c = 0; c < in.size(); ++c) {
+    made.bytes[c].resize(written);
+    made.overloads[c] = modulator.overload_events(static_cast<int>(c));
   }
+  modulator.reset();
   return made;
 }
 
+inline Modulated modulate(ModulatorConfig config, const std::vector<Samples>& in,
+                          std::size_t chunk = 4096) {
+  config.channels = static_cast<int>(in.size());
+  Modulator modulator(config);
+  return modulate(modulator, in, chunk);
+}
+
 /// One channel alone.
-inline Modulated modulate(studio::ModulatorConfig config, const Samples& in) {
-  config.channels = 1;
+inline Modulated modulate(const ModulatorConfig& config, const Samples& in) {
   return modulate(config, std::vector<Samples>{in});
 }
 
-}  // namespace corvin::testing
+}  // namespace corvin::studio
 
 #endif  // CORVIN_TESTS_STUDIO_MODULATOR_STREAMS_H_

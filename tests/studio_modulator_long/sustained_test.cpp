@@ -12,21 +12,18 @@
 namespace corvin::studio {
 namespace {
 
-using testing::Samples;
-
 constexpr std::size_t kSecond = 352800;
 
 TEST(ModulatorSustained, FortyEightSines) {
-  for (ModulatorGrade grade :
-       {ModulatorGrade::kStandard, ModulatorGrade::kHigh, ModulatorGrade::kBest}) {
+  for (ModulatorGrade grade : kGrades) {
     ModulatorConfig config;
     config.grade = grade;
     const std::size_t count = grade == ModulatorGrade::kStandard ? 6 * kSecond : kSecond;
     for (int i = 0; i < 48; i += 2) {
       const double low = 20 * std::pow(1000, i / 47.0);
       const double high = 20 * std::pow(1000, (i + 1) / 47.0);
-      const auto made = testing::modulate(
-          config, {testing::sine(low, 0.7071, count), testing::sine(high, 0.7071, count)});
+      const auto made =
+          modulate(config, {faded_sine(low, 0.7071, count), faded_sine(high, 0.7071, count)});
       EXPECT_EQ(made.overloads[0], 0u) << low << " Hz";
       EXPECT_EQ(made.overloads[1], 0u) << high << " Hz";
     }
@@ -36,8 +33,8 @@ TEST(ModulatorSustained, FortyEightSines) {
 TEST(ModulatorSustained, SixteenConstants) {
   ModulatorConfig config;
   for (int i = 1; i <= 16; i += 2) {
-    const auto made = testing::modulate(config, {Samples(3 * kSecond, 0.7071 * i / 16),
-                                                 Samples(3 * kSecond, -0.7071 * (i + 1) / 16)});
+    const auto made = modulate(config, {Samples(3 * kSecond, 0.7071 * i / 16),
+                                        Samples(3 * kSecond, -0.7071 * (i + 1) / 16)});
     EXPECT_EQ(made.overloads[0] + made.overloads[1], 0u) << i;
   }
 }

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/studio_encode/streams.h"
+#include "tests/studio/streams.h"
 
 namespace corvin::studio {
 namespace {
@@ -22,30 +22,18 @@ EncoderSettings settings_of(std::uint32_t channels, std::uint32_t threads) {
   return settings;
 }
 
-Bytes quiet_noise(std::size_t frames, std::size_t channels) {
-  Random random(40);
-  Bytes data = random.bytes(2 * frames * channels);
-  for (std::size_t i = 1; i < data.size(); i += 2) {
-    data[i] = static_cast<std::uint8_t>(data[i] % 24 - 12);
-  }
-  return data;
-}
-
 TEST(EncoderThreads, AnyNumberReturnsTheSameBytes) {
   Random random(41);
   for (std::uint32_t channels : {1u, 2u, 5u}) {
-    const Bytes data = quiet_noise(20000, channels);
+    const Bytes data = random.quiet_pcm(20000 * channels, 2);
     const EncoderSettings plain = settings_of(channels, 0);
     Encoder alone(plain);
-    const Bytes expected = encode(
-        alone, plain, data, [] { return 5000u; }, [] { return 100000u; });
+    const Bytes expected = encode(alone, plain, data);
     for (std::uint32_t threads : {1u, 2u, 7u}) {
       const EncoderSettings settings = settings_of(channels, threads);
       Encoder encoder(settings);
-      const Bytes out = encode(
-          encoder, settings, data, [&] { return random() % 20000; },
-          [&] { return random() % 100000 + 1; });
-      EXPECT_TRUE(out == expected) << channels << " channels, " << threads << " threads";
+      EXPECT_TRUE(encode(encoder, settings, data, &random) == expected)
+          << channels << " channels, " << threads << " threads";
       EXPECT_EQ(encoder.report().samples, alone.report().samples);
       EXPECT_EQ(encoder.report().peak, alone.report().peak);
     }
@@ -54,16 +42,14 @@ TEST(EncoderThreads, AnyNumberReturnsTheSameBytes) {
 
 TEST(EncoderThreads, ResetAndDestroyWithWorkInFlight) {
   Random random(42);
-  const Bytes data = quiet_noise(20000, 3);
+  const Bytes data = random.quiet_pcm(20000 * 3, 2);
   const Bytes expected = encode(settings_of(3, 0), data);
   const EncoderSettings settings = settings_of(3, 3);
   Encoder encoder(settings);
   for (std::size_t pushed : {20000u, 9000u, 1u}) {
     encoder.push(data.data(), pushed);
     encoder.reset();
-    const Bytes out = encode(
-        encoder, settings, data, [] { return 7000u; }, [] { return 100000u; });
-    EXPECT_TRUE(out == expected) << pushed;
+    EXPECT_TRUE(encode(encoder, settings, data) == expected) << pushed;
     encoder.reset();
   }
   for (int i = 0; i < 10; ++i) {
