@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "corvin.hpp"
+#include "studio/plan/exact_math.h"
 
 namespace corvin::studio {
 
@@ -182,11 +183,13 @@ inline Bytes as_f64(const std::vector<double>& samples, std::size_t channels = 1
   return data;
 }
 
+/// The same to the last bit with every C library: a modulator's bits hang on it.
 inline std::vector<double> sine(double frequency_hz, double rate_hz, double amplitude,
                                 std::size_t frames) {
   std::vector<double> samples(frames);
   for (std::size_t i = 0; i < frames; ++i) {
-    samples[i] = amplitude * std::sin(2 * M_PI * frequency_hz * static_cast<double>(i) / rate_hz);
+    const double turns = frequency_hz * static_cast<double>(i) / rate_hz;
+    samples[i] = amplitude * sine_cosine(2 * kPi * (turns - std::floor(turns))).sine;
   }
   return samples;
 }
