@@ -11,7 +11,7 @@
 
 #include "bench/processors.h"
 #include "corvin.h"
-#include "encode/modulator.h"
+#include "classic/encode/modulator.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "foundation/aligned_storage.h"
-#include "foundation/kernels.h"
-#include "foundation/lowpass_design.h"
+#include "classic/foundation/aligned_storage.h"
+#include "classic/foundation/kernels.h"
+#include "classic/foundation/lowpass_design.h"
 
 namespace {
 

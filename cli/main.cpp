@@ -9,8 +9,8 @@
 #include <cstring>
 #include <exception>
 
-#include "cli/commands.h"
-#include "cli/exit_code.h"
+#include "cli/commands/commands.h"
+#include "cli/words/exit_code.h"
 #include "corvin.h"
 
 namespace {

@@ -10,7 +10,9 @@ function(corvin_list_kernels folder)
   set(directory "${PROJECT_BINARY_DIR}/${folder}_kernels")
   foreach(file ${plain})
     string(REGEX REPLACE ".*/(.*)_portable\\.cpp$" "\\1" kernel "${file}")
-    file(GLOB variants CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/kernels/${kernel}_*.cpp")
+    file(GLOB variants CONFIGURE_DEPENDS
+      "${PROJECT_SOURCE_DIR}/${folder}/kernels/${kernel}_*.cpp"
+      "${PROJECT_SOURCE_DIR}/${folder}/kernels/x86/${kernel}_*.cpp")
     set(list "")
     foreach(variant ${variants})
       cmake_path(GET variant STEM name)

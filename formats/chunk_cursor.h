@@ -14,8 +14,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "formats/byte_order.h"
-#include "formats/byte_source.h"
+#include "formats/bytes/byte_order.h"
+#include "formats/bytes/byte_source.h"
 #include "formats/container.h"
 
 namespace corvin::formats {

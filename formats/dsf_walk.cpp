@@ -10,7 +10,7 @@
 #include <string>
 
 #include "formats/chunk_cursor.h"
-#include "formats/id3_block.h"
+#include "formats/tags/id3_block.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
 

@@ -7,7 +7,7 @@
 #include <array>
 #include <string>
 
-#include "formats/byte_order.h"
+#include "formats/bytes/byte_order.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
 

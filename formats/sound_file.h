@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/byte_source.h"
+#include "formats/bytes/byte_source.h"
 #include "formats/container.h"
 
 namespace corvin::formats {

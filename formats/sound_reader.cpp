@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "formats/bit_order.h"
+#include "formats/bytes/bit_order.h"
 
 namespace corvin::formats {
 namespace {

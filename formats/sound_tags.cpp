@@ -7,8 +7,8 @@
 #include <array>
 #include <vector>
 
-#include "formats/id3_block.h"
-#include "formats/tag_text.h"
+#include "formats/tags/id3_block.h"
+#include "formats/tags/tag_text.h"
 
 namespace corvin::formats {
 namespace {

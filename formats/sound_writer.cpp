@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "formats/bit_order.h"
-#include "formats/byte_order.h"
+#include "formats/bytes/bit_order.h"
+#include "formats/bytes/byte_order.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
 

@@ -11,9 +11,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "formats/byte_source.h"
+#include "formats/bytes/byte_source.h"
 #include "formats/container.h"
-#include "formats/tag_text.h"
+#include "formats/tags/tag_text.h"
 
 namespace corvin::formats {
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "corvin.h"
-#include "formats/byte_source.h"
-#include "formats/new_file.h"
+#include "formats/bytes/byte_source.h"
+#include "formats/bytes/new_file.h"
 #include "formats/sound_file.h"
 #include "formats/sound_reader.h"
 #include "formats/sound_writer.h"

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "corvin.h"
-#include "formats/byte_source.h"
+#include "formats/bytes/byte_source.h"
 
 namespace corvin::studio {
 

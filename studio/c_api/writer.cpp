@@ -9,7 +9,7 @@
 #include <exception>
 #include <utility>
 
-#include "formats/id3_block.h"
+#include "formats/tags/id3_block.h"
 #include "studio/c_api/file.h"
 #include "studio/c_api/stream_bytes.h"
 

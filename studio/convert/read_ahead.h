@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "formats/byte_source.h"
+#include "formats/bytes/byte_source.h"
 #include "formats/sound_file.h"
 
 namespace corvin::studio {

@@ -10,9 +10,9 @@
 
 #include "studio/convert/to_pcm.h"
 #include "studio/encode/encoder.h"
-#include "studio/encode/sample_input.h"
+#include "studio/pcm/sample_input.h"
 #include "studio/plan/rate_family.h"
-#include "studio/stream_limits.h"
+#include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
 namespace {

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "studio/kernels/aligned_array.h"
+#include "studio/math/aligned_array.h"
 #include "studio/kernels/kernels.h"
 #include "studio/plan/decode_plan.h"
 

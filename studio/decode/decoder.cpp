@@ -10,7 +10,7 @@
 #include <numeric>
 #include <utility>
 
-#include "studio/stream_limits.h"
+#include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
 namespace {

@@ -20,7 +20,7 @@
 
 #include "corvin.h"
 #include "studio/decode/block_filter.h"
-#include "studio/decode/sample_output.h"
+#include "studio/pcm/sample_output.h"
 #include "studio/plan/decode_plan.h"
 #include "studio/threads/worker_pool.h"
 

@@ -11,10 +11,10 @@
 #include <numeric>
 #include <utility>
 
-#include "studio/encode/sample_input.h"
+#include "studio/pcm/sample_input.h"
 #include "studio/modulator/noise_shapers.h"
-#include "studio/plan/exact_math.h"
-#include "studio/stream_limits.h"
+#include "studio/math/exact_math.h"
+#include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
 namespace {

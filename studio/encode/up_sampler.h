@@ -9,7 +9,7 @@
 
 #include <vector>
 
-#include "studio/kernels/aligned_array.h"
+#include "studio/math/aligned_array.h"
 #include "studio/kernels/kernels.h"
 #include "studio/plan/encode_plan.h"
 

@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/kernels/aligned_array.h"
+#include "studio/math/aligned_array.h"
 #include "studio/kernels/variant.h"
 
 namespace corvin::studio {

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "studio/kernels/variant.h"
-#include "studio/plan/fft_plan.h"
+#include "studio/math/fft_plan.h"
 
 namespace corvin::studio {
 

@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "studio/plan/exact_math.h"
+#include "studio/math/exact_math.h"
 
 namespace corvin::studio {
 namespace {

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <numeric>
 
-#include "studio/plan/exact_math.h"
+#include "studio/math/exact_math.h"
 #include "studio/plan/rate_family.h"
 #include "studio/plan/spectral_shape.h"
 

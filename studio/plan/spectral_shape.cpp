@@ -4,7 +4,7 @@
 
 #include "studio/plan/spectral_shape.h"
 
-#include "studio/plan/exact_math.h"
+#include "studio/math/exact_math.h"
 
 namespace corvin::studio {
 namespace {

@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "studio/kernels/spectral.h"
-#include "studio/plan/exact_math.h"
+#include "studio/math/exact_math.h"
 
 namespace corvin::studio {
 

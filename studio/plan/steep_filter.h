@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "studio/plan/fft_plan.h"
+#include "studio/math/fft_plan.h"
 
 namespace corvin::studio {
 

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Texts from files, which may be any bytes, made fit for a terminal and for JSON. What is not UTF-8
+// is taken as ISO 8859-1, the other encoding that tags use.
+
+#ifndef CORVIN_CLI_WORDS_UNICODE_TEXT_H_
+#define CORVIN_CLI_WORDS_UNICODE_TEXT_H_
+
+#include <string>
+#include <string_view>
+
+namespace corvin::cli {
+
+/** UTF-8 on one line, with nothing in it that could steer a terminal: line feeds and tabs become
+ *  spaces, other control characters question marks. */
+std::string printable(std::string_view text);
+
+/** A JSON string, with its quotes. */
+std::string json_string(std::string_view text);
+
+}  // namespace corvin::cli
+
+#endif  // CORVIN_CLI_WORDS_UNICODE_TEXT_H_

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Whole conversions to DSD: the encoder's own bytes in every container; DSD of another rate that
+// sounds as before; ends as promised.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "tests/support/sound_files.h"
+
+namespace corvin::studio {
+namespace {
+
+/// PCM in memory.
+struct Pcm {
+  Bytes data;
+  std::size_t frame_bytes;
+  std::size_t position = 0;
+  std::size_t most_at_once = std::numeric_limits<std::size_t>::max();
+  int calls_left = std::numeric_limits<int>::max();  ///< until reads fail
+
+  corvin_pcm_source source(std::uint32_t rate, std::uint32_t channels, std::uint32_t format) {
+    corvin_pcm_source source = {};
+    source.size = sizeof source;
+    source.pcm_rate = rate;
+    source.channels = channels;
+    source.format = format;
+    source.frames = data.size() / frame_bytes;
+    source.user = this;
+    source.read = [](void* user, void* frames, std::size_t count) -> std::int64_t {
+      Pcm& self = *static_cast<Pcm*>(user);
+      if (self.calls_left-- <= 0) return -1;
+      count = std::min(
+          {count, self.most_at_once, (self.data.size() - self.position) / self.frame_bytes});
+      const std::size_t bytes = count * self.frame_bytes;
+      if (bytes > 0) std::memcpy(frames, &self.data[self.position], bytes);
+      self.position += bytes;
+      return static_cast<std::int64_t>(count);
+    };
+    return source;
+  }
+};
+
+TEST(ConvertToDsd, IsTheEncoderIntoEveryContainer) {
+  Random random(30);
+  for (const std::uint32_t channels : {1u, 2u, 6u}) {
+    EncoderSettings encoder;
+    encoder.channels = channels;
+    encoder.pcm_rate = 48000;
+    encoder.format = CORVIN_S16;
+    encoder.gain_db = 6;
+    Pcm pcm{random.bytes(2 * channels * 20001), 2 * channels};
+    const Bytes expected = encode(encoder, pcm.data);
+    const std::uint64_t samples = Encoder(encoder).samples(20001);
+    for (const corvin_container container : kContainers) {
+      for (const std::uint32_t threads : {0u, 2u}) {
+        ConvertSettings settings;
+        settings.gain_db = 6;
+        settings.threads = threads;
+        MemoryStream stream;
+        Writer writer(stream.callbacks(), writer_settings(container, channels));
+        pcm.position = 0;
+        pcm.most_at_once = threads == 0 ? 777 : 100000;
+        const corvin_convert_report report =
+            convert_to_dsd(pcm.source(48000, channels, CORVIN_S16), writer, settings);
+        EXPECT_EQ(report.frames, 20001u);
+        EXPECT_EQ(report.samples, samples);
+        EXPECT_GT(report.limited, 0u);  // the noise's peaks
+        MemoryFile file(stream.bytes);
+        EXPECT_EQ(file.info().samples, container == CORVIN_DSF ? samples : (samples + 7) / 8 * 8);
+        EXPECT_TRUE(read_all(file) == expected)
+            << container << ", " << channels << " channels, " << threads;
+      }
+    }
+  }
+}
+
+// A tone in DSD through another rate is the tone that decodes from the source.
+TEST(ConvertToDsd, DsdOfAnotherRateSoundsAsBefore) {
+  constexpr std::uint32_t kFrames = 22050;
+  EncoderSettings encoder;
+  encoder.channels = 1;
+  encoder.format = CORVIN_F64;
+  const Bytes source = encode(encoder, as_f64(sine(1000, 44100, 0.5, kFrames)));
+  const std::uint64_t source_samples = 64 * kFrames;
+  const std::vector<double> before = decode_mono(2822400, 44100, source);
+  for (const std::uint32_t rate : {2822400u, 5644800u, 3072000u, 22579200u}) {
+    MemoryFile file(file_of(writer_settings(CORVIN_DSF, 1), source, source_samples));
+    MemoryStream target;
+    Writer writer(target.callbacks(), writer_settings(CORVIN_DSF, 1, rate));
+    ConvertSettings settings;
+    settings.threads = 1;
+    const corvin_convert_report report = convert_dsd_rate(file, writer, settings);
+    const std::uint64_t samples = (source_samples * (rate / 2400) + 1175) / 1176;
+    EXPECT_EQ(report.samples, samples);
+    EXPECT_EQ(report.overloads, 0u);
+    MemoryFile made(target.bytes);
+    EXPECT_EQ(made.info().samples, samples);
+    const std::vector<double> after = decode_mono(rate, 44100, read_all(made));
+    // Away from the ends, where the source's own silence begins and stops: the noise of two
+    // modulators up to 20.9 kHz, -110 dB, of which most lies above 20 kHz.
+    double worst = 0;
+    for (std::size_t i = 2000; i + 2000 < kFrames; ++i)
+      worst = std::max(worst, std::fabs(after[i] - before[i]));
+    EXPECT_LT(worst, 1e-4) << rate;
+  }
+}
+
+TEST(ConvertToDsd, EndsWhereverItIsAsked) {
+  const Bytes silence(4 * 200000);
+  for (const std::uint32_t threads : {0u, 2u}) {
+    ConvertSettings settings;
+    settings.threads = threads;
+    const auto status = [&](Pcm pcm, MemoryStream stream, std::uint64_t& finished_bytes) {
+      Writer writer(stream.callbacks(), writer_settings(CORVIN_DSDIFF, 2));
+      const corvin_pcm_source source = pcm.source(44100, 2, CORVIN_S16);
+      corvin_convert_report report = empty_report();
+      const int result = corvin_convert_to_dsd(&source, writer.handle(), &settings, &report);
+      finished_bytes = stream.bytes.size();
+      // Nothing has been finished: that can still be refused or done.
+      if (result != CORVIN_OK) {
+        EXPECT_NE(corvin_writer_finish(writer.handle(), 1), CORVIN_OK);
+      }
+      return result;
+    };
+    std::uint64_t bytes = 0;
+    Pcm failing{silence, 4};
+    failing.calls_left = 2;
+    EXPECT_EQ(status(failing, MemoryStream(), bytes), CORVIN_E_READ);
+    MemoryStream full;
+    full.calls_left = 2;
+    EXPECT_EQ(status(Pcm{silence, 4}, full, bytes), CORVIN_E_WRITE);
+    settings.progress = [](void*, std::uint64_t done, std::uint64_t total) {
+      return done > total / 2 ? 1 : 0;
+    };
+    EXPECT_EQ(status(Pcm{silence, 4}, MemoryStream(), bytes), CORVIN_E_CANCELLED);
+    settings.progress = nullptr;
+    EXPECT_EQ(status(Pcm{Bytes(), 4}, MemoryStream(), bytes), CORVIN_OK);
+    EXPECT_GT(bytes, 0u);
+  }
+}
+
+TEST(ConvertToDsd, RefusesWhatItCannotDo) {
+  Pcm pcm{Bytes(400), 4};
+  MemoryStream stream;
+  Writer writer(stream.callbacks(), writer_settings(CORVIN_DSF, 2));
+  const auto status = [&](std::uint32_t rate, std::uint32_t channels, std::uint32_t format) {
+    const corvin_pcm_source source = pcm.source(rate, channels, format);
+    return corvin_convert_to_dsd(&source, writer.handle(), nullptr, nullptr);
+  };
+  EXPECT_EQ(status(44101, 2, CORVIN_S16), CORVIN_E_UNSUPPORTED);
+  EXPECT_EQ(status(44100, 1, CORVIN_S16), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status(44100, 2, 9), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(corvin_convert_to_dsd(nullptr, writer.handle(), nullptr, nullptr), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status(44100, 2, CORVIN_S16), CORVIN_OK);
+  EXPECT_EQ(status(44100, 2, CORVIN_S16), CORVIN_E_STATE);
+
+  MemoryFile file(file_of(writer_settings(CORVIN_DSF, 2, 3000000), Bytes(200)));
+  MemoryStream target;
+  Writer fresh(target.callbacks(), writer_settings(CORVIN_DSF, 2));
+  EXPECT_EQ(corvin_convert_dsd_rate(file.handle(), fresh.handle(), nullptr, nullptr),
+            CORVIN_E_UNSUPPORTED);
+}
+
+}  // namespace
+}  // namespace corvin::studio
