@@ -27,13 +27,13 @@ void Decode(benchmark::State& state, int dsd_rate, int pcm_rate) {
       benchmark::Counter(kSeconds, benchmark::Counter::kIsIterationInvariantRate);
 }
 
-#define CORVIN_DECODE_BENCH(dsd, pcm)                            \
-  BENCHMARK_CAPTURE(Decode, dsd##_to_##pcm, dsd, pcm)            \
-      ->Arg(1)                                                   \
-      ->Arg(2)                                                   \
-      ->ArgName("processors")                                    \
-      ->UseRealTime()                                            \
-      ->MeasureProcessCPUTime()                                  \
+#define CORVIN_DECODE_BENCH(dsd, pcm)                 \
+  BENCHMARK_CAPTURE(Decode, dsd##_to_##pcm, dsd, pcm) \
+      ->Arg(1)                                        \
+      ->Arg(2)                                        \
+      ->ArgName("processors")                         \
+      ->UseRealTime()                                 \
+      ->MeasureProcessCPUTime()                       \
       ->Unit(benchmark::kMillisecond)
 
 CORVIN_DECODE_BENCH(2822400, 44100);

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "bench/processors.h"
-#include "corvin.h"
 #include "classic/encode/modulator.h"
+#include "corvin.h"
 
 namespace {
 

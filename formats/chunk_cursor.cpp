@@ -33,8 +33,8 @@ bool ChunkCursor::Read(void* to, std::size_t bytes) {
 bool ChunkCursor::ReadHeader(ChunkHeader& header) {
   // No sound file has so many chunks; a large one of zeros would seem to, 12 bytes each.
   constexpr int kMaxHeaders = 1 << 16;
-  return headers_++ < kMaxHeaders && Read(header.id.data(), header.id.size()) && Read(header.size) &&
-         header.size <= static_cast<std::uint64_t>(INT64_MAX);
+  return headers_++ < kMaxHeaders && Read(header.id.data(), header.id.size()) &&
+         Read(header.size) && header.size <= static_cast<std::uint64_t>(INT64_MAX);
 }
 
 bool ChunkCursor::Skip(std::uint64_t bytes) { return bytes <= left() && MoveTo(position_ + bytes); }

@@ -10,9 +10,9 @@
 #include <string>
 
 #include "formats/chunk_cursor.h"
-#include "formats/tags/id3_block.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
+#include "formats/tags/id3_block.h"
 
 namespace corvin::formats {
 namespace {

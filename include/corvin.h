@@ -57,13 +57,13 @@ typedef bool (*CorvinProgressCallback)(int percent, void* data);
 
 /** What a DSD file holds, as DSDInfo() finds it. */
 typedef struct DSD_INFO {
-  uint32_t format;               /**< container kind 1..3; left as it was for any other file */
-  uint32_t channels;             /**< channel count */
-  uint32_t samplingFrequency;    /**< DSD rate in Hz */
-  uint32_t bitsPerSample;        /**< 1; for DSF the file's own value */
-  uint64_t sampleCount;          /**< samples per channel */
-  char compressionName[256];     /**< DSDIFF compression name, not terminated by the query */
-  uint32_t blockSizePerChannel;  /**< DSF block size in bytes; 4096 for the other kinds */
+  uint32_t format;              /**< container kind 1..3; left as it was for any other file */
+  uint32_t channels;            /**< channel count */
+  uint32_t samplingFrequency;   /**< DSD rate in Hz */
+  uint32_t bitsPerSample;       /**< 1; for DSF the file's own value */
+  uint64_t sampleCount;         /**< samples per channel */
+  char compressionName[256];    /**< DSDIFF compression name, not terminated by the query */
+  uint32_t blockSizePerChannel; /**< DSF block size in bytes; 4096 for the other kinds */
 } DSD_INFO;
 
 /** Bytes of a text field; a text that fills its field has no terminator. */
@@ -119,15 +119,15 @@ typedef struct DSD_TAG {
  *  widths. PCMtoDSD() reads the three fields named below; the PCM is always signed big-endian
  *  integers. */
 typedef struct AudioStreamBasicDescription {
-  double mSampleRate;          /**< Hz; the fraction is dropped */
-  uint32_t mFormatID;          /**< ignored */
-  uint32_t mFormatFlags;       /**< ignored */
-  uint32_t mBytesPerPacket;    /**< ignored */
-  uint32_t mFramesPerPacket;   /**< ignored */
-  uint32_t mBytesPerFrame;     /**< ignored */
-  uint32_t mChannelsPerFrame;  /**< 1..8 */
-  uint32_t mBitsPerChannel;    /**< 8, 16, 24 or 32 */
-  uint32_t mReserved;          /**< ignored */
+  double mSampleRate;         /**< Hz; the fraction is dropped */
+  uint32_t mFormatID;         /**< ignored */
+  uint32_t mFormatFlags;      /**< ignored */
+  uint32_t mBytesPerPacket;   /**< ignored */
+  uint32_t mFramesPerPacket;  /**< ignored */
+  uint32_t mBytesPerFrame;    /**< ignored */
+  uint32_t mChannelsPerFrame; /**< 1..8 */
+  uint32_t mBitsPerChannel;   /**< 8, 16, 24 or 32 */
+  uint32_t mReserved;         /**< ignored */
 } AudioStreamBasicDescription;
 #endif
 
@@ -335,8 +335,7 @@ CORVIN_API void CloseDSDtoPCMBuf(CDSDtoPCMBuf* engine);
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int PCMtoDSD(int mode, long long pcmBytes, FILE* pcmSource, const char* dsdPath,
                         int dsdRate, CorvinProgressCallback progress,
-                        AudioStreamBasicDescription pcmFormat, void* progressData,
-                        DSD_TAG* tag);
+                        AudioStreamBasicDescription pcmFormat, void* progressData, DSD_TAG* tag);
 
 /** Converts stereo PCM in memory to DSD in memory. Blocks until the end.
  *  @param pcm       `pcmBytes` bytes of signed big-endian interleaved stereo

@@ -282,27 +282,26 @@ struct ConvertSettings : corvin_convert_settings {
   ConvertSettings() { corvin_convert_settings_defaults(this); }
 };
 
-inline corvin_convert_report convert_to_pcm(File& source, const corvin_pcm_sink& sink,
-                                            const corvin_convert_settings& settings =
-                                                ConvertSettings()) {
+inline corvin_convert_report convert_to_pcm(
+    File& source, const corvin_pcm_sink& sink,
+    const corvin_convert_settings& settings = ConvertSettings()) {
   corvin_convert_report report = {};
   report.size = sizeof report;
   check(corvin_convert_to_pcm(source.handle(), &settings, &sink, &report));
   return report;
 }
 
-inline corvin_convert_report convert_to_dsd(const corvin_pcm_source& source, Writer& target,
-                                            const corvin_convert_settings& settings =
-                                                ConvertSettings()) {
+inline corvin_convert_report convert_to_dsd(
+    const corvin_pcm_source& source, Writer& target,
+    const corvin_convert_settings& settings = ConvertSettings()) {
   corvin_convert_report report = {};
   report.size = sizeof report;
   check(corvin_convert_to_dsd(&source, target.handle(), &settings, &report));
   return report;
 }
 
-inline corvin_convert_report convert_dsd_rate(File& source, Writer& target,
-                                              const corvin_convert_settings& settings =
-                                                  ConvertSettings()) {
+inline corvin_convert_report convert_dsd_rate(
+    File& source, Writer& target, const corvin_convert_settings& settings = ConvertSettings()) {
   corvin_convert_report report = {};
   report.size = sizeof report;
   check(corvin_convert_dsd_rate(source.handle(), target.handle(), &settings, &report));

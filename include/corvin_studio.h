@@ -72,31 +72,31 @@ typedef enum corvin_dither {
 
 /** What a decoder is made of. */
 typedef struct corvin_decoder_settings {
-  size_t size;           /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
-  uint32_t dsd_rate;     /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
-  uint32_t pcm_rate;     /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
-  uint32_t channels;     /**< 1..64. Default 2 */
-  uint32_t bit_order;    /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
-  uint32_t block_bytes;  /**< bytes of one channel before the next channel's follow in
+  size_t size;          /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
+  uint32_t dsd_rate;    /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
+  uint32_t pcm_rate;    /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
+  uint32_t channels;    /**< 1..64. Default 2 */
+  uint32_t bit_order;   /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
+  uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
                               corvin_decoder_push(): 1 for byte-interleaved, 4096 for DSF; up to
                               1048576. Default 1 */
-  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
-  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
-  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
-  uint32_t threads;      /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
-  uint32_t low_latency;  /**< not 0: hand out each piece at once instead of gathering several to
+  uint32_t format;      /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
+  uint32_t low_latency; /**< not 0: hand out each piece at once instead of gathering several to
                               fill the processor's vectors; up to eight times the work. Default 0 */
-  uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
+  uint32_t kernel_mask; /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
                               0 the plain ones only. Changes the speed alone. Default all bits */
-  uint64_t length;       /**< samples per channel to convert; what follows is taken and dropped.
+  uint64_t length;      /**< samples per channel to convert; what follows is taken and dropped.
                               0: all that is pushed, whole bytes. Default 0 */
-  uint64_t seed;         /**< of the dither. Default 0 */
-  double pass_hz;        /**< the response is flat up to here; 0: 5 % of half the PCM rate below
+  uint64_t seed;        /**< of the dither. Default 0 */
+  double pass_hz;       /**< the response is flat up to here; 0: 5 % of half the PCM rate below
                               stop_hz. Default 0 */
-  double stop_hz;        /**< and closed from here on; at least 3 % of half the PCM rate above
+  double stop_hz;       /**< and closed from here on; at least 3 % of half the PCM rate above
                               pass_hz; 0: half the PCM rate. Default 0 */
-  double gain_db;        /**< -120..60. Default 0 */
-  uint64_t reserved[8];  /**< 0 */
+  double gain_db;       /**< -120..60. Default 0 */
+  uint64_t reserved[8]; /**< 0 */
 } corvin_decoder_settings;
 
 /** What came out so far. */
@@ -217,7 +217,7 @@ typedef struct corvin_encoder_settings {
   uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
                              corvin_encoder_pull(): 1 for byte-interleaved, 4096 for DSF; up to
                              1048576. Default 1 */
-  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. One modulates a pair
+  uint32_t threads; /**< worker threads, 0..64; 0: all work on the caller's. One modulates a pair
                              of channels, with the best modulator a single one, and others
                              up-sample for them; more are not started. Default 0 */
   uint32_t low_latency; /**< not 0: modulate each piece at once instead of gathering several to fill
@@ -227,19 +227,21 @@ typedef struct corvin_encoder_settings {
                              0 the plain ones only. Changes the speed alone. Default all bits */
   uint64_t length;      /**< frames to convert; what follows is taken and dropped. 0: all that is
                              pushed. Default 0 */
-  double gain_db;       /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up to
+  double gain_db; /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up to
                              3 dB above that, what is louder meets a limiter. Default 0 */
   uint64_t reserved[8]; /**< 0 */
 } corvin_encoder_settings;
 
 /** What came out so far, to the end of the piece of the stream that the last pull ended in. */
 typedef struct corvin_encoder_report {
-  size_t size;       /**< sizeof(corvin_encoder_report), set by the caller */
-  uint64_t samples;  /**< one-bit samples of each channel pulled, without those that fill up a block */
-  uint64_t limited;  /**< inputs of the modulators, at an eighth of the DSD rate, beyond the limiter's
+  size_t size; /**< sizeof(corvin_encoder_report), set by the caller */
+  uint64_t
+      samples; /**< one-bit samples of each channel pulled, without those that fill up a block */
+  uint64_t
+      limited; /**< inputs of the modulators, at an eighth of the DSD rate, beyond the limiter's
                           knee; of all channels */
   uint64_t overloads; /**< times that a modulator lost lock and was caught; of all channels */
-  double peak;       /**< largest absolute input of a modulator, after the gain and before the
+  double peak;        /**< largest absolute input of a modulator, after the gain and before the
                           limiter; 1.0 = full scale */
 } corvin_encoder_report;
 
@@ -305,8 +307,8 @@ CORVIN_API int corvin_encoder_pull(corvin_encoder* encoder, void* out, size_t by
  *  @return  as corvin_encoder_pull(); CORVIN_E_STATE also when that one has begun a block or a frame
  *           of bytes and not ended it
  *  Since 0.1. */
-CORVIN_API int corvin_encoder_pull_planar(corvin_encoder* encoder, uint8_t* const* out, size_t bytes,
-                                          size_t* done);
+CORVIN_API int corvin_encoder_pull_planar(corvin_encoder* encoder, uint8_t* const* out,
+                                          size_t bytes, size_t* done);
 
 /** Returns to the state after create, dropping everything on its way. With worker threads it waits
  *  for those at work.

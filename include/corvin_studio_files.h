@@ -53,9 +53,9 @@ typedef enum corvin_container {
 
 /** What a file holds. */
 typedef struct corvin_file_info {
-  size_t size;             /**< sizeof(corvin_file_info), set by the caller */
-  uint32_t container;      /**< corvin_container */
-  uint32_t dsd_rate;       /**< Hz */
+  size_t size;        /**< sizeof(corvin_file_info), set by the caller */
+  uint32_t container; /**< corvin_container */
+  uint32_t dsd_rate;  /**< Hz */
   uint32_t channels;
   uint32_t speakers;       /**< mask */
   uint32_t bit_order;      /**< corvin_bit_order, in the file */
@@ -140,14 +140,14 @@ CORVIN_API uint64_t corvin_file_tell(const corvin_file* file);
 
 /** What a file is to be. */
 typedef struct corvin_writer_settings {
-  size_t size;         /**< sizeof(corvin_writer_settings), set by ..._defaults() */
-  uint32_t container;  /**< corvin_container. Default CORVIN_DSF */
-  uint32_t dsd_rate;   /**< Hz, not 0. Default 2822400 */
-  uint32_t channels;   /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
-  uint32_t bit_order;  /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
-  uint32_t speakers;   /**< mask of as many bits as channels; 0: the usual ones. DSF has a name for
+  size_t size;          /**< sizeof(corvin_writer_settings), set by ..._defaults() */
+  uint32_t container;   /**< corvin_container. Default CORVIN_DSF */
+  uint32_t dsd_rate;    /**< Hz, not 0. Default 2822400 */
+  uint32_t channels;    /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
+  uint32_t bit_order;   /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
+  uint32_t speakers;    /**< mask of as many bits as channels; 0: the usual ones. DSF has a name for
                             some layouts only, "1bit" for none. Default 0 */
-  uint32_t reserved0;  /**< 0 */
+  uint32_t reserved0;   /**< 0 */
   uint64_t reserved[8]; /**< 0 */
 } corvin_writer_settings;
 
@@ -204,34 +204,34 @@ CORVIN_API void corvin_writer_close(corvin_writer* writer);
 /** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's settings
  *  do; each conversion looks at those that concern it. */
 typedef struct corvin_convert_settings {
-  size_t size;           /**< sizeof(corvin_convert_settings), set by ..._defaults() */
-  uint32_t pcm_rate;     /**< of PCM to come, Hz. Default 44100 */
-  uint32_t format;       /**< of PCM to come, corvin_sample_format. Default CORVIN_S24 */
-  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
-  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
-  uint32_t modulator;    /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
-  uint32_t threads;      /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
+  size_t size;          /**< sizeof(corvin_convert_settings), set by ..._defaults() */
+  uint32_t pcm_rate;    /**< of PCM to come, Hz. Default 44100 */
+  uint32_t format;      /**< of PCM to come, corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
+  uint32_t threads;     /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
                               caller's. Default 0 */
-  uint32_t kernel_mask;  /**< Default all bits */
-  uint64_t seed;         /**< Default 0 */
-  double pass_hz;        /**< Default 0 */
-  double stop_hz;        /**< Default 0 */
-  double gain_db;        /**< Default 0 */
+  uint32_t kernel_mask; /**< Default all bits */
+  uint64_t seed;        /**< Default 0 */
+  double pass_hz;       /**< Default 0 */
+  double stop_hz;       /**< Default 0 */
+  double gain_db;       /**< Default 0 */
   /** Is told, on the caller's thread after each piece of the source, how many of its samples or
    *  frames are read; returns 0 to go on, another value to cancel. NULL: nobody. Default NULL */
   int (*progress)(void* user, uint64_t done, uint64_t total);
-  void* progress_user;    /**< Default NULL */
-  uint64_t reserved[16];  /**< 0 */
+  void* progress_user;   /**< Default NULL */
+  uint64_t reserved[16]; /**< 0 */
 } corvin_convert_settings;
 
 /** What is to come, for a sink. */
 typedef struct corvin_pcm_format {
-  size_t size;        /**< sizeof(corvin_pcm_format) of the library */
-  uint32_t pcm_rate;  /**< Hz */
+  size_t size;       /**< sizeof(corvin_pcm_format) of the library */
+  uint32_t pcm_rate; /**< Hz */
   uint32_t channels;
-  uint32_t speakers;  /**< mask */
-  uint32_t format;    /**< corvin_sample_format */
-  uint64_t frames;    /**< that will come */
+  uint32_t speakers; /**< mask */
+  uint32_t format;   /**< corvin_sample_format */
+  uint64_t frames;   /**< that will come */
 } corvin_pcm_format;
 
 /** Where PCM goes. The calls come on the caller's thread. */

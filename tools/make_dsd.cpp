@@ -89,6 +89,9 @@ std::vector<uint8_t> interleaved(const Sound& sound) {
   return bytes;
 }
 
+// The headers stand as they lie in the files, a field or a chunk a line.
+// clang-format off
+
 std::vector<uint8_t> dsf(const Sound& sound) {
   const size_t blocks = (sound.samples / 8 + kDsfBlock - 1) / kDsfBlock;
   const uint64_t payload = blocks * kDsfBlock * sound.channels;
@@ -155,6 +158,8 @@ std::vector<uint8_t> one_bit(const Sound& sound) {
   return file;
 }
 
+// clang-format on
+
 int usage() {
   std::fputs("usage: make_dsd dsf|dsdiff|1bit OUT [SECONDS [RATE [CHANNELS]]]\n", stderr);
   return 2;
@@ -175,10 +180,14 @@ int main(int argc, char** argv) {
   const Sound sound =
       make_sound(seconds, static_cast<uint32_t>(rate_hz), static_cast<uint32_t>(channels));
   std::vector<uint8_t> file;
-  if (kind == "dsf") file = dsf(sound);
-  else if (kind == "dsdiff") file = dsdiff(sound);
-  else if (kind == "1bit") file = one_bit(sound);
-  else return usage();
+  if (kind == "dsf")
+    file = dsf(sound);
+  else if (kind == "dsdiff")
+    file = dsdiff(sound);
+  else if (kind == "1bit")
+    file = one_bit(sound);
+  else
+    return usage();
 
   std::FILE* out = std::fopen(argv[2], "wb");
   const bool written = out && std::fwrite(file.data(), 1, file.size(), out) == file.size();

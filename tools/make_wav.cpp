@@ -55,7 +55,8 @@ int main(int argc, char** argv) {
   const long channels = argc > 4 ? std::atol(argv[4]) : 2;
   const long bits = argc > 5 ? std::atol(argv[5]) : 16;
   if (argc < 2 || argc > 6 || !(seconds >= 0 && seconds <= 60) || rate_hz < 8000 ||
-      rate_hz > 768000 || channels < 1 || channels > 9 || (bits != 16 && bits != 24 && bits != 32)) {
+      rate_hz > 768000 || channels < 1 || channels > 9 ||
+      (bits != 16 && bits != 24 && bits != 32)) {
     std::fputs("usage: make_wav OUT [SECONDS [RATE [CHANNELS [BITS]]]]\n", stderr);
     return 2;
   }

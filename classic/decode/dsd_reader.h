@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <thread>
 
-#include "corvin.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 class CORVIN_API CDiskReaderDec {
  public:

@@ -5,11 +5,11 @@
 
 #include <cstdio>
 
-#include "corvin.h"
 #include "classic/decode/dsd_to_pcm_job.h"
 #include "classic/files/sound_search.h"
-#include "formats/bytes/input_file.h"
 #include "classic/foundation/callback_info.h"
+#include "corvin.h"
+#include "formats/bytes/input_file.h"
 
 namespace {
 

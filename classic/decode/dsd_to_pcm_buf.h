@@ -10,9 +10,9 @@
 #include <array>
 #include <memory>
 
-#include "corvin.h"
 #include "classic/decode/buffer_channel.h"
 #include "classic/decode/conversion_filter.h"
+#include "corvin.h"
 
 class CORVIN_API CDSDtoPCMBuf {
  public:

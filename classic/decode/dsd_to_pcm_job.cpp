@@ -40,8 +40,8 @@ int BatchFor(const RatePlan& plan, int channels, int workers, int ring_depth) {
   const long long samples = plan.block_samples;
   const long long outputs = plan.block_outputs;
   // Blocks of the three rings, then history and mailboxes.
-  const long long block_bytes = ring_depth * channels * (samples / 8 + outputs * 8) +
-                                channels * (1 + workers) * samples / 8;
+  const long long block_bytes =
+      ring_depth * channels * (samples / 8 + outputs * 8) + channels * (1 + workers) * samples / 8;
   return static_cast<int>(std::max(1LL, std::min(kSamples / samples, kBytes / block_bytes)));
 }
 
@@ -55,7 +55,7 @@ CDSDtoPCM2::CDSDtoPCM2(CorvinReadCallback readProc, void* readData, void* output
     CheckArguments(inBuffer != nullptr, channels, blockSamples, dsdRate, pcmRate, bits,
                    interleaved);
     channels_ = channels;
-    const Source source{readProc,       readData,    inBuffer, 2LL * blockSamples,
+    const Source source{readProc, readData,    inBuffer, 2LL * blockSamples,
                         lsbFirst, interleaved, totalBits};
     const Sink sink{output, outBuffer, bits, bigEndian};
     const auto lock = DesignLock();
@@ -82,8 +82,7 @@ int CDSDtoPCM2::Translate(bool (*progress)(void*), void* data) {
 
 int CDSDtoPCM2::Translate2() { return writer_ ? writer_->Wait() : -1; }
 
-void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_rate,
-                               int pcm_rate) {
+void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_rate, int pcm_rate) {
   const RatePlan& plan = filter_.plan;
   const int workers = static_cast<int>(GetCPU_GPU_Cores(channels_));
   const int ring_depth = workers * 4;
@@ -108,9 +107,8 @@ void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_r
   const auto frame = static_cast<unsigned long long>(frame_bytes);
   const unsigned long long limit =
       std::min(frames, std::numeric_limits<unsigned long long>::max() / frame) * frame;
-  writer_ = std::make_unique<CDiskWriterDec>(sink.file, ring_depth,
-                                             batch_outputs * frame_bytes, channels_, skip,
-                                             limit, sink.memory);
+  writer_ = std::make_unique<CDiskWriterDec>(sink.file, ring_depth, batch_outputs * frame_bytes,
+                                             channels_, skip, limit, sink.memory);
 
   for (int c = 0; c < channels_; ++c) {
     const auto at = static_cast<std::size_t>(c);

@@ -9,7 +9,6 @@
 #include <array>
 #include <memory>
 
-#include "corvin.h"
 #include "classic/decode/conversion_filter.h"
 #include "classic/decode/dsd_reader.h"
 #include "classic/decode/integer_output.h"
@@ -17,6 +16,7 @@
 #include "classic/decode/pcm_writer.h"
 #include "classic/decode/polyphase_output.h"
 #include "classic/decode/polyphase_stage.h"
+#include "corvin.h"
 
 class CORVIN_API CDSDtoPCM2 {
  public:

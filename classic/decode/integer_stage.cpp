@@ -81,8 +81,7 @@ CFormatChangeDec::CFormatChangeDec(CDiskReaderDec* reader, int channel, int B, i
   const unsigned worker_count = GetCPU_GPU_Cores(channels);
   idle_ = std::make_unique<IdleQueue<CLpfDec>>(this, worker_count);
   for (unsigned i = 0; i < worker_count; ++i) {
-    workers_.push_back(
-        std::make_unique<CLpfCPUDec>(channel, filter, this, B, pcmRate2, dsdRate));
+    workers_.push_back(std::make_unique<CLpfCPUDec>(channel, filter, this, B, pcmRate2, dsdRate));
     idle_->Fill(workers_.back().get());
   }
   thread_ = std::thread(FormatChangeThread, this);
@@ -113,7 +112,8 @@ void CFormatChangeDec::Run() {
       in->Read1Unlock(channel_);
       return;
     }
-    const std::size_t offset = static_cast<std::size_t>(channel_) * (interleaved_ ? 1 : block_bytes_);
+    const std::size_t offset =
+        static_cast<std::size_t>(channel_) * (interleaved_ ? 1 : block_bytes_);
     const auto stride = static_cast<std::size_t>(interleaved_ ? channels_ : 1);
     ExpandBits(in->data + offset, stride, block_bytes_, lsb_first_, history + taps_);
     const int tag = in->tag;

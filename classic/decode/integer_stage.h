@@ -11,13 +11,13 @@
 #include <thread>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/decode/dsd_reader.h"
 #include "classic/decode/integer_output.h"
 #include "classic/foundation/aligned_storage.h"
 #include "classic/foundation/block_ring.h"
 #include "classic/foundation/filter_worker.h"
 #include "classic/foundation/kernels.h"
+#include "corvin.h"
 
 class CFormatChangeDec;
 

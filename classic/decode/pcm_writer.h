@@ -10,8 +10,8 @@
 #include <cstdio>
 #include <thread>
 
-#include "corvin.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 /// The ring that the quantising stages fill, one lock per channel.
 class CORVIN_API CWriterDec {

@@ -32,7 +32,9 @@ CDecimationDen::~CDecimationDen() {
 
 CBufferDec* CDecimationDen::Write1Lock(int seq, int) { return blocks_.Write1Lock(seq, 0); }
 
-CBufferDec* CDecimationDen::Read1Lock(int seq, int reader) { return blocks_.Read1Lock(seq, reader); }
+CBufferDec* CDecimationDen::Read1Lock(int seq, int reader) {
+  return blocks_.Read1Lock(seq, reader);
+}
 
 void CDecimationDen::Run() {
   for (int seq = 0;; seq = NextSequence(seq, blocks_.count)) {

@@ -9,9 +9,9 @@
 
 #include <thread>
 
-#include "corvin.h"
 #include "classic/decode/pcm_writer.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 class CORVIN_API CDecimationDen {
  public:

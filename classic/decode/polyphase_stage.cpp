@@ -67,8 +67,8 @@ int CLpfCPUDen::Filter(const char* in, int bytes, CBufferDec& out) {
   for (int at = history_bytes; at < bytes; at += block_samples_ / 8) {
     ExpandBits(in + at, 1, static_cast<std::size_t>(block_samples_ / 8), lsb_first_,
                work + history);
-    written += kernel_(samples + written, work, sets_, phases_, taps_total_, schedule_,
-                       schedule_length_);
+    written +=
+        kernel_(samples + written, work, sets_, phases_, taps_total_, schedule_, schedule_length_);
     std::memmove(work, work + block_samples_, history * sizeof(float));
   }
   return written * static_cast<int>(sizeof(float));
@@ -90,9 +90,8 @@ CFormatChangeDen::CFormatChangeDen(CDiskReaderDec* reader, int channel, int batc
   const unsigned worker_count = GetCPU_GPU_Cores(channels);
   idle_ = std::make_unique<IdleQueue<CLpfDen>>(this, worker_count);
   for (unsigned i = 0; i < worker_count; ++i) {
-    workers_.push_back(std::make_unique<CLpfCPUDen>(channel, sets, phases, batchSamples, this,
-                                                    blockParam, lsbFirst, schedule,
-                                                    scheduleLength));
+    workers_.push_back(std::make_unique<CLpfCPUDen>(
+        channel, sets, phases, batchSamples, this, blockParam, lsbFirst, schedule, scheduleLength));
     idle_->Fill(workers_.back().get());
   }
   thread_ = std::thread(FormatChangeDenThread, this);

@@ -13,7 +13,8 @@ namespace {
 template <int kBytes, bool kBigEndian>
 void Store(std::int32_t value, char* out) {
   for (int i = 0; i < kBytes; ++i)
-    out[kBigEndian ? kBytes - 1 - i : i] = static_cast<char>(static_cast<std::uint32_t>(value) >> 8 * i);
+    out[kBigEndian ? kBytes - 1 - i : i] =
+        static_cast<char>(static_cast<std::uint32_t>(value) >> 8 * i);
 }
 
 /// `Scale` is float or double, the precision of the product.

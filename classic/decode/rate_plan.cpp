@@ -25,7 +25,10 @@ bool IsOctaveOf(long long rate, long long base, int max_power) {
 double SameFamilyTrim(bool family_48, int dsd_rate, int pcm_rate) {
   if (family_48) {
     if (pcm_rate == 48000)
-      return dsd_rate == 3072000 ? 1.05 : dsd_rate == 6144000 ? 0.93 : dsd_rate == 12288000 ? 0.85 : 1.0;
+      return dsd_rate == 3072000    ? 1.05
+             : dsd_rate == 6144000  ? 0.93
+             : dsd_rate == 12288000 ? 0.85
+                                    : 1.0;
     return dsd_rate == 3072000 || dsd_rate == 6144000 ? 0.96 : dsd_rate == 12288000 ? 0.95 : 1.0;
   }
   if (pcm_rate == 44100) return dsd_rate == 2822400 ? 1.05 : dsd_rate == 11289600 ? 0.905 : 1.0;

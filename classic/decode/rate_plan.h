@@ -8,15 +8,15 @@
 #define CORVIN_CLASSIC_DECODE_RATE_PLAN_H_
 
 struct RatePlan {
-  int interpolation;   ///< L
-  int decimation;      ///< M: pcmRate = dsdRate * L / M where the pair is planned
-  bool polyphase;      ///< planned; otherwise the fallback filters at the kept input positions
-  int design_factor;   ///< D: the prototype is designed at D * dsdRate with 8 * D phases
-  int tap_scale;       ///< multiplies every tap of the prototype
+  int interpolation;  ///< L
+  int decimation;     ///< M: pcmRate = dsdRate * L / M where the pair is planned
+  bool polyphase;     ///< planned; otherwise the fallback filters at the kept input positions
+  int design_factor;  ///< D: the prototype is designed at D * dsdRate with 8 * D phases
+  int tap_scale;      ///< multiplies every tap of the prototype
   int tap_budget;
-  double phase_gain;   ///< multiplies the taps of each polyphase set
-  int block_samples;   ///< input samples per channel that the schedule covers
-  int block_outputs;   ///< output samples per channel that come of them, at most
+  double phase_gain;  ///< multiplies the taps of each polyphase set
+  int block_samples;  ///< input samples per channel that the schedule covers
+  int block_outputs;  ///< output samples per channel that come of them, at most
 };
 
 /// The plan for a pair of rates in Hz, 1 <= pcm_rate <= dsd_rate.

@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "corvin.h"
 #include "classic/dsd2pcm/taps.h"
+#include "corvin.h"
 
 /// One channel's past.
 struct dsd2pcm_state {

@@ -13,10 +13,10 @@
 
 #include "corvin.h"
 
-CORVIN_API extern std::atomic<int> iSamples;             ///< PCM frames in a block of the plan
-CORVIN_API extern std::atomic<int> oversampling;         ///< L
-CORVIN_API extern std::atomic<int> DEFTAPS_PCMtoDSD;     ///< filter length at the up-sampled rate
-CORVIN_API extern std::atomic<float> normalize_factor;   ///< level factor / L
+CORVIN_API extern std::atomic<int> iSamples;            ///< PCM frames in a block of the plan
+CORVIN_API extern std::atomic<int> oversampling;        ///< L
+CORVIN_API extern std::atomic<int> DEFTAPS_PCMtoDSD;    ///< filter length at the up-sampled rate
+CORVIN_API extern std::atomic<float> normalize_factor;  ///< level factor / L
 /// One row of modulator state per channel: all zero, as every job starts.
 CORVIN_API extern double g_D[8][8];
 

@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 class CORVIN_API CWriter {
  public:

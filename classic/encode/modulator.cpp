@@ -14,8 +14,7 @@
 #include "classic/encode/design_state.h"
 
 ModulatorCoefficients DesignModulator(int interpolation) {
-  const double theta =
-      interpolation == 1 ? 0.04908738521234052 : std::numbers::pi / interpolation;
+  const double theta = interpolation == 1 ? 0.04908738521234052 : std::numbers::pi / interpolation;
   // (1 - 0.85 z^-1)^7.
   constexpr double kDenominator[8] = {1.0,
                                       -5.95,
@@ -32,8 +31,8 @@ ModulatorCoefficients DesignModulator(int interpolation) {
     const double c = 2.0 * std::cos(place * theta);
     order += 2;
     for (int i = order; i >= 0; --i)
-      numerator[i] = numerator[i] - (i >= 1 ? c * numerator[i - 1] : 0.0) +
-                     (i >= 2 ? numerator[i - 2] : 0.0);
+      numerator[i] =
+          numerator[i] - (i >= 1 ? c * numerator[i - 1] : 0.0) + (i >= 2 ? numerator[i - 2] : 0.0);
   }
   for (int i = 4; i < 8; ++i) numerator[i] = -numerator[7 - i];
   ModulatorCoefficients out{};

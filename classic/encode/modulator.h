@@ -9,9 +9,9 @@
 
 #include <thread>
 
-#include "corvin.h"
 #include "classic/encode/dsd_writer.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 /// Coefficients of an error-feedback modulator: the state's weights in the signal (A) and in the new
 /// state (B). The last ones are 0.

@@ -9,8 +9,8 @@
 
 #include <thread>
 
-#include "corvin.h"
 #include "classic/foundation/block_ring.h"
+#include "corvin.h"
 
 class CORVIN_API CDiskReader {
  public:

@@ -9,10 +9,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "corvin.h"
 #include "classic/encode/pcm_to_dsd_job.h"
 #include "classic/files/dsd_header.h"
 #include "classic/foundation/callback_info.h"
+#include "corvin.h"
 
 namespace {
 
@@ -40,8 +40,7 @@ bool ReadFormat(const AudioStreamBasicDescription& description, int dsd_rate, Pc
   if (bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
   format = {static_cast<int>(rate), static_cast<int>(channels), static_cast<int>(bits),
             static_cast<int>(bits / 8 * channels)};
-  return dsd_rate >= format.rate && dsd_rate <= kMaxDsdRate &&
-         dsd_rate / format.rate <= kMaxRatio;
+  return dsd_rate >= format.rate && dsd_rate <= kMaxDsdRate && dsd_rate / format.rate <= kMaxRatio;
 }
 
 /// Removes what a failed conversion has left of a file; devices and pipes stay.
@@ -78,10 +77,9 @@ int PCMtoDSD(int mode, long long pcmBytes, std::FILE* pcmSource, const char* dsd
   bool written = false;
   bool cancelled = false;
   try {
-    const DsdHeader header{static_cast<std::uint32_t>(format.channels),
-                           static_cast<std::uint32_t>(dsdRate),
-                           static_cast<std::uint32_t>(format.rate),
-                           static_cast<std::uint64_t>(frames)};
+    const DsdHeader header{
+        static_cast<std::uint32_t>(format.channels), static_cast<std::uint32_t>(dsdRate),
+        static_cast<std::uint32_t>(format.rate), static_cast<std::uint64_t>(frames)};
     written = WriteDsdHeader(file, kind, header);
     CCallbackInfo source(pcmSource, static_cast<std::uint64_t>(frames * format.frame_bytes),
                          progress, progressData, dsdRate, format.rate, format.frame_bytes);

@@ -50,13 +50,12 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
                      unsigned int, char* pcmBuffer, int pcmBufferBytes, char* outBuffer) {
   try {
     const bool equal_rates = dsdRate == pcmRate;
-    const bool sane = channels >= 1 && channels <= kMaxChannels && dsdRate >= 1 &&
-                      dsdRate <= kMaxDsdRate && pcmRate >= 1 && pcmRate <= dsdRate &&
-                      dsdRate / pcmRate <= kMaxRatio &&
-                      (bitsPerSample == 8 || bitsPerSample == 16 || bitsPerSample == 24 ||
-                       bitsPerSample == 32) &&
-                      (equal_rates || (flags & 1) != 0) && frames < (1ull << 36) &&
-                      (!pcmBuffer || pcmBufferBytes >= 0);
+    const bool sane =
+        channels >= 1 && channels <= kMaxChannels && dsdRate >= 1 && dsdRate <= kMaxDsdRate &&
+        pcmRate >= 1 && pcmRate <= dsdRate && dsdRate / pcmRate <= kMaxRatio &&
+        (bitsPerSample == 8 || bitsPerSample == 16 || bitsPerSample == 24 || bitsPerSample == 32) &&
+        (equal_rates || (flags & 1) != 0) && frames < (1ull << 36) &&
+        (!pcmBuffer || pcmBufferBytes >= 0);
     if (!sane) throw std::invalid_argument("PCM to DSD job");
     channels_ = channels;
     plan_ = PlanEncode(dsdRate, pcmRate);
@@ -66,9 +65,8 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
     SelectKernels();
 
     const int taps = DEFTAPS_PCMtoDSD;
-    const int block_outputs =
-        static_cast<int>(static_cast<long long>(plan_.block_frames) * plan_.interpolation /
-                         plan_.decimation);
+    const int block_outputs = static_cast<int>(static_cast<long long>(plan_.block_frames) *
+                                               plan_.interpolation / plan_.decimation);
     const int batch = BatchFor(block_outputs);
     const int batch_frames = plan_.block_frames * batch;
     const int batch_outputs = block_outputs * batch;
@@ -77,8 +75,10 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
     const int frame_bytes = bitsPerSample / 8 * channels;
 
     const unsigned long long bytes_per_channel =
-        (frames * static_cast<unsigned long long>(dsdRate) / static_cast<unsigned long long>(pcmRate) +
-         7) / 8;
+        (frames * static_cast<unsigned long long>(dsdRate) /
+             static_cast<unsigned long long>(pcmRate) +
+         7) /
+        8;
     const int skip = equal_rates ? 0 : HalfLength(taps, plan_.decimation, 0.125f);
     // Half the filter's length in zeros flushes it; a rate that the plan meets only roughly needs more
     // for the whole length to come out.
@@ -100,9 +100,8 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
           lsbFirst, plan_.interpolation, plan_.decimation, batch_outputs);
       converters_[at] = std::make_unique<CRateConvert2>(
           reader_.get(), c, pcmRate, bitsPerSample, channels, dsdRate, prototype_.get(),
-          sets_.rows(), plan_.interpolation, plan_.decimation, shapers_[at].get(),
-          schedule_.data(), static_cast<int>(schedule_.size()), flags,
-          static_cast<unsigned>(batch_frames), nullptr);
+          sets_.rows(), plan_.interpolation, plan_.decimation, shapers_[at].get(), schedule_.data(),
+          static_cast<int>(schedule_.size()), flags, static_cast<unsigned>(batch_frames), nullptr);
     }
   } catch (...) {
     Abandon();

@@ -12,7 +12,6 @@
 #include <memory>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/encode/dsd_writer.h"
 #include "classic/encode/modulator.h"
 #include "classic/encode/pcm_reader.h"
@@ -20,6 +19,7 @@
 #include "classic/encode/upsampling_stage.h"
 #include "classic/foundation/aligned_storage.h"
 #include "classic/foundation/polyphase.h"
+#include "corvin.h"
 
 class CORVIN_API CPCMtoDSD {
  public:

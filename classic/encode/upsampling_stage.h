@@ -13,12 +13,12 @@
 #include <thread>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/encode/modulator.h"
 #include "classic/encode/pcm_reader.h"
 #include "classic/foundation/aligned_storage.h"
 #include "classic/foundation/filter_worker.h"
 #include "classic/foundation/kernels.h"
+#include "corvin.h"
 
 class CRateConvert2;
 

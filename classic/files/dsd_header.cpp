@@ -119,8 +119,7 @@ std::uint8_t Bcd(std::uint64_t value) {
 }
 
 void WriteOneBit(FieldWriter& out, const DsdHeader& header) {
-  const std::uint64_t seconds =
-      (header.pcm_frames + header.pcm_rate_hz - 1) / header.pcm_rate_hz;
+  const std::uint64_t seconds = (header.pcm_frames + header.pcm_rate_hz - 1) / header.pcm_rate_hz;
   out.Id("1bit");
   out.U32(0);
   out.U32(0x10000000);

@@ -10,9 +10,9 @@
 #include <optional>
 
 #include "corvin.h"
+#include "formats/bytes/input_file.h"
 #include "formats/chunk_cursor.h"
 #include "formats/container.h"
-#include "formats/bytes/input_file.h"
 
 namespace corvin::formats {
 namespace {

@@ -11,9 +11,9 @@
 #include <cstring>
 
 #include "corvin.h"
+#include "formats/bytes/input_file.h"
 #include "formats/chunk_cursor.h"
 #include "formats/container.h"
-#include "formats/bytes/input_file.h"
 
 namespace corvin::formats {
 namespace {

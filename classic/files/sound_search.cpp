@@ -110,8 +110,8 @@ std::optional<DsdSound> SoundSearch::NextDsf() {
       format.sample_count = Load<std::uint64_t>(ByteOrder::kLittle, &body[24]);
       format.block_bytes = word(32);
       // No channel holds more than the file.
-      format.bytes = std::min(format.sample_count / 8, cursor.file_size()) *
-                     std::min(format.channels, 255u);
+      format.bytes =
+          std::min(format.sample_count / 8, cursor.file_size()) * std::min(format.channels, 255u);
     } else if (chunk.id == MakeChunkId("data")) {
       if (!dsf_format_) break;
       return dsf_format_;
@@ -155,8 +155,7 @@ std::optional<DsdSound> SoundSearch::FindOneBit() {
     return Load<std::uint32_t>(ByteOrder::kBig, &header[offset - kMagicBytes]);
   };
   // The low word of the end comes first, in reader and writer alike.
-  const std::uint64_t end =
-      std::min(std::uint64_t{word(16)} << 32 | word(12), cursor.file_size());
+  const std::uint64_t end = std::min(std::uint64_t{word(16)} << 32 | word(12), cursor.file_size());
   const std::uint64_t begin = word(24);
   const bool moved = begin >= cursor.position() ? cursor.Skip(begin - cursor.position())
                                                 : cursor.StepBack(cursor.position() - begin);

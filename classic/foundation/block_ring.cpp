@@ -155,8 +155,12 @@ bool CBufferListDec::Init(int ring_depth, int size, int readers) {
 }
 CBufferDec* CBufferListDec::WriteLock(int seq) { return BlockRing::WriteLock(seq); }
 CBufferDec* CBufferListDec::ReadLock(int seq) { return BlockRing::ReadLock(seq); }
-CBufferDec* CBufferListDec::Write1Lock(int seq, int reader) { return BlockRing::Write1Lock(seq, reader); }
-CBufferDec* CBufferListDec::Read1Lock(int seq, int reader) { return BlockRing::Read1Lock(seq, reader); }
+CBufferDec* CBufferListDec::Write1Lock(int seq, int reader) {
+  return BlockRing::Write1Lock(seq, reader);
+}
+CBufferDec* CBufferListDec::Read1Lock(int seq, int reader) {
+  return BlockRing::Read1Lock(seq, reader);
+}
 void CBufferListDec::Exit() { BlockRing::Exit(); }
 
 CBufferList::CBufferList() = default;

@@ -13,8 +13,8 @@
 #include <cstdint>
 #include <mutex>
 
-#include "corvin.h"
 #include "classic/foundation/gate.h"
+#include "corvin.h"
 
 /// One block. The writer has `data` to itself between WriteLock and WriteUnlock; the readers share
 /// it read-only between their lock and unlock.
@@ -58,10 +58,10 @@ class CORVIN_API CBufferDec {
   Gate fullGate[kMaxReaders];  ///< open while reader i has not consumed the contents
   std::int32_t size = 0;       ///< capacity in bytes
   std::int32_t readers = 0;
-  char* data = nullptr;        ///< storage on a 32-byte boundary
-  std::int32_t tag = 0;        ///< sequence number of the contents
-  std::int32_t length = 0;     ///< valid bytes; 0 ends the stream
-  std::mutex guard;            ///< protects `tag` and `length`
+  char* data = nullptr;     ///< storage on a 32-byte boundary
+  std::int32_t tag = 0;     ///< sequence number of the contents
+  std::int32_t length = 0;  ///< valid bytes; 0 ends the stream
+  std::mutex guard;         ///< protects `tag` and `length`
 
  private:
   void SetLength(int value);

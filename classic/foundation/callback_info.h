@@ -80,9 +80,9 @@ class CORVIN_API CCallbackInfo : public CCallbackInfoDec {
 
   int dsdRate;
   int pcmRate;
-  std::uint64_t framesRead = 0;   ///< frames asked for
-  std::uint64_t unitsRead = 0;    ///< advanced by 32768 with every read
-  int divisor;                    ///< bytes per frame
+  std::uint64_t framesRead = 0;  ///< frames asked for
+  std::uint64_t unitsRead = 0;   ///< advanced by 32768 with every read
+  int divisor;                   ///< bytes per frame
 };
 
 CORVIN_API int readProc(void* buffer, int size, void* info);

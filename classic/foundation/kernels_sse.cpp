@@ -27,12 +27,12 @@ void dot8_sse0(float* out, const float* a, const float* b, int n) { *out = Dot(b
 void dot8_sse(float* out, const float* a, const float* b, int n) { *out = Dot(b, a, n); }
 
 int dot8_sse2(float* out, const float* taps, float** hist, int phases, int taps_total, int pos,
-       int step) {
+              int step) {
   return RunPhases(out, taps, hist, phases, taps_total, pos, step, Dot, [](int j) { return j; });
 }
 
 int dot8_sse3a(float* out, const float* taps, float** hist, int phases, int taps_total,
-       DOT8Dec_DATA* plan, int count) {
+               DOT8Dec_DATA* plan, int count) {
   return RunPlan(out, taps, hist, phases, taps_total, plan, count, Dot);
 }
 

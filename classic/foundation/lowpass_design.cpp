@@ -24,7 +24,8 @@ double BesselI0(double half) {
   std::uint32_t factorial = 1;
   for (int k = 1; k <= 20; ++k) {
     factorial *= static_cast<std::uint32_t>(k);
-    const double term = std::pow(half, k) / static_cast<double>(static_cast<std::int32_t>(factorial));
+    const double term =
+        std::pow(half, k) / static_cast<double>(static_cast<std::int32_t>(factorial));
     sum += term * term;
   }
   return sum;
@@ -114,8 +115,7 @@ void CFIRFilter::CalcCoefficients() {
   // Wide pass bands stop at 43.75 kHz for each multiple of DSD64: above it lies shaped noise.
   const int multiple = std::max(1, dsdRate / 2822400);
   double scaled = cutoff * phases;
-  if (scaled / phases >= 88200.0 * multiple)
-    scaled = std::min(scaled, 43750.0 * multiple * phases);
+  if (scaled / phases >= 88200.0 * multiple) scaled = std::min(scaled, 43750.0 * multiple * phases);
   const double f = scaled / rate;
   FillSymmetric(coeffs, tapsPerPhase, phases, 2.0 * f, 2.0 * kPi * f / phases, attenuation);
 }

@@ -41,10 +41,10 @@ class CORVIN_API CFIRFilter {
 
   double rate = 0;
   double cutoff = 0;
-  double transition = 0;        ///< normalised transition width of the length estimate
+  double transition = 0;          ///< normalised transition width of the length estimate
   std::int32_t tapsPerPhase = 0;  ///< always odd, so that the prototype is centred on a tap
   double attenuation = 0;
-  double* coeffs = nullptr;     ///< tapsPerPhase * L + 1 taps, symmetric about the middle one
+  double* coeffs = nullptr;  ///< tapsPerPhase * L + 1 taps, symmetric about the middle one
   std::int32_t phases = 0;
   std::int32_t maxTaps = 0;
   std::int32_t dsdRate = 0;

@@ -7,8 +7,8 @@
 #ifndef CORVIN_CLASSIC_STREAM_DSD_DECODE_H_
 #define CORVIN_CLASSIC_STREAM_DSD_DECODE_H_
 
-#include "corvin.h"
 #include "classic/stream/stream_rings.h"
+#include "corvin.h"
 
 class CORVIN_API CDSDDecode : public StreamRings {
  public:

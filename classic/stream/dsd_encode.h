@@ -7,8 +7,8 @@
 #ifndef CORVIN_CLASSIC_STREAM_DSD_ENCODE_H_
 #define CORVIN_CLASSIC_STREAM_DSD_ENCODE_H_
 
-#include "corvin.h"
 #include "classic/stream/stream_rings.h"
+#include "corvin.h"
 
 class CORVIN_API CDSDEncode : public StreamRings {
  public:

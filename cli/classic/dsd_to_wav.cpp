@@ -8,14 +8,14 @@
 #include <span>
 #include <string>
 
-#include "cli/convert/convert.h"
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
 #include "cli/classic/level_meter.h"
-#include "cli/files/output_file.h"
 #include "cli/classic/pcm_pipe.h"
-#include "cli/words/progress_line.h"
+#include "cli/convert/convert.h"
+#include "cli/files/output_file.h"
 #include "cli/files/wav_writer.h"
+#include "cli/words/exit_code.h"
+#include "cli/words/progress_line.h"
 #include "corvin.h"
 
 namespace corvin::cli {
@@ -47,7 +47,8 @@ uint64_t expected_frames(const DSD_INFO& info, int rate_hz) {
 ExitCode convert_to_wav_classic(const ConvertOptions& options, const DsdSource& source) {
   const DSD_INFO& info = source.info;
   if (container_of(options.output) != 0)
-    return report(options.output, {kUsage, "a DSD file is converted to WAV, which this name denies"});
+    return report(options.output,
+                  {kUsage, "a DSD file is converted to WAV, which this name denies"});
   int rate_hz = default_pcm_rate_hz(info.samplingFrequency);
   if (!options.rate.empty()) {
     rate_hz = parse_rate_hz(options.rate, kMaxRateHz);
@@ -86,8 +87,8 @@ ExitCode convert_to_wav_classic(const ConvertOptions& options, const DsdSource& 
     pipe.run(
         bytes_per_frame,
         [&](std::FILE* stream) {
-          result = DSDtoPCM(options.input.c_str(), stream, go_on, &watch, 0, 0, rate_hz,
-                            bits, false);
+          result =
+              DSDtoPCM(options.input.c_str(), stream, go_on, &watch, 0, 0, rate_hz, bits, false);
         },
         [&](std::span<const uint8_t> pcm) {
           level.add(pcm);
@@ -109,10 +110,9 @@ ExitCode convert_to_wav_classic(const ConvertOptions& options, const DsdSource& 
   if (expected == 0) note(options.input, "holds no sound");
   if (source.is_cut_short() || frames < expected)
     note(options.input, "is cut short: it declares more sound than it holds");
-  std::printf("%s: %d Hz, %d bits, %d channel%s, %s, %s\n", options.output.c_str(), rate_hz,
-              bits, channels, channels == 1 ? "" : "s",
-              duration_text(frames, static_cast<uint32_t>(rate_hz)).c_str(),
-              level.text().c_str());
+  std::printf("%s: %d Hz, %d bits, %d channel%s, %s, %s\n", options.output.c_str(), rate_hz, bits,
+              channels, channels == 1 ? "" : "s",
+              duration_text(frames, static_cast<uint32_t>(rate_hz)).c_str(), level.text().c_str());
   return kDone;
 }
 

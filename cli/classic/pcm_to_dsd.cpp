@@ -14,15 +14,15 @@
 #include <cstring>
 #include <string>
 
-#include "cli/convert/convert.h"
 #include "cli/classic/dsd_header_repair.h"
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
 #include "cli/classic/level_meter.h"
-#include "cli/files/output_file.h"
 #include "cli/classic/pcm_feed.h"
+#include "cli/convert/convert.h"
+#include "cli/files/output_file.h"
 #include "cli/files/pcm_source.h"
 #include "cli/files/pcm_tags.h"
+#include "cli/words/exit_code.h"
 #include "cli/words/progress_line.h"
 #include "corvin.h"
 
@@ -77,7 +77,7 @@ std::optional<Failure> check_source(const PcmSource& source, int kind, int dsd_r
 // The library does not tell why it failed; one more write to the same file does.
 std::string why_writing_failed(int descriptor) {
   char block[4096] = {};
-  struct stat status{};
+  struct stat status {};
   errno = 0;
   if (fstat(descriptor, &status) != 0 ||
       pwrite(descriptor, block, sizeof block, status.st_size) >= 0 || errno == 0)
@@ -101,8 +101,9 @@ ExitCode convert_to_dsd_classic(const ConvertOptions& options) {
   const std::string rate = options.rate.empty() ? "dsd64" : options.rate;
   const int rate_hz = dsd_rate_hz(rate, source.rate_hz());
   if (rate_hz == 0)
-    return report("--rate", {kUsage, rate + " is neither dsd64, dsd128 nor dsd256, nor a whole "
-                                            "number from " +
+    return report("--rate", {kUsage, rate +
+                                         " is neither dsd64, dsd128 nor dsd256, nor a whole "
+                                         "number from " +
                                          std::to_string(kMinDsdRateHz) + " to " +
                                          std::to_string(kMaxDsdRateHz)});
   if (const auto failure = check_source(source, kind, rate_hz))
@@ -160,14 +161,12 @@ ExitCode convert_to_dsd_classic(const ConvertOptions& options) {
   if (is_cut_short) note(options.input, "is cut short: it declares more sound than it holds");
   if (source.clipped() != 0)
     note(options.input, std::to_string(source.clipped()) + " sample" +
-                            (source.clipped() == 1 ? "" : "s") +
-                            " beyond full scale clipped");
-  std::printf("%s: %s, %s, %d channel%s, %s, %s\n", options.output.c_str(),
-              kind_name(static_cast<uint32_t>(kind)),
-              rate_name(static_cast<uint32_t>(rate_hz)).c_str(), source.channels(),
-              source.channels() == 1 ? "" : "s",
-              duration_text(frames, static_cast<uint32_t>(source.rate_hz())).c_str(),
-              level.text().c_str());
+                            (source.clipped() == 1 ? "" : "s") + " beyond full scale clipped");
+  std::printf(
+      "%s: %s, %s, %d channel%s, %s, %s\n", options.output.c_str(),
+      kind_name(static_cast<uint32_t>(kind)), rate_name(static_cast<uint32_t>(rate_hz)).c_str(),
+      source.channels(), source.channels() == 1 ? "" : "s",
+      duration_text(frames, static_cast<uint32_t>(source.rate_hz())).c_str(), level.text().c_str());
   return kDone;
 }
 

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "cli/classic/dsd_source.h"
 #include "cli/commands/commands.h"
 #include "cli/convert/convert.h"
-#include "cli/classic/dsd_source.h"
 #include "cli/words/exit_code.h"
 
 namespace corvin::cli {
@@ -56,7 +56,8 @@ int parse_rate_hz(const std::string& text, int max_hz) {
 }
 
 void add_convert_command(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("convert", "Convert DSD to WAV, PCM to DSD, or DSD to DSD");
+  CLI::App* command =
+      app.add_subcommand("convert", "Convert DSD to WAV, PCM to DSD, or DSD to DSD");
   auto options = std::make_shared<ConvertOptions>();
   command
       ->add_option("IN", options->input,

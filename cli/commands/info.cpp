@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/commands/commands.h"
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
+#include "cli/commands/commands.h"
 #include "cli/files/dsd_input.h"
+#include "cli/words/exit_code.h"
 
 namespace corvin::cli {
 namespace {

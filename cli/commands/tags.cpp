@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "cli/commands/commands.h"
-#include "cli/words/exit_code.h"
-#include "cli/files/pcm_tags.h"
 #include "cli/files/dsd_input.h"
+#include "cli/files/pcm_tags.h"
+#include "cli/words/exit_code.h"
 #include "cli/words/unicode_text.h"
 #include "corvin.h"
 

@@ -10,8 +10,8 @@
 #include <string>
 
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
 #include "cli/files/dsd_input.h"
+#include "cli/words/exit_code.h"
 
 namespace corvin::cli {
 
@@ -19,7 +19,8 @@ struct ConvertOptions {
   std::string input;
   std::string output;
   std::string engine = "studio";  // or classic
-  std::string rate;  // as given; what it may be depends on the direction. Empty: chosen by the source's
+  std::string
+      rate;  // as given; what it may be depends on the direction. Empty: chosen by the source's
   std::string bits;  // as --help lists them; empty: not given, like the four below
   std::string dither;
   std::string phase;
@@ -29,12 +30,12 @@ struct ConvertOptions {
 
   /** The first option given that only the studio engine has; null without one. */
   const char* studio_option() const {
-    return bits == "float"       ? "--bits float"
-           : !dither.empty()     ? "--dither"
-           : !phase.empty()      ? "--phase"
-           : !gain_db.empty()    ? "--gain"
-           : !modulator.empty()  ? "--modulator"
-                                 : nullptr;
+    return bits == "float"      ? "--bits float"
+           : !dither.empty()    ? "--dither"
+           : !phase.empty()     ? "--phase"
+           : !gain_db.empty()   ? "--gain"
+           : !modulator.empty() ? "--modulator"
+                                : nullptr;
   }
 
   /** The first option given that says something about a WAV file; null without one. */

@@ -6,12 +6,12 @@
 
 #include <string>
 
-#include "cli/convert/convert.h"
-#include "cli/files/dsd_output.h"
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
-#include "cli/files/pcm_tags.h"
+#include "cli/convert/convert.h"
 #include "cli/convert/studio_settings.h"
+#include "cli/files/dsd_output.h"
+#include "cli/files/pcm_tags.h"
+#include "cli/words/exit_code.h"
 #include "corvin.h"
 
 namespace corvin::cli {
@@ -24,8 +24,9 @@ ExitCode convert_dsd_to_dsd(const ConvertOptions& options, StudioSource& source)
   if (!options.rate.empty()) {
     dsd_rate = studio_dsd_rate_hz(options.rate, is_48k_family(info.dsd_rate));
     if (dsd_rate == 0)
-      return report("--rate", {kUsage, options.rate + " is not dsd64, dsd128, dsd256 or dsd512, nor "
-                                                      "one of these rates in Hz"});
+      return report("--rate",
+                    {kUsage, options.rate + " is not dsd64, dsd128, dsd256 or dsd512, nor "
+                                            "one of these rates in Hz"});
   }
   if (const auto problem = source.problem()) return report(options.input, {kBadInput, *problem});
 

@@ -10,10 +10,10 @@
 #include <string>
 
 #include "cli/convert/convert.h"
-#include "cli/files/output_file.h"
-#include "cli/words/progress_line.h"
 #include "cli/convert/studio_settings.h"
+#include "cli/files/output_file.h"
 #include "cli/files/wav_writer.h"
+#include "cli/words/progress_line.h"
 
 namespace corvin::cli {
 namespace {

@@ -6,13 +6,13 @@
 #include <span>
 #include <string>
 
-#include "cli/convert/convert.h"
-#include "cli/files/dsd_output.h"
 #include "cli/classic/dsd_source.h"
-#include "cli/words/exit_code.h"
+#include "cli/convert/convert.h"
+#include "cli/convert/studio_settings.h"
+#include "cli/files/dsd_output.h"
 #include "cli/files/pcm_source.h"
 #include "cli/files/pcm_tags.h"
-#include "cli/convert/studio_settings.h"
+#include "cli/words/exit_code.h"
 #include "corvin.h"
 
 namespace corvin::cli {

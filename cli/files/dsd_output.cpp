@@ -34,9 +34,8 @@ uint32_t studio_dsd_rate_hz(const std::string& text, bool of_48k_family) {
 
 DsdOutput::DsdOutput(const Config& config)
     : config_(config),
-      file_({.path = config.path,
-             .input_path = config.input_path,
-             .overwrite = config.overwrite}) {}
+      file_({.path = config.path, .input_path = config.input_path, .overwrite = config.overwrite}) {
+}
 
 std::optional<Failure> DsdOutput::open() {
   const int container = container_of(config_.path);
@@ -90,8 +89,8 @@ int DsdOutput::write(void* user, const void* from, size_t bytes) {
   auto& self = *static_cast<DsdOutput*>(user);
   const auto* next = static_cast<const char*>(from);
   while (bytes > 0) {
-    const ssize_t written = pwrite(self.file_.descriptor(), next, bytes,
-                                   static_cast<off_t>(self.offset_));
+    const ssize_t written =
+        pwrite(self.file_.descriptor(), next, bytes, static_cast<off_t>(self.offset_));
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) {
       self.error_ = std::strerror(written < 0 ? errno : EIO);

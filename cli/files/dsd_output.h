@@ -12,8 +12,8 @@
 #include <string>
 
 #include "cli/convert/convert.h"
-#include "cli/words/exit_code.h"
 #include "cli/files/output_file.h"
+#include "cli/words/exit_code.h"
 #include "corvin.h"
 
 namespace corvin::cli {

@@ -78,9 +78,9 @@ uint64_t PcmSource::count_frames() {
 
 uint32_t PcmSource::speakers() const {
   // libsndfile's names for the places that the library has bits for, in the order of the bits.
-  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,        SF_CHANNEL_MAP_RIGHT,
-                             SF_CHANNEL_MAP_CENTER,      SF_CHANNEL_MAP_LFE,
-                             SF_CHANNEL_MAP_REAR_LEFT,   SF_CHANNEL_MAP_REAR_RIGHT};
+  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,      SF_CHANNEL_MAP_RIGHT,
+                             SF_CHANNEL_MAP_CENTER,    SF_CHANNEL_MAP_LFE,
+                             SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
   std::vector<int> map(static_cast<size_t>(channels()));
   if (sf_command(file_.get(), SFC_GET_CHANNEL_MAP_INFO, map.data(),
                  static_cast<int>(map.size() * sizeof map[0])) == SF_FALSE)

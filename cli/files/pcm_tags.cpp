@@ -93,8 +93,7 @@ void offer(Picture& chosen, const Picture& picture) {
 
 void offer_all(Picture& chosen, const TagLib::List<TagLib::FLAC::Picture*>& pictures) {
   for (const auto* picture : pictures)
-    offer(chosen,
-          {picture->type(), picture->mimeType(), picture->description(), picture->data()});
+    offer(chosen, {picture->type(), picture->mimeType(), picture->description(), picture->data()});
 }
 
 void offer_all(Picture& chosen, const TagLib::ID3v2::Tag* tag) {

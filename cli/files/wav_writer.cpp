@@ -30,8 +30,8 @@ int sample_format(WavEncoding encoding) {
 
 // The order of the mask's bits.
 std::vector<int> channel_map(uint32_t speakers) {
-  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,   SF_CHANNEL_MAP_RIGHT,
-                             SF_CHANNEL_MAP_CENTER, SF_CHANNEL_MAP_LFE,
+  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,      SF_CHANNEL_MAP_RIGHT,
+                             SF_CHANNEL_MAP_CENTER,    SF_CHANNEL_MAP_LFE,
                              SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
   std::vector<int> map;
   for (size_t bit = 0; bit < std::size(kPlaces); ++bit)

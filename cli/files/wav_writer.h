@@ -29,7 +29,7 @@ class WavWriter {
     int descriptor = -1;  // open for writing and seeking; left open
     int rate_hz = 44100;
     int channels = 2;
-    uint32_t speakers = 0;        // mask of the channels' speakers; 0: not known
+    uint32_t speakers = 0;  // mask of the channels' speakers; 0: not known
     WavEncoding encoding = WavEncoding::k24;
     uint64_t expected_bytes = 0;  // of PCM; decides between WAV and RF64
   };

@@ -145,9 +145,8 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-    const int status =
-        corvin::studio::convert_dsd_rate(*source->source, source->sound,
-                                         corvin::studio::target_of(*target), known, result);
+    const int status = corvin::studio::convert_dsd_rate(
+        *source->source, source->sound, corvin::studio::target_of(*target), known, result);
     return status == CORVIN_OK ? corvin_writer_finish(target, result.samples) : status;
   });
 }

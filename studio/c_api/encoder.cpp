@@ -61,8 +61,8 @@ int corvin_encoder_push(corvin_encoder* encoder, const void* data, size_t frames
   return encoder->engine->push(static_cast<const std::uint8_t*>(data), frames, *taken);
 }
 
-int corvin_encoder_push_planar(corvin_encoder* encoder, const void* const* channels,
-                               size_t frames, size_t* taken) {
+int corvin_encoder_push_planar(corvin_encoder* encoder, const void* const* channels, size_t frames,
+                               size_t* taken) {
   if (encoder == nullptr || taken == nullptr || (channels == nullptr && frames > 0)) {
     return CORVIN_E_ARGUMENT;
   }

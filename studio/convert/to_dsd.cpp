@@ -82,8 +82,8 @@ class Encoding {
  private:
   bool drain() {
     while (const std::size_t bytes = encoder_.pull(out_.data(), out_.size())) {
-      const auto count = static_cast<std::size_t>(
-          std::min<std::uint64_t>(bytes / target_.channels, bytes_left_));
+      const auto count =
+          static_cast<std::size_t>(std::min<std::uint64_t>(bytes / target_.channels, bytes_left_));
       bytes_left_ -= count;
       if (count > 0 && !target_.write(out_.data(), count)) return false;
     }
@@ -124,8 +124,8 @@ std::uint32_t rate_between(const RateFamily& source, const RateFamily& target) {
 int convert_to_dsd(const corvin_pcm_source& source, const DsdTarget& target,
                    const corvin_convert_settings& settings, corvin_convert_report& report) {
   std::unique_ptr<Encoder> encoder;
-  const int status = Encoder::create(
-      encoder_settings(source.pcm_rate, source.format, target, settings), encoder);
+  const int status =
+      Encoder::create(encoder_settings(source.pcm_rate, source.format, target, settings), encoder);
   if (status != CORVIN_OK) return status;
   const std::size_t frame_bytes = sample_bytes(source.format) * target.channels;
   Encoding encoding(*encoder, target, frame_bytes, std::numeric_limits<std::uint64_t>::max());
@@ -149,8 +149,8 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
   decoding.gain_db = 0;
 
   std::unique_ptr<Encoder> encoder;
-  const int status = Encoder::create(
-      encoder_settings(decoding.pcm_rate, CORVIN_F64, target, settings), encoder);
+  const int status =
+      Encoder::create(encoder_settings(decoding.pcm_rate, CORVIN_F64, target, settings), encoder);
   if (status != CORVIN_OK) return status;
   const std::uint64_t samples = samples_of(file.samples, file.rate_hz, target.dsd_rate);
   Encoding encoding(*encoder, target, sizeof(double) * target.channels,

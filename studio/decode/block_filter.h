@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "studio/math/aligned_array.h"
 #include "studio/kernels/kernels.h"
+#include "studio/math/aligned_array.h"
 #include "studio/plan/decode_plan.h"
 
 namespace corvin::studio {

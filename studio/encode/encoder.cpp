@@ -11,9 +11,9 @@
 #include <numeric>
 #include <utility>
 
-#include "studio/pcm/sample_input.h"
-#include "studio/modulator/noise_shapers.h"
 #include "studio/math/exact_math.h"
+#include "studio/modulator/noise_shapers.h"
+#include "studio/pcm/sample_input.h"
 #include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {

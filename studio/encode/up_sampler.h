@@ -9,8 +9,8 @@
 
 #include <vector>
 
-#include "studio/math/aligned_array.h"
 #include "studio/kernels/kernels.h"
+#include "studio/math/aligned_array.h"
 #include "studio/plan/encode_plan.h"
 
 namespace corvin::studio {

@@ -14,8 +14,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/math/aligned_array.h"
 #include "studio/kernels/variant.h"
+#include "studio/math/aligned_array.h"
 
 namespace corvin::studio {
 

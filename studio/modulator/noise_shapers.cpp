@@ -36,7 +36,7 @@ constexpr double kBounds6[] = {3.0, 3.3, 2.2, 2.8, 1.4, 1.4};
 
 template <int kOrder>
 constexpr NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
-                   const double (&bounds)[kOrder], double knee, double ceiling) {
+                             const double (&bounds)[kOrder], double knee, double ceiling) {
   NoiseShaper made;
   made.order = kOrder;
   std::copy(std::begin(weights), std::end(weights), made.c);

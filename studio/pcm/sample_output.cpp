@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/pcm/pack.h"
 #include "studio/math/exact_math.h"
+#include "studio/pcm/pack.h"
 
 namespace corvin::studio {
 namespace {

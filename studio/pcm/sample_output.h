@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "corvin.h"
-#include "studio/pcm/dither_shaper.h"
-#include "studio/math/aligned_array.h"
 #include "studio/kernels/quantise.h"
+#include "studio/math/aligned_array.h"
+#include "studio/pcm/dither_shaper.h"
 
 namespace corvin::studio {
 

@@ -4,8 +4,11 @@
  * corvin.h before anything else and twice, through a plain C99 and a plain C++11 compiler with
  * every warning an error; linked, so that the library exports what the header declares. */
 
+/* The formatter would take the second one for a mistake. */
+/* clang-format off */
 #include "corvin.h"
 #include "corvin.h"
+/* clang-format on */
 
 /* Comes up when a declaration changes: callers in C are not told by their linkers. */
 static int (*const info)(const char*, DSD_INFO*) = DSDInfo;

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/sound_files.h"
 #include "tests/support/dsd_files.h"
 #include "tests/support/id3_blocks.h"
+#include "tests/support/sound_files.h"
 #include "tests/support/temp_file.h"
 
 namespace corvin::studio {

@@ -55,9 +55,9 @@ inline BandLimited LowPass(const Bits& bits, double rate_hz) {
 /// what is left without it and the mean.
 struct Sine {
   double amplitude = 0;
-  double delay_s = 0;    ///< behind sin(2 pi f t), t = 0 at the first bit; within half a period
+  double delay_s = 0;  ///< behind sin(2 pi f t), t = 0 at the first bit; within half a period
   double mean = 0;
-  double residual = 0;   ///< root mean square
+  double residual = 0;  ///< root mean square
 };
 
 inline Sine FitSine(const BandLimited& signal, double frequency_hz) {

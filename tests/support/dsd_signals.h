@@ -32,8 +32,8 @@ inline Bits ToneBits(std::size_t samples, double frequency_hz, double rate_hz, d
   Bits bits(samples);
   double first = 0, second = 0;
   for (std::size_t i = 0; i < samples; ++i) {
-    const double in =
-        amplitude * std::sin(2 * std::numbers::pi * frequency_hz * static_cast<double>(i) / rate_hz);
+    const double in = amplitude * std::sin(2 * std::numbers::pi * frequency_hz *
+                                           static_cast<double>(i) / rate_hz);
     const double out = second >= 0 ? 1.0 : -1.0;
     first += in - out;
     second += first - 2.0 * out;
@@ -47,12 +47,14 @@ inline std::vector<std::uint8_t> PackBits(const Bits& bits, bool lsb_first) {
   std::vector<std::uint8_t> bytes(bits.size() / 8);
   for (std::size_t i = 0; i < bytes.size() * 8; ++i)
     if (bits[i] > 0)
-      bytes[i / 8] = static_cast<std::uint8_t>(bytes[i / 8] | 1u << (lsb_first ? i % 8 : 7 - i % 8));
+      bytes[i / 8] =
+          static_cast<std::uint8_t>(bytes[i / 8] | 1u << (lsb_first ? i % 8 : 7 - i % 8));
   return bytes;
 }
 
 /// One byte per channel in turn.
-inline std::vector<std::uint8_t> Interleave(const std::vector<std::vector<std::uint8_t>>& channels) {
+inline std::vector<std::uint8_t> Interleave(
+    const std::vector<std::vector<std::uint8_t>>& channels) {
   std::vector<std::uint8_t> out;
   for (std::size_t i = 0; i < channels.front().size(); ++i)
     for (const auto& channel : channels) out.push_back(channel[i]);

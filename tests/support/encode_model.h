@@ -37,9 +37,9 @@ inline double FullScaleDepth(const EncodePair& pair, double frequency_hz) {
   const int centre = taps / 2;
   // The window: the Bessel series of 90 dB with 32-bit factorials, wrapped from 13! on.
   static constexpr double kFactorials[] = {
-      1,          2,          6,          24,         120,        720,        5040,
-      40320,      362880,     3628800,    39916800,   479001600,  1932053504, 1278945280,
-      2004310016, 2004189184, -288522240, -898433024, 109641728,  -2102132736};
+      1,          2,          6,          24,         120,       720,        5040,
+      40320,      362880,     3628800,    39916800,   479001600, 1932053504, 1278945280,
+      2004310016, 2004189184, -288522240, -898433024, 109641728, -2102132736};
   const auto bessel = [](double half) {
     double sum = 1, power = 1;
     for (double factorial : kFactorials) {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "corvin.hpp"
-#include "tests/support/studio_streams.h"
 #include "tests/support/memory_stream.h"
+#include "tests/support/studio_streams.h"
 
 namespace corvin::studio {
 

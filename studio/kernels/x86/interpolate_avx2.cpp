@@ -20,6 +20,7 @@ namespace corvin::studio {
 namespace {
 
 #include "studio/kernels/x86/doubles_avx2.inc"
+
 #include "studio/kernels/interpolate_body.inc"
 
 }  // namespace

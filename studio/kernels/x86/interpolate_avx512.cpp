@@ -26,6 +26,7 @@ namespace corvin::studio {
 namespace {
 
 #include "studio/kernels/x86/doubles_avx512.inc"
+
 #include "studio/kernels/interpolate_body.inc"
 
 }  // namespace

@@ -17,8 +17,8 @@
 #include <thread>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/decode/dsd_to_pcm_job.h"
+#include "corvin.h"
 #include "tests/support/dsd_signals.h"
 #include "tests/support/watchdog.h"
 

@@ -16,8 +16,8 @@
 #include <map>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/files/sound_search.h"
+#include "corvin.h"
 #include "formats/bytes/input_file.h"
 #include "tests/support/at_once.h"
 #include "tests/support/dsd_files.h"

@@ -13,8 +13,8 @@
 #include <span>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/dsd2pcm/taps.h"
+#include "corvin.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include <numbers>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/files/dsd_header.h"
+#include "corvin.h"
 #include "tests/support/at_once.h"
 #include "tests/support/dsd_files.h"
 #include "tests/support/tag_record.h"

@@ -16,9 +16,9 @@
 #include <thread>
 #include <vector>
 
-#include "corvin.h"
 #include "classic/stream/dsd_decode.h"
 #include "classic/stream/dsd_encode.h"
+#include "corvin.h"
 #include "tests/support/watchdog.h"
 
 namespace {

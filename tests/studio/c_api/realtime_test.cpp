@@ -11,9 +11,9 @@
 
 #include <cstdint>
 
-#include "tests/support/studio_streams.h"
 #include "tests/support/allocation_count.h"
 #include "tests/support/memory_stream.h"
+#include "tests/support/studio_streams.h"
 
 namespace corvin::studio {
 namespace {

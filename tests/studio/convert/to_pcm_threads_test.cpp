@@ -9,8 +9,8 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/sound_files.h"
 #include "tests/support/dsd_files.h"
+#include "tests/support/sound_files.h"
 #include "tests/support/temp_file.h"
 
 namespace corvin::studio {

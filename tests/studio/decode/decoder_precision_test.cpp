@@ -9,11 +9,11 @@
 #include <cmath>
 #include <complex>
 
-#include "studio/pcm/dither_shaper.h"
 #include "studio/kernels/quantise.h"
+#include "studio/pcm/dither_shaper.h"
 #include "studio/plan/decode_plan.h"
-#include "tests/support/kernel_builds.h"
 #include "tests/support/filter_response.h"
+#include "tests/support/kernel_builds.h"
 #include "tests/support/studio_streams.h"
 
 namespace corvin::studio {

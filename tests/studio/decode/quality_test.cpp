@@ -9,8 +9,8 @@
 #include <cstdio>
 #include <string>
 
-#include "tests/support/plan_response.h"
 #include "tests/support/committed_table.h"
+#include "tests/support/plan_response.h"
 
 namespace corvin::studio {
 namespace {

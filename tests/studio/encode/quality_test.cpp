@@ -11,10 +11,10 @@
 #include <string>
 
 #include "studio/encode/encode_chain.h"
-#include "tests/support/studio_streams.h"
-#include "tests/support/up_response.h"
 #include "tests/support/bit_spectrum.h"
 #include "tests/support/committed_table.h"
+#include "tests/support/studio_streams.h"
+#include "tests/support/up_response.h"
 
 namespace corvin::studio {
 namespace {

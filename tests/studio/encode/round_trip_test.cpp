@@ -8,8 +8,8 @@
 
 #include <complex>
 
-#include "tests/support/studio_streams.h"
 #include "tests/support/bit_spectrum.h"
+#include "tests/support/studio_streams.h"
 
 namespace corvin::studio {
 namespace {

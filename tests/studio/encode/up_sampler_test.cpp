@@ -9,8 +9,8 @@
 #include <cmath>
 
 #include "studio/encode/up_sampler.h"
-#include "tests/support/kernel_builds.h"
 #include "tests/support/filter_response.h"
+#include "tests/support/kernel_builds.h"
 #include "tests/support/studio_streams.h"
 
 namespace corvin::studio {
