@@ -44,7 +44,7 @@ void measure(const double* in, std::size_t samples, double knee, ModulationTally
 
 ModulatorStream::ModulatorStream(const ModulatorConfig& config)
     : channels_(static_cast<std::size_t>(config.channels)),
-      knee_(noise_shaper(config.grade, config.oversampling).knee),
+      knee_(shaper_design(config.grade, config.oversampling).knee),
       modulator_(config) {}
 
 void ModulatorStream::run(const double* const* in, std::size_t samples, std::uint8_t* const* out,

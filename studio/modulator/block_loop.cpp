@@ -27,7 +27,7 @@ class PairLoop final : public ModulatorLoop {
  public:
   explicit PairLoop(const ModulatorConfig& config)
       : channels_(config.channels),
-        shaper_(noise_shaper(config.grade, config.oversampling)),
+        shaper_(shaper_design(config.grade, config.oversampling)),
         interpolation_(config.wide_band),
         kernel_(&choose_block_loop(detected_features() & config.kernel_mask)) {
     make_block_tables(shaper_, interpolation_, tables_);
@@ -129,7 +129,7 @@ class PairLoop final : public ModulatorLoop {
   static constexpr std::size_t kSpare = 64;  // blocks
 
   int channels_;
-  const NoiseShaper& shaper_;
+  const ShaperDesign& shaper_;
   Interpolation interpolation_;
   const BlockLoopVariant* kernel_;
   bool started_ = false;

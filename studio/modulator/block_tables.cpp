@@ -41,7 +41,7 @@ using ToBase = Matrix<kBits, kOrder>;
 using Between = Matrix<kBits, kBits>;
 
 // One step of the loop, by what it does to each unit vector.
-Square step_matrix(const NoiseShaper& shaper) {
+Square step_matrix(const ShaperDesign& shaper) {
   Square a;
   for (int column = 0; column < shaper.order; ++column) {
     double x[kOrder] = {};
@@ -93,7 +93,7 @@ void add_inputs(const Matrix<kRows, kBits>& by_value, const Interpolation& inter
 
 }  // namespace
 
-void make_block_tables(const NoiseShaper& shaper, const Interpolation& interpolation,
+void make_block_tables(const ShaperDesign& shaper, const Interpolation& interpolation,
                        BlockLoopTables& tables) {
   const Square a = step_matrix(shaper);
   const Square a2 = a * a;

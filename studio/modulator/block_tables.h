@@ -13,7 +13,7 @@
 namespace corvin::studio {
 
 /// Overwrites `tables`, which should be value-initialised.
-void make_block_tables(const NoiseShaper& shaper, const Interpolation& interpolation,
+void make_block_tables(const ShaperDesign& shaper, const Interpolation& interpolation,
                        BlockLoopTables& tables);
 
 }  // namespace corvin::studio

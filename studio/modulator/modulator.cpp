@@ -22,7 +22,7 @@ struct Modulator::Stream {
       : channels(config.channels), interpolation(config.wide_band) {
     const int paths = search_paths(config.grade, config.oversampling);
     loop = paths > 1 ? make_search_loop(config, paths) : make_block_loop(config);
-    const NoiseShaper& shaper = noise_shaper(config.grade, config.oversampling);
+    const ShaperDesign& shaper = shaper_design(config.grade, config.oversampling);
     limiter = {shaper.knee, shaper.ceiling};
   }
 

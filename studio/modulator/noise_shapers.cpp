@@ -35,9 +35,9 @@ constexpr double kBounds8[] = {3.4, 6.9, 8.3, 15.8, 11.3, 12.2, 4.8, 3.1};
 constexpr double kBounds6[] = {3.0, 3.3, 2.2, 2.8, 1.4, 1.4};
 
 template <int kOrder>
-constexpr NoiseShaper shaper(const double (&weights)[kOrder], const double* zeros,
-                             const double (&bounds)[kOrder], double knee, double ceiling) {
-  NoiseShaper made;
+constexpr ShaperDesign shaper(const double (&weights)[kOrder], const double* zeros,
+                              const double (&bounds)[kOrder], double knee, double ceiling) {
+  ShaperDesign made;
   made.order = kOrder;
   std::copy(std::begin(weights), std::end(weights), made.c);
   std::copy(zeros, zeros + kOrder / 2, made.g);
@@ -48,15 +48,15 @@ constexpr NoiseShaper shaper(const double (&weights)[kOrder], const double* zero
 }
 
 // With a ceiling 0.01 higher, clipped loud signals already throw the loops out of lock.
-constexpr NoiseShaper kStandard = shaper(kPlain10, kZeros10, kBounds10, 0.7075, 0.72);
-constexpr NoiseShaper kHigh = shaper(kTree4, kZeros10, kBoundsTree, 0.7075, 0.72);
-constexpr NoiseShaper kBest = shaper(kTree8, kZeros10, kBoundsTree, 0.7075, 0.72);
-constexpr NoiseShaper kQuadruple = shaper(kWeights8, kZeros8, kBounds8, 0.79, 0.82);
-constexpr NoiseShaper kOctuple = shaper(kWeights6, kZeros6, kBounds6, 0.83, 0.86);
+constexpr ShaperDesign kStandard = shaper(kPlain10, kZeros10, kBounds10, 0.7075, 0.72);
+constexpr ShaperDesign kHigh = shaper(kTree4, kZeros10, kBoundsTree, 0.7075, 0.72);
+constexpr ShaperDesign kBest = shaper(kTree8, kZeros10, kBoundsTree, 0.7075, 0.72);
+constexpr ShaperDesign kQuadruple = shaper(kWeights8, kZeros8, kBounds8, 0.79, 0.82);
+constexpr ShaperDesign kOctuple = shaper(kWeights6, kZeros6, kBounds6, 0.83, 0.86);
 
 }  // namespace
 
-const NoiseShaper& noise_shaper(ModulatorGrade grade, int oversampling) {
+const ShaperDesign& shaper_design(ModulatorGrade grade, int oversampling) {
   if (oversampling >= 512) return kOctuple;
   if (oversampling >= 256) return kQuadruple;
   if (grade == ModulatorGrade::kBest) return kBest;

@@ -20,7 +20,7 @@ namespace corvin::studio {
 
 inline constexpr int kMaxOrder = 10;
 
-struct NoiseShaper {
+struct ShaperDesign {
   int order = 0;                 ///< even; what follows is zero beyond it
   double c[kMaxOrder] = {};      ///< weights of the states a_1, b_1, a_2, b_2, ...
   double g[kMaxOrder / 2] = {};  ///< feedback of the resonators
@@ -31,7 +31,7 @@ struct NoiseShaper {
 
 /// The loop of a grade. At DSD256 and DSD512 every grade has the standard loop: its noise is below
 /// what any source holds, and a search could lower it by no more than a decibel.
-const NoiseShaper& noise_shaper(ModulatorGrade grade, int oversampling);
+const ShaperDesign& shaper_design(ModulatorGrade grade, int oversampling);
 
 /// Paths that the grade follows: 1, 4 or 8.
 int search_paths(ModulatorGrade grade, int oversampling);

@@ -16,7 +16,7 @@ namespace corvin::studio {
 
 class ReferenceLoop {
  public:
-  explicit ReferenceLoop(const NoiseShaper& shaper) : shaper_(&shaper) {}
+  explicit ReferenceLoop(const ShaperDesign& shaper) : shaper_(&shaper) {}
 
   /// Takes the input at one bit and returns the bit: +1 or -1.
   double step(double u) {
@@ -62,7 +62,7 @@ class ReferenceLoop {
   double x[kMaxOrder] = {};  ///< a_1, b_1, a_2, b_2, ...
 
  private:
-  const NoiseShaper* shaper_;
+  const ShaperDesign* shaper_;
 };
 
 }  // namespace corvin::studio

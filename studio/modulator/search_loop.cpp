@@ -16,7 +16,7 @@ constexpr std::size_t kSamplesPerWord = 4;
 constexpr std::size_t kBitsPerSample = Interpolation::kPhases;
 constexpr std::size_t kMaxWords = 32;  // at a time
 
-PathSearchShape search_shape(const NoiseShaper& shaper, int paths) {
+PathSearchShape search_shape(const ShaperDesign& shaper, int paths) {
   PathSearchShape shape;
   shape.paths = static_cast<unsigned>(paths);
   for (int i = 0; i < kSearchOrder; ++i) {
@@ -36,7 +36,7 @@ class SearchLoop final : public ModulatorLoop {
   SearchLoop(const ModulatorConfig& config, int paths)
       : channels_(config.channels),
         interpolation_(config.wide_band),
-        shape_(search_shape(noise_shaper(config.grade, config.oversampling), paths)),
+        shape_(search_shape(shaper_design(config.grade, config.oversampling), paths)),
         kernel_(&choose_path_search(detected_features() & config.kernel_mask)) {
     for (int phase = 0; phase < Interpolation::kPhases; ++phase) {
       for (int j = 0; j < interpolation_.taps(); ++j) {

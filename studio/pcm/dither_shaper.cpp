@@ -25,7 +25,7 @@ double weight_db(double hz) {
 
 }  // namespace
 
-NoiseShaper::NoiseShaper(double rate) {
+DitherShaper::DitherShaper(double rate) {
   // The whitening filter of the weighted spectrum leaves the least weighted power: autocorrelation
   // of the weight, then Levinson's recursion.
   constexpr int kPoints = 1024;
@@ -48,9 +48,9 @@ NoiseShaper::NoiseShaper(double rate) {
   }
 }
 
-void NoiseShaper::run(const double* in, std::size_t count, const QuantiseScale& scale,
-                      std::uint32_t key, std::uint32_t index, std::int32_t* out,
-                      QuantiseTally& tally, State& state) const {
+void DitherShaper::run(const double* in, std::size_t count, const QuantiseScale& scale,
+                       std::uint32_t key, std::uint32_t index, std::int32_t* out,
+                       QuantiseTally& tally, State& state) const {
   constexpr double kRounder = 0x1.8p52;
   constexpr std::size_t kBlock = 64;
   // Errors in order of time, so that none has to move for the next sample.

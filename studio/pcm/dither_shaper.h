@@ -16,7 +16,7 @@
 
 namespace corvin::studio {
 
-class NoiseShaper {
+class DitherShaper {
  public:
   static constexpr unsigned kTaps = 9;
 
@@ -26,7 +26,7 @@ class NoiseShaper {
   };
 
   /// The feedback that leaves the least noise weighted by the ear's sensitivity at `rate` Hz.
-  explicit NoiseShaper(double rate);
+  explicit DitherShaper(double rate);
 
   /// As the Quantise kernel, always dithered.
   void run(const double* in, std::size_t count, const QuantiseScale& scale, std::uint32_t key,

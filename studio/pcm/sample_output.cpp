@@ -43,7 +43,7 @@ SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const Quanti
   for (std::size_t c = 0; c < channels_; ++c) integer_rows_[c] = &integers_[c * kChunkFrames];
 }
 
-void SampleOutput::reset() { std::fill(shaped_.begin(), shaped_.end(), NoiseShaper::State{}); }
+void SampleOutput::reset() { std::fill(shaped_.begin(), shaped_.end(), DitherShaper::State{}); }
 
 void SampleOutput::quantise(const double* const* in, std::uint64_t first, std::size_t count,
                             QuantiseTally& tally) {

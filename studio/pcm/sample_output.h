@@ -52,8 +52,8 @@ class SampleOutput {
   std::uint64_t seed_;
   QuantiseScale scale_;
   Quantise quantise_;
-  std::optional<NoiseShaper> shaper_;
-  std::vector<NoiseShaper::State> shaped_;
+  std::optional<DitherShaper> shaper_;
+  std::vector<DitherShaper::State> shaped_;
   AlignedArray<std::int32_t> integers_;  // [channel][chunk]
   std::vector<const std::int32_t*> integer_rows_;
   std::vector<const double*> rows_;

@@ -150,13 +150,13 @@ TEST(Dither, IsTriangularAndUncorrelated) {
 
 // Noise of the shaper in a band, in dB of one step's square.
 double shaped_noise_db(double rate, double low_hz, double high_hz) {
-  const NoiseShaper shaper(rate);
+  const DitherShaper shaper(rate);
   double sum = 0;
   constexpr int kPoints = 200;
   for (int i = 0; i < kPoints; ++i) {
     const double angle = 2 * M_PI * (low_hz + (high_hz - low_hz) * i / kPoints) / rate;
     std::complex<double> gain = 1;
-    for (unsigned k = 0; k < NoiseShaper::kTaps; ++k) {
+    for (unsigned k = 0; k < DitherShaper::kTaps; ++k) {
       gain -= shaper.taps()[k] * std::polar(1.0, -angle * (k + 1));
     }
     sum += std::norm(gain);
@@ -171,13 +171,13 @@ TEST(Dither, ShapedNoiseLeavesTheSensitiveBandAndTheSoundAlone) {
   }
   // Through the loop itself: the mean error over many samples is nothing, even of a signal that
   // meets the limit now and then.
-  const NoiseShaper shaper(44100);
+  const DitherShaper shaper(44100);
   const QuantiseScale scale = {32768, -32768, 32767, true};
   std::vector<double> in(100000, 0.123456789);
   in[500] = 1.5;
   std::vector<std::int32_t> out(in.size());
   QuantiseTally tally;
-  NoiseShaper::State state;
+  DitherShaper::State state;
   shaper.run(in.data(), in.size(), scale, 1, 0, out.data(), tally, state);
   EXPECT_EQ(tally.clips, 1u);
   double sum = 0;

@@ -25,8 +25,8 @@ TEST(NoiseShapers, TheCommittedWeightsAreTheGeneratorsOwn) {
 
 // First and last weights of the shifted loops as an independent solver printed them.
 TEST(NoiseShapers, WeightsAgreeWithAnIndependentSolution) {
-  const NoiseShaper& high = noise_shaper(ModulatorGrade::kHigh, 64);
-  const NoiseShaper& best = noise_shaper(ModulatorGrade::kBest, 64);
+  const ShaperDesign& high = shaper_design(ModulatorGrade::kHigh, 64);
+  const ShaperDesign& best = shaper_design(ModulatorGrade::kBest, 64);
   EXPECT_NEAR(high.c[0] / 0x1.66070352304e5p-1, 1, 1e-12);
   EXPECT_NEAR(high.c[9] / -0x1.9f375c49d9ed5p-35, 1, 1e-10);
   EXPECT_NEAR(best.c[0] / 0x1.6f3a00f706a51p-1, 1, 1e-12);
@@ -34,7 +34,7 @@ TEST(NoiseShapers, WeightsAgreeWithAnIndependentSolution) {
 }
 
 TEST(NoiseShapers, TheReferenceLoopKeepsItsSignalAndItsLock) {
-  ReferenceLoop loop(noise_shaper(ModulatorGrade::kStandard, 64));
+  ReferenceLoop loop(shaper_design(ModulatorGrade::kStandard, 64));
   double sum = 0;
   constexpr int kBits = 100000;
   for (int i = 0; i < kBits; ++i) {

@@ -158,7 +158,7 @@ TEST(ModulatorOverload, RecoversWithinTwoMilliseconds) {
 // is shown on the kernel itself.
 TEST(ModulatorOverload, SearchesCatchUp) {
   for (ModulatorGrade grade : {ModulatorGrade::kHigh, ModulatorGrade::kBest}) {
-    const NoiseShaper& shaper = noise_shaper(grade, 64);
+    const ShaperDesign& shaper = shaper_design(grade, 64);
     PathSearchShape shape;
     shape.paths = static_cast<unsigned>(search_paths(grade, 64));
     for (int i = 0; i < kSearchOrder; ++i) {

@@ -82,7 +82,7 @@ TEST(ModulatorQuality, QuietSignalsHaveQuietNoiseWithoutTones) {
 
 // The reference loop with an exact sine at the DSD rate.
 Bytes reference_bytes(int oversampling, double frequency_hz, double amplitude) {
-  ReferenceLoop loop(noise_shaper(ModulatorGrade::kStandard, oversampling));
+  ReferenceLoop loop(shaper_design(ModulatorGrade::kStandard, oversampling));
   Bytes bytes(kSamples);
   for (std::size_t i = 0; i < 8 * kSamples; ++i) {
     const double n = static_cast<double>(i);
