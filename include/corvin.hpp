@@ -2,38 +2,84 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin.hpp
- *  The studio engine for C++20: corvin_studio.h with owners and spans. Header only and without
- * state of its own; every function does what the C function of its name documents. Failures of what
- *  cannot be expected to fail in the middle of a stream (creation, misuse) throw corvin::Error. */
+ *  The studio engine, DSD files and their tags for C++20: owners, spans and callables over the C
+ *  functions. Header only and without state of its own. What a function does, its units and threads
+ *  stand with the C function that it calls; what differs stands here.
+ *
+ *  - A status below 0 is thrown as corvin::Error.
+ *  - Handles move and do not copy. One that was moved from is what NULL is to the C functions.
+ *  - A host's callables and ByteStream functions may throw: that counts as their failure, and what
+ *    was thrown is dropped, for it must not pass through the library. */
 
 #ifndef CORVIN_HPP_
 #define CORVIN_HPP_
 
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <functional>
 #include <memory>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "corvin.h"
 
 namespace corvin {
 
+/// A status, with corvin_strerror()'s sentence.
 class Error : public std::runtime_error {
  public:
-  explicit Error(int status) : std::runtime_error(corvin_strerror(status)), status_(status) {}
+  explicit Error(int status) : Error(status, errno) {}
+
   int status() const noexcept { return status_; }
 
+  /// errno at the failure. It says why for CORVIN_E_READ and CORVIN_E_WRITE of what was given by
+  /// its path; 0 when that is no regular file to read.
+  int system_error() const noexcept { return system_error_; }
+
  private:
+  Error(int status, int system_error)
+      : std::runtime_error(corvin_strerror(status)), status_(status), system_error_(system_error) {}
+
   int status_;
+  int system_error_;
 };
 
 inline int check(int status) {
   if (status < 0) throw Error(status);
   return status;
 }
+
+namespace detail {
+
+/// What `call` returns, or `failure` when it throws.
+template <class Result, class Call>
+Result kept_in(Result failure, Call call) noexcept {
+  try {
+    return call();
+  } catch (...) {
+    return failure;
+  }
+}
+
+/// The text that a C function of (text, size) writes.
+template <class Describe>
+std::string text_from(Describe describe) {
+  std::string text(static_cast<std::size_t>(check(describe(nullptr, 0))), '\0');
+  check(describe(text.data(), text.size() + 1));
+  return text;
+}
+
+}  // namespace detail
+
+// ---- Streaming -------------------------------------------------------------------------------
 
 /// corvin_decoder_settings with its defaults.
 struct DecoderSettings : corvin_decoder_settings {
@@ -91,10 +137,9 @@ class Decoder {
   }
 
   std::string describe() const {
-    const int length = check(corvin_decoder_describe(handle_.get(), nullptr, 0));
-    std::string text(static_cast<std::size_t>(length), '\0');
-    check(corvin_decoder_describe(handle_.get(), text.data(), text.size() + 1));
-    return text;
+    return detail::text_from([&](char* text, std::size_t size) {
+      return corvin_decoder_describe(handle_.get(), text, size);
+    });
   }
 
   corvin_decoder* handle() const { return handle_.get(); }
@@ -163,10 +208,9 @@ class Encoder {
   }
 
   std::string describe() const {
-    const int length = check(corvin_encoder_describe(handle_.get(), nullptr, 0));
-    std::string text(static_cast<std::size_t>(length), '\0');
-    check(corvin_encoder_describe(handle_.get(), text.data(), text.size() + 1));
-    return text;
+    return detail::text_from([&](char* text, std::size_t size) {
+      return corvin_encoder_describe(handle_.get(), text, size);
+    });
   }
 
   corvin_encoder* handle() const { return handle_.get(); }
@@ -178,7 +222,155 @@ class Encoder {
   std::unique_ptr<corvin_encoder, Destroy> handle_;
 };
 
-// ---- Files and whole conversions -------------------------------------------------------------
+// ---- Tags ------------------------------------------------------------------------------------
+
+/// The text of a record's field, up to its first zero byte or its end.
+template <std::size_t size>
+std::string text_of(const char (&field)[size]) {
+  return {field, strnlen(field, size)};
+}
+
+/// Puts a UTF-8 text into a record's field, zeros behind it. One that is too long is cut after a
+/// character.
+template <std::size_t size>
+void set_text(char (&field)[size], std::string_view text) {
+  std::size_t length = std::min(text.size(), size - 1);
+  if (length < text.size()) {
+    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xc0) == 0x80) --length;
+  }
+  std::fill(std::copy_n(text.data(), length, field), field + size, '\0');
+}
+
+/// A tag record that releases its pictures.
+class Tags : public DSD_TAG {
+ public:
+  Tags() noexcept : DSD_TAG{} {}
+  ~Tags() { DSDTagClear(this); }
+
+  /// Leaves `other` empty.
+  Tags(Tags&& other) noexcept : DSD_TAG(other) { other.forget(); }
+  Tags& operator=(Tags&& other) noexcept {
+    if (this != &other) {
+      DSDTagClear(this);
+      static_cast<DSD_TAG&>(*this) = other;
+      other.forget();
+    }
+    return *this;
+  }
+
+  void clear() noexcept { DSDTagClear(this); }
+
+  /// The pictures held, for as long as none is added.
+  std::span<DSD_PICTURE* const> all_pictures() const {
+    return {pictures, static_cast<std::size_t>(pictureCount)};
+  }
+
+  /// Adds a copy of a picture file. Throws CORVIN_E_MEMORY, also when #CORVIN_TAG_MAX_PICTURES are
+  /// held, and CORVIN_E_ARGUMENT for one beyond 2 GiB.
+  DSD_PICTURE& add_picture(std::uint8_t type, std::string_view mime,
+                           std::span<const std::byte> data, std::string_view description = {}) {
+    if (data.size() > INT_MAX) throw Error(CORVIN_E_ARGUMENT);
+    DSD_PICTURE* entry = PictureAlloc(1, static_cast<int>(data.size()), true);
+    if (entry == nullptr) throw Error(CORVIN_E_MEMORY);
+    entry->pictureType = type;
+    set_text(entry->mime, mime);
+    set_text(entry->description, description);
+    if (!data.empty()) std::memcpy(entry->data, data.data(), data.size());
+    return *entry;
+  }
+
+  /// Reads an ID3v2.3 block from `stream`'s position; false when there is none or it is empty.
+  /// Throws CORVIN_E_READ when it ends early or memory runs out.
+  bool read_id3(std::FILE* stream) {
+    const int result = Read_id3tag_v2(stream, this);
+    if (result < 0) throw Error(CORVIN_E_READ);
+    return result == 0;
+  }
+
+  /// Writes an ID3v2.3 block at `stream`'s position and returns its bytes. Throws CORVIN_E_WRITE,
+  /// also when the stream's error flag is set.
+  std::size_t write_id3(std::FILE* stream) const {
+    const int bytes = Write_id3tag_v2(stream, this);
+    if (bytes < 0 || std::ferror(stream) != 0) throw Error(CORVIN_E_WRITE);
+    return static_cast<std::size_t>(bytes);
+  }
+
+ private:
+  void forget() noexcept { static_cast<DSD_TAG&>(*this) = {}; }
+};
+
+struct Genre {
+  int number;  // of ID3v1
+  std::string_view name;
+};
+
+/// The ID3v1 genres in alphabetical order.
+inline std::vector<Genre> genres() {
+  std::vector<Genre> all;
+  all.reserve(CORVIN_GENRE_COUNT);  // the callback must not throw
+  id3tag_genre_list(
+      [](int number, const char* name, void* user) {
+        static_cast<std::vector<Genre>*>(user)->push_back({number, name});
+      },
+      &all);
+  return all;
+}
+
+/// A text without its byte-order mark, if it has one.
+inline std::string without_byte_order_mark(std::string text) {
+  auto* bytes = reinterpret_cast<unsigned char*>(text.data());
+  const int left = CutUnicodeBOM(bytes, static_cast<int>(text.size()), bytes);
+  if (left > 0) text.resize(static_cast<std::size_t>(left));
+  return text;
+}
+
+// ---- Files -----------------------------------------------------------------------------------
+
+/// A host's own file. Lives longer than the File or Writer on it. Reading needs seek(), read() and
+/// length(), writing seek() and write().
+class ByteStream {
+ public:
+  virtual ~ByteStream() = default;
+
+  /// Moves to a byte; false on failure.
+  virtual bool seek(std::uint64_t offset) = 0;
+
+  /// Returns the bytes read, 0 at the end, a negative number on failure.
+  virtual std::int64_t read(std::span<std::byte>) { return -1; }
+
+  /// Returns the size, a negative number on failure.
+  virtual std::int64_t length() { return -1; }
+
+  /// Writes all; false on failure.
+  virtual bool write(std::span<const std::byte>) { return false; }
+
+  /// The callbacks that call these functions.
+  corvin_stream callbacks() noexcept {
+    corvin_stream stream = {};
+    stream.size = sizeof stream;
+    stream.user = this;
+    stream.seek = [](void* user, std::uint64_t offset) {
+      return detail::kept_in(1, [&] { return of(user).seek(offset) ? 0 : 1; });
+    };
+    stream.read = [](void* user, void* to, std::size_t bytes) {
+      return detail::kept_in<std::int64_t>(-1, [&] {
+        return of(user).read({static_cast<std::byte*>(to), bytes});
+      });
+    };
+    stream.length = [](void* user) {
+      return detail::kept_in<std::int64_t>(-1, [&] { return of(user).length(); });
+    };
+    stream.write = [](void* user, const void* from, std::size_t bytes) {
+      return detail::kept_in(1, [&] {
+        return of(user).write({static_cast<const std::byte*>(from), bytes}) ? 0 : 1;
+      });
+    };
+    return stream;
+  }
+
+ private:
+  static ByteStream& of(void* user) { return *static_cast<ByteStream*>(user); }
+};
 
 class File {
  public:
@@ -187,6 +379,7 @@ class File {
     check(corvin_file_open(path, &made));
     handle_.reset(made);
   }
+  explicit File(ByteStream& stream) : File(stream.callbacks()) {}
   explicit File(const corvin_stream& stream) {
     corvin_file* made = nullptr;
     check(corvin_file_open_stream(&stream, &made));
@@ -213,6 +406,11 @@ class File {
     return all;
   }
 
+  Tags tags() {
+    Tags tags;
+    check(corvin_file_get_tags(handle_.get(), &tags));
+    return tags;
+  }
   /// DSDTagClear() releases what `tag`, zero before its first use, holds afterwards.
   void tags(DSD_TAG& tag) { check(corvin_file_get_tags(handle_.get(), &tag)); }
 
@@ -253,6 +451,8 @@ class Writer {
     check(corvin_writer_create(path, &settings, &made));
     handle_.reset(made);
   }
+  Writer(ByteStream& stream, const corvin_writer_settings& settings)
+      : Writer(stream.callbacks(), settings) {}
   Writer(const corvin_stream& stream, const corvin_writer_settings& settings) {
     corvin_writer* made = nullptr;
     check(corvin_writer_create_stream(&stream, &settings, &made));
@@ -277,35 +477,131 @@ class Writer {
   std::unique_ptr<corvin_writer, Close> handle_;
 };
 
+// ---- Whole conversions -----------------------------------------------------------------------
+
 /// corvin_convert_settings with its defaults.
 struct ConvertSettings : corvin_convert_settings {
   ConvertSettings() { corvin_convert_settings_defaults(this); }
 };
 
-inline corvin_convert_report convert_to_pcm(
-    File& source, const corvin_pcm_sink& sink,
-    const corvin_convert_settings& settings = ConvertSettings()) {
+/// A conversion that failed, and how far it came.
+class ConvertError : public Error {
+ public:
+  ConvertError(int status, const corvin_convert_report& report) : Error(status), report_(report) {}
+  const corvin_convert_report& report() const noexcept { return report_; }
+
+ private:
+  corvin_convert_report report_;
+};
+
+/// Is told how many of the source's samples or frames are read; false cancels.
+using Progress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
+
+/// Where PCM goes; false ends the conversion with CORVIN_E_WRITE.
+struct PcmSink {
+  std::function<bool(const corvin_pcm_format&)> begin;  // may be empty
+  std::function<bool(const void* frames, std::size_t count)> write;
+};
+
+/// Where PCM comes from: corvin_pcm_source with a callable.
+struct PcmSource {
+  std::uint32_t pcm_rate = 44100;
+  std::uint32_t channels = 2;
+  corvin_sample_format format = CORVIN_S24;
+  std::uint64_t frames = 0;  // that will come, 0: not known
+  std::function<std::int64_t(void* frames, std::size_t count)> read;
+};
+
+namespace detail {
+
+/// `settings` with `progress`, if there is one, in place of theirs. It is not copied.
+inline corvin_convert_settings with_progress(corvin_convert_settings settings,
+                                             const Progress& progress) {
+  if (!progress) return settings;
+  settings.progress = [](void* user, std::uint64_t done, std::uint64_t total) {
+    return kept_in(1, [&] { return (*static_cast<const Progress*>(user))(done, total) ? 0 : 1; });
+  };
+  settings.progress_user = const_cast<Progress*>(&progress);
+  return settings;
+}
+
+template <class Convert>
+corvin_convert_report reported(const corvin_convert_settings& settings, const Progress& progress,
+                               Convert convert) {
   corvin_convert_report report = {};
   report.size = sizeof report;
-  check(corvin_convert_to_pcm(source.handle(), &settings, &sink, &report));
+  const corvin_convert_settings all = with_progress(settings, progress);
+  const int status = convert(&all, &report);
+  if (status < 0) throw ConvertError(status, report);
   return report;
+}
+
+}  // namespace detail
+
+inline corvin_convert_report convert_to_pcm(
+    File& source, const corvin_pcm_sink& sink,
+    const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
+  return detail::reported(settings, progress, [&](const auto* all, auto* report) {
+    return corvin_convert_to_pcm(source.handle(), all, &sink, report);
+  });
+}
+
+inline corvin_convert_report convert_to_pcm(
+    File& source, const PcmSink& sink, const corvin_convert_settings& settings = ConvertSettings(),
+    const Progress& progress = {}) {
+  corvin_pcm_sink calls = {};
+  calls.size = sizeof calls;
+  calls.user = const_cast<PcmSink*>(&sink);
+  calls.begin = [](void* user, const corvin_pcm_format* format) {
+    const auto& begin = static_cast<const PcmSink*>(user)->begin;
+    return detail::kept_in(1, [&] { return !begin || begin(*format) ? 0 : 1; });
+  };
+  calls.write = [](void* user, const void* frames, std::size_t count) {
+    const auto& write = static_cast<const PcmSink*>(user)->write;
+    return detail::kept_in(1, [&] { return write(frames, count) ? 0 : 1; });
+  };
+  return convert_to_pcm(source, calls, settings, progress);
 }
 
 inline corvin_convert_report convert_to_dsd(
     const corvin_pcm_source& source, Writer& target,
-    const corvin_convert_settings& settings = ConvertSettings()) {
-  corvin_convert_report report = {};
-  report.size = sizeof report;
-  check(corvin_convert_to_dsd(&source, target.handle(), &settings, &report));
-  return report;
+    const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
+  return detail::reported(settings, progress, [&](const auto* all, auto* report) {
+    return corvin_convert_to_dsd(&source, target.handle(), all, report);
+  });
+}
+
+inline corvin_convert_report convert_to_dsd(
+    const PcmSource& source, Writer& target,
+    const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
+  corvin_pcm_source calls = {};
+  calls.size = sizeof calls;
+  calls.pcm_rate = source.pcm_rate;
+  calls.channels = source.channels;
+  calls.format = source.format;
+  calls.frames = source.frames;
+  calls.user = const_cast<PcmSource*>(&source);
+  calls.read = [](void* user, void* frames, std::size_t count) {
+    const auto& read = static_cast<const PcmSource*>(user)->read;
+    return detail::kept_in<std::int64_t>(-1, [&] { return read(frames, count); });
+  };
+  return convert_to_dsd(calls, target, settings, progress);
 }
 
 inline corvin_convert_report convert_dsd_rate(
-    File& source, Writer& target, const corvin_convert_settings& settings = ConvertSettings()) {
-  corvin_convert_report report = {};
-  report.size = sizeof report;
-  check(corvin_convert_dsd_rate(source.handle(), target.handle(), &settings, &report));
-  return report;
+    File& source, Writer& target, const corvin_convert_settings& settings = ConvertSettings(),
+    const Progress& progress = {}) {
+  return detail::reported(settings, progress, [&](const auto* all, auto* report) {
+    return corvin_convert_dsd_rate(source.handle(), target.handle(), all, report);
+  });
+}
+
+/// The sound bit for bit; of `settings` only their progress counts.
+inline void convert_copy(File& source, Writer& target,
+                         const corvin_convert_settings& settings = ConvertSettings(),
+                         const Progress& progress = {}) {
+  const corvin_convert_settings all = detail::with_progress(settings, progress);
+  check(corvin_convert_copy(source.handle(), target.handle(), &all));
 }
 
 }  // namespace corvin
