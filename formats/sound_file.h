@@ -42,9 +42,8 @@ struct SoundFile {
 
   std::uint32_t rate_hz = 0;
   std::uint32_t channels = 0;
-  std::uint32_t speakers =
-      0;                      ///< as in formats/speakers.h, in the order of the channels; 0 unknown
-  std::uint64_t samples = 0;  ///< per channel, that are there
+  std::uint32_t speakers = 0;  ///< by formats/speakers.h, in the channels' order; 0 unknown
+  std::uint64_t samples = 0;   ///< per channel, that are there
   std::uint64_t stated_samples = 0;
   bool lsb_first = false;
   std::uint32_t block_bytes = 1;  ///< of a channel before the next one's
@@ -68,8 +67,7 @@ struct SoundFile {
 /// every other case `file` says what was found.
 bool ReadSoundFile(ByteSource& source, SoundFile& file);
 
-// ---- The walks, one for each container, for ReadSoundFile() alone
-// --------------------------------
+// ---- The walks, one for each container, for ReadSoundFile() alone ----
 
 void WalkDsf(ByteSource& source, SoundFile& file);
 void WalkDsdiff(ByteSource& source, SoundFile& file);

@@ -31,8 +31,8 @@ unsigned long long ScaleCount(unsigned long long samples, int rate_out, int rate
   return samples / in * out + samples % in * out / in;
 }
 
-/// How many of the plan's blocks the threads hand over at once: as many as make waking another thread
-/// worth it, within a bound on the job's memory.
+/// How many of the plan's blocks the threads hand over at once: as many as make waking another
+/// thread worth it, within a bound on the job's memory.
 int BatchFor(const RatePlan& plan, int channels, int workers, int ring_depth) {
   constexpr long long kSamples = 524288;
   constexpr long long kBytes = 32 << 20;
@@ -93,8 +93,8 @@ void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_r
   const int out_channels = std::min(channels_, 2);
   const int frame_bytes = sink.bits / 8 * out_channels;
 
-  // Half the filter's length in silence flushes it; a last byte that the source does not fill counts
-  // as silence too.
+  // Half the filter's length in silence flushes it; a last byte that the source does not fill
+  // counts as silence too.
   const int tail = static_cast<int>(std::lround(filter_.taps / plan.interpolation * 0.0625)) +
                    (source.total_bits % 8 != 0 ? 1 : 0);
   reader_ = std::make_unique<CDiskReaderDec>(
@@ -121,13 +121,14 @@ void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_r
           plan.decimation, plan.block_samples, filter_.schedule.data(),
           static_cast<int>(filter_.schedule.size()));
     } else {
-      integer_outputs_[at] = std::make_unique<CDecimationDec>(
+      fallback_outputs_[at] = std::make_unique<CDecimationDec>(
           writer_.get(), c, channels_, out_channels, dsd_rate, pcm_rate, batch_bytes, sink.bits,
           sink.big_endian, ring_depth);
-      integer_outputs_[at]->Start();
-      integer_stages_[at] = std::make_unique<CFormatChangeDec>(
+      fallback_outputs_[at]->Start();
+      fallback_stages_[at] = std::make_unique<CFormatChangeDec>(
           reader_.get(), c, batch_bytes, pcm_rate, sink.bits, channels_, filter_.prototype.get(),
-          integer_outputs_[at].get(), source.interleaved, source.lsb_first, pcm_rate, dsd_rate, 0u);
+          fallback_outputs_[at].get(), source.interleaved, source.lsb_first, pcm_rate, dsd_rate,
+          0u);
     }
   }
 }
@@ -137,8 +138,8 @@ void CDSDtoPCM2::TearDown() {
   for (std::size_t c = 0; c < kMaxChannels; ++c) {
     polyphase_stages_[c].reset();
     polyphase_outputs_[c].reset();
-    integer_stages_[c].reset();
-    integer_outputs_[c].reset();
+    fallback_stages_[c].reset();
+    fallback_outputs_[c].reset();
   }
   reader_.reset();
   writer_.reset();
@@ -150,7 +151,7 @@ void CDSDtoPCM2::Abandon() {
   if (writer_) writer_->Abandon();
   for (std::size_t c = 0; c < kMaxChannels; ++c) {
     if (polyphase_outputs_[c]) polyphase_outputs_[c]->Abandon();
-    if (integer_outputs_[c]) integer_outputs_[c]->Abandon();
+    if (fallback_outputs_[c]) fallback_outputs_[c]->Abandon();
   }
   TearDown();
 }

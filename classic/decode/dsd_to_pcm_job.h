@@ -11,8 +11,8 @@
 
 #include "classic/decode/conversion_filter.h"
 #include "classic/decode/dsd_reader.h"
-#include "classic/decode/integer_output.h"
-#include "classic/decode/integer_stage.h"
+#include "classic/decode/fallback_output.h"
+#include "classic/decode/fallback_stage.h"
 #include "classic/decode/pcm_writer.h"
 #include "classic/decode/polyphase_output.h"
 #include "classic/decode/polyphase_stage.h"
@@ -82,8 +82,8 @@ class CORVIN_API CDSDtoPCM2 {
   int channels_ = 0;
   std::unique_ptr<CDiskReaderDec> reader_;
   std::unique_ptr<CDiskWriterDec> writer_;
-  std::array<std::unique_ptr<CFormatChangeDec>, kMaxChannels> integer_stages_;
-  std::array<std::unique_ptr<CDecimationDec>, kMaxChannels> integer_outputs_;
+  std::array<std::unique_ptr<CFormatChangeDec>, kMaxChannels> fallback_stages_;
+  std::array<std::unique_ptr<CDecimationDec>, kMaxChannels> fallback_outputs_;
   std::array<std::unique_ptr<CFormatChangeDen>, kMaxChannels> polyphase_stages_;
   std::array<std::unique_ptr<CDecimationDen>, kMaxChannels> polyphase_outputs_;
 };

@@ -25,8 +25,8 @@ class CORVIN_API CDecimationDen {
   /// Joins the thread.
   ~CDecimationDen();
 
-  /// The producer's and the consumer's side of the input ring; it has one reader, whatever the second
-  /// argument of Write1Lock says.
+  /// The producer's and the consumer's side of the input ring; it has one reader, whatever the
+  /// second argument of Write1Lock says.
   CBufferDec* Write1Lock(int seq, int);
   CBufferDec* Read1Lock(int seq, int reader);
   void Abandon() { blocks_.Abandon(); }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The filter stage of every planned pair of rates: hands a channel's bits to a pool of workers, which
-// turn them into floats and compute the output samples, each from one of several coefficient sets as
-// a schedule tells. It neither designs the sets nor quantises.
+// The filter stage of every planned pair of rates: hands a channel's bits to a pool of workers,
+// which turn them into floats and compute the output samples, each from one of several coefficient
+// sets as a schedule tells. It neither designs the sets nor quantises.
 
 #ifndef CORVIN_CLASSIC_DECODE_POLYPHASE_STAGE_H_
 #define CORVIN_CLASSIC_DECODE_POLYPHASE_STAGE_H_
@@ -31,8 +31,8 @@ class CORVIN_API CLpfDen : public FilterWorker {
           int blockParam);
   ~CLpfDen() override;
 
-  /// Hands over `bytes` bytes of history and new samples, to be filtered into `out`; 0 bytes ends the
-  /// stream. Waits until the mailbox is free.
+  /// Hands over `bytes` bytes of history and new samples, to be filtered into `out`; 0 bytes ends
+  /// the stream. Waits until the mailbox is free.
   /// @param unset  leading bytes from before the stream's start, which count as samples of 0
   void Post(int tag, const char* data, int bytes, int unset, CBufferDec* out);
 

@@ -41,8 +41,8 @@ double PhaseGain(int design_factor, double trim, int dsd_rate, int pcm_rate) {
   return gain;
 }
 
-/// Blocks of the fallback: whole bytes, and long enough that none is without an output sample, since
-/// an empty block would end the stream.
+/// Blocks of the fallback: whole bytes, and long enough that none is without an output sample,
+/// since an empty block would end the stream.
 void SizeFallbackBlocks(RatePlan& plan, int dsd_rate, int pcm_rate) {
   const int ratio = dsd_rate / pcm_rate;
   plan.block_samples = (std::max(kBlockSamples, 2 * ratio) + 7) / 8 * 8;
@@ -89,9 +89,9 @@ RatePlan PlanRates(int dsd_rate, int pcm_rate) {
     return plan;
   }
 
-  // A cross-family pair without a plan: designed for `ratio` phases but run at the DSD rate, with no
-  // level correction and a delay counted as if nothing were decimated. Kept, since hosts that use
-  // such pairs have come to terms with what comes out.
+  // A cross-family pair without a plan: designed for `ratio` phases but run at the DSD rate, with
+  // no level correction and a delay counted as if nothing were decimated. Kept, since hosts that
+  // use such pairs have come to terms with what comes out.
   plan.interpolation = 1;
   plan.decimation = 1;
   plan.polyphase = false;

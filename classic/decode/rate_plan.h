@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// What a pair of rates asks of a DSD to PCM job: factors, block sizes, filter design, level. Numbers
-// only; the job builds from them.
+// What a pair of rates asks of a DSD to PCM job: factors, block sizes, filter design, level.
+// Numbers only; the job builds from them.
 
 #ifndef CORVIN_CLASSIC_DECODE_RATE_PLAN_H_
 #define CORVIN_CLASSIC_DECODE_RATE_PLAN_H_

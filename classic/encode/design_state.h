@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The process-wide design of PCM to DSD jobs. A job holds EncodeDesignLock() while it plans, designs
-// and builds its stages, each of which takes what it needs then; nothing reads it later. The
-// modulators' states belong to the jobs.
+// The process-wide design of PCM to DSD jobs. A job holds EncodeDesignLock() while it plans,
+// designs and builds its stages, each of which takes what it needs then; nothing reads it later.
+// The modulators' states belong to the jobs.
 
 #ifndef CORVIN_CLASSIC_ENCODE_DESIGN_STATE_H_
 #define CORVIN_CLASSIC_ENCODE_DESIGN_STATE_H_

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Writers of DSD bytes. After a failed write the rest is taken and dropped, so that the other stages
-// come to their end.
+// Writers of DSD bytes. After a failed write the rest is taken and dropped, so that the other
+// stages come to their end.
 
 #include "classic/encode/dsd_writer.h"
 

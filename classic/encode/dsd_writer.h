@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Last stage of PCM to DSD: takes the blocks that all modulators fill together, one byte per channel
-// in turn, drops the filter's delay, stops at the exact length and writes the sound data. Headers are
-// the entry point's.
+// Last stage of PCM to DSD: takes the blocks that all modulators fill together, one byte per
+// channel in turn, drops the filter's delay, stops at the exact length and writes the sound data.
+// Headers are the entry point's.
 
 #ifndef CORVIN_CLASSIC_ENCODE_DSD_WRITER_H_
 #define CORVIN_CLASSIC_ENCODE_DSD_WRITER_H_
@@ -91,8 +91,8 @@ class CORVIN_API CDiskWriter : public CWriter {
 class CORVIN_API CBlockWriter : public CWriter {
  public:
   /// @param blockSize  bytes of a channel in a block
-  /// @param outBuffer  destination in memory, or null: one region of totalBytes / channels bytes per
-  ///                   channel, which gets the valid bytes alone
+  /// @param outBuffer  destination in memory, or null: one region of totalBytes / channels bytes
+  ///                   per channel, which gets the valid bytes alone
   CBlockWriter(std::FILE* out, int blockBytes, int nb, int channels, int blockSize, int skipBytes,
                unsigned long long totalBytes, char* outBuffer);
   ~CBlockWriter() override;

@@ -13,8 +13,8 @@
 #include "classic/foundation/block_ring.h"
 #include "corvin.h"
 
-/// Coefficients of an error-feedback modulator: the state's weights in the signal (A) and in the new
-/// state (B). The last ones are 0.
+/// Coefficients of an error-feedback modulator: the state's weights in the signal (A) and in the
+/// new state (B). The last ones are 0.
 struct ModulatorCoefficients {
   double a[8];
   double b[8];

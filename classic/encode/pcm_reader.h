@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// First stage of PCM to DSD: a thread that fills blocks with bare interleaved PCM from a callback or
-// from memory, then adds the zeros that flush the filter. It does not interpret the bytes.
+// First stage of PCM to DSD: a thread that fills blocks with bare interleaved PCM from a callback
+// or from memory, then adds the zeros that flush the filter. It does not interpret the bytes.
 
 #ifndef CORVIN_CLASSIC_ENCODE_PCM_READER_H_
 #define CORVIN_CLASSIC_ENCODE_PCM_READER_H_

@@ -80,8 +80,8 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
          7) /
         8;
     const int skip = equal_rates ? 0 : HalfLength(taps, plan_.decimation, 0.125f);
-    // Half the filter's length in zeros flushes it; a rate that the plan meets only roughly needs more
-    // for the whole length to come out.
+    // Half the filter's length in zeros flushes it; a rate that the plan meets only roughly needs
+    // more for the whole length to come out.
     const auto needed = static_cast<long long>(
         std::ceil(static_cast<double>(bytes_per_channel + static_cast<unsigned>(skip)) * 8.0 *
                   plan_.decimation / plan_.interpolation));

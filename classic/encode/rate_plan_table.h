@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The pairs of rates that cross between the 44.1 kHz and the 48 kHz family and have a plan. 96000 to
-// 5644800 works in blocks of 320 frames where its neighbours take 80 and 160.
+// The pairs of rates that cross between the 44.1 kHz and the 48 kHz family and have a plan. 96000
+// to 5644800 works in blocks of 320 frames where its neighbours take 80 and 160.
 
 #ifndef CORVIN_CLASSIC_ENCODE_RATE_PLAN_TABLE_H_
 #define CORVIN_CLASSIC_ENCODE_RATE_PLAN_TABLE_H_

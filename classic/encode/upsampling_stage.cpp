@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Dispatcher and workers. The dispatcher claims the modulator's places in order and the workers fill
-// them in any order.
+// Dispatcher and workers. The dispatcher claims the modulator's places in order and the workers
+// fill them in any order.
 
 #include "classic/encode/upsampling_stage.h"
 

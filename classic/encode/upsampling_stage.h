@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The up-sampling stage: a thread per channel decodes PCM to floats, and a pool of workers filters it
-// to the modulator's rate, block by block into the modulator's ring.
+// The up-sampling stage: a thread per channel decodes PCM to floats, and a pool of workers filters
+// it to the modulator's rate, block by block into the modulator's ring.
 
 #ifndef CORVIN_CLASSIC_ENCODE_UPSAMPLING_STAGE_H_
 #define CORVIN_CLASSIC_ENCODE_UPSAMPLING_STAGE_H_
@@ -27,8 +27,8 @@ class CORVIN_API CLpf : public FilterWorker {
  public:
   ~CLpf() override;
 
-  /// Hands over `bytes` bytes of history and new samples, to be filtered into `dest`; 0 bytes end the
-  /// stream. Waits until the mailbox is free.
+  /// Hands over `bytes` bytes of history and new samples, to be filtered into `dest`; 0 bytes end
+  /// the stream. Waits until the mailbox is free.
   void Post(int seq, const float* data, int bytes, CBuffer* dest);
   /// As Post(), the name that other hosts know.
   void Post2(int seq, const float* data, int bytes, CBuffer* dest);

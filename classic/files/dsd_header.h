@@ -24,8 +24,8 @@ struct DsdHeader {
 /// Bytes of sound per channel.
 std::uint64_t SoundBytes(const DsdHeader& header);
 
-/// Writes the header at the stream's position, the start of the file. False when a field could not be
-/// written, after a message on the standard error stream for each.
+/// Writes the header at the stream's position, the start of the file. False when a field could not
+/// be written, after a message on the standard error stream for each.
 bool WriteDsdHeader(std::FILE* file, ContainerKind kind, const DsdHeader& header);
 
 /// Writes the size of a DSF file, and the offset of its tag unless that is 0, into the header.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Finds the sound data of a DSD file for the conversion. The file query walks the same containers by
-// rules of its own: it measures, this one plays.
+// Finds the sound data of a DSD file for the conversion. The file query walks the same containers
+// by rules of its own: it measures, this one plays.
 
 #ifndef CORVIN_CLASSIC_FILES_SOUND_SEARCH_H_
 #define CORVIN_CLASSIC_FILES_SOUND_SEARCH_H_

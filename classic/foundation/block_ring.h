@@ -100,8 +100,8 @@ class BlockRing {
   Block* blocks = nullptr;
 };
 
-/// The number after `seq` in a stream of any length: it turns over at a multiple of the ring's depth,
-/// so that places stay in turn.
+/// The number after `seq` in a stream of any length: it turns over at a multiple of the ring's
+/// depth, so that places stay in turn.
 inline int NextSequence(int seq, int ring_depth) {
   constexpr int kTurn = 1 << 30;
   return seq == kTurn / ring_depth * ring_depth - 1 ? 0 : seq + 1;

@@ -27,8 +27,8 @@ class CORVIN_API CCallbackInfoDec {
   /// Delivers at most `size` bytes; 0 at the end, after a read error and after a cancel.
   int Read(void* buffer, int size);
 
-  /// Reports the whole percentage when it has changed. False once the conversion is cancelled or the
-  /// source has ended: there is nothing left to poll for.
+  /// Reports the whole percentage when it has changed. False once the conversion is cancelled or
+  /// the source has ended: there is nothing left to poll for.
   bool Progress();
 
   std::FILE* stream;
@@ -54,8 +54,8 @@ class CORVIN_API CCallbackInfoBlock : public CCallbackInfoDec {
                      int channel_count);
   ~CCallbackInfoBlock();
 
-  /// As above; `size` is a whole number of frames of one byte per channel. A group of blocks that the
-  /// file cuts short is silence beyond the cut.
+  /// As above; `size` is a whole number of frames of one byte per channel. A group of blocks that
+  /// the file cuts short is silence beyond the cut.
   int Read(void* buffer, int size);
   bool Progress();
 

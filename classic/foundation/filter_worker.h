@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// What the pools of filter workers of all stages share: a worker with a mailbox for one job, and the
-// queue of the idle ones. Workers finish in any order; the places that they fill were claimed in
-// order before the jobs were posted.
+// What the pools of filter workers of all stages share: a worker with a mailbox for one job, and
+// the queue of the idle ones. Workers finish in any order; the places that they fill were claimed
+// in order before the jobs were posted.
 
 #ifndef CORVIN_CLASSIC_FOUNDATION_FILTER_WORKER_H_
 #define CORVIN_CLASSIC_FOUNDATION_FILTER_WORKER_H_
@@ -51,8 +51,8 @@ class FilterWorker {
   /// Finishes a job that was posted, wakes the worker and joins it.
   void StopWorker();
 
-  /// Filters the `bytes` bytes of a job, which start on a 32-byte boundary, into out.data and returns
-  /// the number of bytes there.
+  /// Filters the `bytes` bytes of a job, which start on a 32-byte boundary, into out.data and
+  /// returns the number of bytes there.
   virtual int Filter(const char* in, int bytes, CBufferDec& out) = 0;
   /// Returns the worker to its stage's idle queue.
   virtual void BecomeIdle() = 0;

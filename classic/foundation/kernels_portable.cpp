@@ -7,8 +7,8 @@
 
 namespace {
 
-/// The leading n mod 4 products one at a time, then groups of four in an association that is part of
-/// the result.
+/// The leading n mod 4 products one at a time, then groups of four in an association that is part
+/// of the result.
 float Dot(const float* a, const float* b, int n) {
   float acc = 0.0f;
   int i = 0;

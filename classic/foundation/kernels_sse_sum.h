@@ -9,8 +9,8 @@
 
 #include <emmintrin.h>
 
-/// Lane i is the sum of row[k] * taps[k] over k = i mod 4, k < n taken up to a multiple of 4. `row` is
-/// on a 16-byte boundary. Four chains of additions, since one would wait on its own latency.
+/// Lane i is the sum of row[k] * taps[k] over k = i mod 4, k < n taken up to a multiple of 4. `row`
+/// is on a 16-byte boundary. Four chains of additions, since one would wait on its own latency.
 inline __m128 SumProducts(const float* row, const float* taps, int n) {
   const auto product = [row, taps](int k) {
     return _mm_mul_ps(_mm_loadu_ps(taps + k), _mm_load_ps(row + k));

@@ -17,8 +17,8 @@ constexpr double kPi = std::numbers::pi;
 constexpr double kEncoderAttenuation = 90.0;
 constexpr int kEncoderMaxTaps = 3072;
 
-/// Modified Bessel function of order 0 of 2 * half. The factorials are 32-bit products, wrapped from
-/// 13! on: the levels of both directions are tuned to the window that this gives.
+/// Modified Bessel function of order 0 of 2 * half. The factorials are 32-bit products, wrapped
+/// from 13! on: the levels of both directions are tuned to the window that this gives.
 double BesselI0(double half) {
   double sum = 1.0;
   std::uint32_t factorial = 1;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Polyphase filtering by L / M, the same in both directions: the coefficient sets of a prototype and
-// the schedule that says which set makes which output sample.
+// Polyphase filtering by L / M, the same in both directions: the coefficient sets of a prototype
+// and the schedule that says which set makes which output sample.
 
 #ifndef CORVIN_CLASSIC_FOUNDATION_POLYPHASE_H_
 #define CORVIN_CLASSIC_FOUNDATION_POLYPHASE_H_
@@ -29,9 +29,9 @@ class PolyphaseSets {
   std::vector<float*> rows_;
 };
 
-/// One entry per output sample of `inputs` input samples up-sampled by l and decimated by m: those at
-/// positions l * i + p divisible by m. Phases between an input sample and the next are computed from
-/// the window that ends at the next one.
+/// One entry per output sample of `inputs` input samples up-sampled by l and decimated by m: those
+/// at positions l * i + p divisible by m. Phases between an input sample and the next are computed
+/// from the window that ends at the next one.
 std::vector<DOT8Dec_DATA> MakePhaseSchedule(int l, int m, int inputs);
 
 #endif  // CORVIN_CLASSIC_FOUNDATION_POLYPHASE_H_

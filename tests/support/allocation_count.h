@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Counts a program's allocations and fails them from a number on. Included by one source file of it: it replaces the operators.
+// Counts a program's allocations and fails them from a number on. Included by one source file of
+// it: it replaces the operators.
 
 #ifndef CORVIN_TESTS_SUPPORT_ALLOCATION_COUNT_H_
 #define CORVIN_TESTS_SUPPORT_ALLOCATION_COUNT_H_

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// What a bit stream says below 20 kHz: a long brick-wall filter in double precision, and the sine in
-// its output.
+// What a bit stream says below 20 kHz: a long brick-wall filter in double precision, and the sine
+// in its output.
 
 #ifndef CORVIN_TESTS_SUPPORT_DSD_ANALYSIS_H_
 #define CORVIN_TESTS_SUPPORT_DSD_ANALYSIS_H_
@@ -17,9 +17,9 @@
 
 namespace corvin::testing {
 
-/// Low-passes at 20 kHz with a Blackman-windowed sinc whose stop band begins at 24 kHz, and keeps one
-/// sample in `step`. Sample n belongs to the time of bit n * step; a margin at both ends is left out,
-/// `first` samples at the start.
+/// Low-passes at 20 kHz with a Blackman-windowed sinc whose stop band begins at 24 kHz, and keeps
+/// one sample in `step`. Sample n belongs to the time of bit n * step; a margin at both ends is
+/// left out, `first` samples at the start.
 struct BandLimited {
   std::vector<double> samples;
   std::size_t first = 0;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Dispatcher and workers of the fallback path. Positions are 64-bit sample numbers from the start of
-// the stream; they agree with the output stage's on which samples a block holds.
+// Dispatcher and workers of the fallback path. Positions are 64-bit sample numbers from the start
+// of the stream; they agree with the output stage's on which samples a block holds.
 
-#include "classic/decode/integer_stage.h"
+#include "classic/decode/fallback_stage.h"
 
 #include <cstring>
 

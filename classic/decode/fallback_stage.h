@@ -4,15 +4,15 @@
 // The filter stage of pairs of rates without a plan: turns a channel's bits into floats and has a
 // pool of workers run the prototype filter at the input positions that the PCM grid keeps.
 
-#ifndef CORVIN_CLASSIC_DECODE_INTEGER_STAGE_H_
-#define CORVIN_CLASSIC_DECODE_INTEGER_STAGE_H_
+#ifndef CORVIN_CLASSIC_DECODE_FALLBACK_STAGE_H_
+#define CORVIN_CLASSIC_DECODE_FALLBACK_STAGE_H_
 
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "classic/decode/dsd_reader.h"
-#include "classic/decode/integer_output.h"
+#include "classic/decode/fallback_output.h"
 #include "classic/foundation/aligned_storage.h"
 #include "classic/foundation/block_ring.h"
 #include "classic/foundation/filter_worker.h"
@@ -105,4 +105,4 @@ class CORVIN_API CFormatChangeDec {
   std::thread thread_;
 };
 
-#endif  // CORVIN_CLASSIC_DECODE_INTEGER_STAGE_H_
+#endif  // CORVIN_CLASSIC_DECODE_FALLBACK_STAGE_H_

@@ -3,7 +3,7 @@
 //
 // Picking and quantising behind the fallback filter.
 
-#include "classic/decode/integer_output.h"
+#include "classic/decode/fallback_output.h"
 
 #include "classic/decode/quantise.h"
 

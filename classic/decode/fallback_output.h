@@ -4,8 +4,8 @@
 // The output stage behind the fallback filter: picks the samples that fall on the PCM grid and
 // quantises them into the writer's interleaved blocks. Output is at most stereo.
 
-#ifndef CORVIN_CLASSIC_DECODE_INTEGER_OUTPUT_H_
-#define CORVIN_CLASSIC_DECODE_INTEGER_OUTPUT_H_
+#ifndef CORVIN_CLASSIC_DECODE_FALLBACK_OUTPUT_H_
+#define CORVIN_CLASSIC_DECODE_FALLBACK_OUTPUT_H_
 
 #include <thread>
 
@@ -46,4 +46,4 @@ class CORVIN_API CDecimationDec {
   std::thread thread_;
 };
 
-#endif  // CORVIN_CLASSIC_DECODE_INTEGER_OUTPUT_H_
+#endif  // CORVIN_CLASSIC_DECODE_FALLBACK_OUTPUT_H_
