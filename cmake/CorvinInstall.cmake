@@ -1,15 +1,15 @@
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 The Corvin developers
 #
-# What `cmake --install` lays down: the library, its header, a CMake package and a pkg-config file.
+# What `cmake --install` lays down: the library, its headers, a CMake package and a pkg-config file.
 
 include(CMakePackageConfigHelpers)
 
 install(TARGETS corvin EXPORT CorvinTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(FILES include/corvin.h include/corvin_studio.h include/corvin_studio_files.h include/corvin.hpp
-  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Corvin")
 install(EXPORT CorvinTargets NAMESPACE Corvin:: DESTINATION "${package_dir}")

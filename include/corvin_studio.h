@@ -2,8 +2,8 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin_studio.h
- *  The studio engine for C99 and C++: streaming conversion of DSD to PCM and of PCM to DSD, and with
- *  corvin_studio_files.h DSD files and whole conversions. corvin.h includes it.
+ *  The studio engine for C99 and C++: streaming conversion of DSD to PCM and of PCM to DSD. What it
+ *  does with files stands in corvin_studio_files.h.
  *
  *  Conventions, beyond those of corvin.h
  *  - Handles are opaque and independent; each is used by one thread at a time. Nothing is global.
@@ -21,9 +21,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#ifndef CORVIN_API
-#define CORVIN_API __attribute__((visibility("default")))
-#endif
+#include "corvin_api.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -147,8 +145,8 @@ CORVIN_API int corvin_decoder_push_planar(corvin_decoder* decoder, const uint8_t
 
 /** Ends the input: the rest of the output can now be pulled. What comes before the first and after
  *  the last sample counts as silence, the byte 0x69 over and over: a tone at an eighth of the DSD
- *  rate, which only 768 kHz PCM from 2.8224 MHz DSD has in its band. An incomplete last block counts as far as all its channels
- *  reach. Calling it again does nothing.
+ *  rate, which only 768 kHz PCM from 2.8224 MHz DSD has in its band. An incomplete last block
+ *  counts as far as all its channels reach. Calling it again does nothing.
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */
 CORVIN_API int corvin_decoder_finish(corvin_decoder* decoder);
@@ -183,8 +181,8 @@ CORVIN_API uint64_t corvin_decoder_latency(const corvin_decoder* decoder);
  *  dsd_rate, rounded down; 0 for NULL. Since 0.1. */
 CORVIN_API uint64_t corvin_decoder_frames(const corvin_decoder* decoder, uint64_t samples);
 
-/** Reports on the frames pulled since create or reset. Peak and clips run ahead of the frames by the
- *  rest of a piece at most, and are those of all frames once all are pulled.
+/** Reports on the frames pulled since create or reset. Peak and clips run ahead of the frames by
+ *  the rest of a piece at most, and are those of all frames once all are pulled.
  *  @param report  its `size` set; fields beyond that are left untouched
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */
@@ -217,32 +215,31 @@ typedef struct corvin_encoder_settings {
   uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
                              corvin_encoder_pull(): 1 for byte-interleaved, 4096 for DSF; up to
                              1048576. Default 1 */
-  uint32_t threads; /**< worker threads, 0..64; 0: all work on the caller's. One modulates a pair
-                             of channels, with the best modulator a single one, and others
+  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. One modulates a
+                             pair of channels, with the best modulator a single one, and others
                              up-sample for them; more are not started. Default 0 */
-  uint32_t low_latency; /**< not 0: modulate each piece at once instead of gathering several to fill
-                             the processor's vectors; up to eight times the up-sampling's work.
-                             Default 0 */
+  uint32_t low_latency; /**< not 0: modulate each piece at once instead of gathering several to
+                             fill the processor's vectors; up to eight times the up-sampling's
+                             work. Default 0 */
   uint32_t kernel_mask; /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
                              0 the plain ones only. Changes the speed alone. Default all bits */
   uint64_t length;      /**< frames to convert; what follows is taken and dropped. 0: all that is
                              pushed. Default 0 */
-  double gain_db; /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up to
-                             3 dB above that, what is louder meets a limiter. Default 0 */
+  double gain_db;       /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up
+                             to 3 dB above that, what is louder meets a limiter. Default 0 */
   uint64_t reserved[8]; /**< 0 */
 } corvin_encoder_settings;
 
 /** What came out so far, to the end of the piece of the stream that the last pull ended in. */
 typedef struct corvin_encoder_report {
-  size_t size; /**< sizeof(corvin_encoder_report), set by the caller */
-  uint64_t
-      samples; /**< one-bit samples of each channel pulled, without those that fill up a block */
-  uint64_t
-      limited; /**< inputs of the modulators, at an eighth of the DSD rate, beyond the limiter's
-                          knee; of all channels */
+  size_t size;        /**< sizeof(corvin_encoder_report), set by the caller */
+  uint64_t samples;   /**< one-bit samples of each channel pulled, without those that fill up a
+                           block */
+  uint64_t limited;   /**< inputs of the modulators, at an eighth of the DSD rate, beyond the
+                           limiter's knee; of all channels */
   uint64_t overloads; /**< times that a modulator lost lock and was caught; of all channels */
   double peak;        /**< largest absolute input of a modulator, after the gain and before the
-                          limiter; 1.0 = full scale */
+                           limiter; 1.0 = full scale */
 } corvin_encoder_report;
 
 /** Converts one PCM stream to DSD. The band that it passes is flat to 95 % of half the lower one of
@@ -264,9 +261,9 @@ CORVIN_API int corvin_encoder_create(const corvin_encoder_settings* settings,
 CORVIN_API void corvin_encoder_destroy(corvin_encoder* encoder);
 
 /** Feeds frames, interleaved.
- *  @param data    frames to take, may be NULL when `frames` is 0. Floating-point samples beyond full
- *                 scale pass as they are up to 24 dB after the gain, louder ones count as that; what
- *                 is no number counts as 0
+ *  @param data    frames to take, may be NULL when `frames` is 0. Floating-point samples beyond
+ *                 full scale pass as they are up to 24 dB after the gain, louder ones count as
+ *                 that; what is no number counts as 0
  *  @param frames  their number
  *  @param taken   receives how many were taken. Fewer than `frames` when the encoder is full: pull,
  *                 then push the rest
@@ -289,12 +286,12 @@ CORVIN_API int corvin_encoder_push_planar(corvin_encoder* encoder, const void* c
  *  Since 0.1. */
 CORVIN_API int corvin_encoder_finish(corvin_encoder* encoder);
 
-/** Takes finished DSD bytes of all channels in the layout that `block_bytes` says, from any point to
- *  any point of it.
+/** Takes finished DSD bytes of all channels in the layout that `block_bytes` says, from any point
+ *  to any point of it.
  *  @param out    room for `bytes` bytes
  *  @param bytes  the most to take
- *  @param done   receives the number taken. 0 after finish means the end of the stream; before that,
- *                more input is needed
+ *  @param done   receives the number taken. 0 after finish means the end of the stream; before
+ *                that, more input is needed
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Real time: without worker threads it never allocates, locks or blocks. With them it waits only
  *  when nothing is ready and the encoder can take no more input. Since 0.1. */
@@ -304,8 +301,8 @@ CORVIN_API int corvin_encoder_pull(corvin_encoder* encoder, void* out, size_t by
  *  @param out    out[channels]
  *  @param bytes  the most to take of each channel
  *  @param done   receives the bytes taken of each channel
- *  @return  as corvin_encoder_pull(); CORVIN_E_STATE also when that one has begun a block or a frame
- *           of bytes and not ended it
+ *  @return  as corvin_encoder_pull(); CORVIN_E_STATE also when that one has begun a block or a
+ *           frame of bytes and not ended it
  *  Since 0.1. */
 CORVIN_API int corvin_encoder_pull_planar(corvin_encoder* encoder, uint8_t* const* out,
                                           size_t bytes, size_t* done);
@@ -316,13 +313,13 @@ CORVIN_API int corvin_encoder_pull_planar(corvin_encoder* encoder, uint8_t* cons
  *  Since 0.1. */
 CORVIN_API int corvin_encoder_reset(corvin_encoder* encoder);
 
-/** Returns the most one-bit samples by which what can be pulled lags behind what was pushed, without
- *  worker threads; 0 for NULL. The samples themselves are not delayed: frame m is centred on the
- *  sample m x dsd_rate / pcm_rate. Since 0.1. */
+/** Returns the most one-bit samples by which what can be pulled lags behind what was pushed,
+ *  without worker threads; 0 for NULL. The samples themselves are not delayed: frame m is centred
+ *  on the sample m x dsd_rate / pcm_rate. Since 0.1. */
 CORVIN_API uint64_t corvin_encoder_latency(const corvin_encoder* encoder);
 
-/** Returns the one-bit samples per channel that a stream of `frames` frames makes: dsd_rate x frames
- *  / pcm_rate, rounded up; 0 for NULL. Since 0.1. */
+/** Returns the one-bit samples per channel that a stream of `frames` frames makes: dsd_rate x
+ *  frames / pcm_rate, rounded up; 0 for NULL. Since 0.1. */
 CORVIN_API uint64_t corvin_encoder_samples(const corvin_encoder* encoder, uint64_t frames);
 
 /** Reports on what was pulled since create or reset.
@@ -341,7 +338,5 @@ CORVIN_API int corvin_encoder_describe(const corvin_encoder* encoder, char* text
 #ifdef __cplusplus
 }
 #endif
-
-#include "corvin_studio_files.h"
 
 #endif /* CORVIN_STUDIO_H_ */

@@ -2,8 +2,8 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin_studio_files.h
- *  The studio engine's files and whole conversions. corvin_studio.h includes it, and holds for it:
- *  handles, settings that begin with their size, status codes.
+ *  The studio engine's files and whole conversions. Handles, settings that begin with their size
+ *  and status codes are as in corvin_studio.h.
  *
  *  - DSD bytes of a channel hold eight samples each. Positions in files count samples per channel;
  *    reading and writing go by whole bytes.
@@ -16,13 +16,16 @@
 #ifndef CORVIN_STUDIO_FILES_H_
 #define CORVIN_STUDIO_FILES_H_
 
+#include <stddef.h>
+#include <stdint.h>
+
+#include "corvin_api.h"
 #include "corvin_studio.h"
+#include "corvin_tags.h"
 
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-struct DSD_TAG; /* corvin.h */
 
 /* ---- Bytes from and to a host ---------------------------------------------------------------- */
 
@@ -31,7 +34,8 @@ struct DSD_TAG; /* corvin.h */
 typedef struct corvin_stream {
   size_t size; /**< sizeof(corvin_stream) */
   void* user;  /**< passed to each call */
-  /** Moves to a byte, for the read or write that follows; returns 0, or another value on failure. */
+  /** Moves to a byte, for the read or write that follows; returns 0, or another value on
+   *  failure. */
   int (*seek)(void* user, uint64_t offset);
   /** Reads up to `bytes` bytes and returns their number, 0 at the end, a negative number on
    *  failure. For reading only. */
@@ -79,8 +83,8 @@ typedef struct corvin_file corvin_file;
 /** Opens a file and reads its headers. A damaged file opens as long as its first bytes tell a
  *  container: see `readable`.
  *  @param file  receives the handle, NULL on failure
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_READ when it cannot be opened or
- *           is not a regular file (errno is 0 then); CORVIN_E_FORMAT when it is no DSD file
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_READ when it cannot be opened
+ *           or is not a regular file (errno is 0 then); CORVIN_E_FORMAT when it is no DSD file
  *  Since 0.1. */
 CORVIN_API int corvin_file_open(const char* path, corvin_file** file);
 
@@ -106,12 +110,12 @@ CORVIN_API const char* corvin_file_warning(const corvin_file* file, uint32_t ind
 CORVIN_API const char* corvin_file_problem(const corvin_file* file);
 
 /** Reads the tags: of DSDIFF files names, comments and ID3v2 blocks within and behind the
- *  properties, of which the blocks win; of DSF files the ID3v2 block. Versions 2.3 and 2.4, comments
- *  in any language.
+ *  properties, of which the blocks win; of DSF files the ID3v2 block. Versions 2.3 and 2.4,
+ *  comments in any language.
  *  @param tag  emptied first; zero it before its first use. DSDTagClear() releases what it holds
  *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
  *  Since 0.1. */
-CORVIN_API int corvin_file_get_tags(corvin_file* file, struct DSD_TAG* tag);
+CORVIN_API int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag);
 
 /** Reads sound, one byte of each channel in turn.
  *  @param to         room for bytes x channels bytes
@@ -174,8 +178,8 @@ CORVIN_API int corvin_writer_create_stream(const corvin_stream* stream,
 /** Appends sound, one byte of each channel in turn.
  *  @param data   bytes x channels bytes
  *  @param bytes  of each channel
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish; CORVIN_E_WRITE, also in every
- *           call after one that failed
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish; CORVIN_E_WRITE, also in
+ *           every call after one that failed
  *  Since 0.1. */
 CORVIN_API int corvin_writer_write(corvin_writer* writer, const void* data, size_t bytes);
 
@@ -184,8 +188,9 @@ CORVIN_API int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* 
                                           size_t bytes);
 
 /** Sets the tags that finish will write, as an ID3v2.3 block; "1bit" files have none.
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish. Since 0.1. */
-CORVIN_API int corvin_writer_set_tags(corvin_writer* writer, const struct DSD_TAG* tag);
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish
+ *  Since 0.1. */
+CORVIN_API int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag);
 
 /** Completes the file.
  *  @param samples  per channel: above 8 x (bytes - 1) and up to 8 x bytes of the bytes written of
@@ -201,8 +206,8 @@ CORVIN_API void corvin_writer_close(corvin_writer* writer);
 
 /* ---- Whole conversions ----------------------------------------------------------------------- */
 
-/** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's settings
- *  do; each conversion looks at those that concern it. */
+/** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's
+ *  settings do; each conversion looks at those that concern it. */
 typedef struct corvin_convert_settings {
   size_t size;          /**< sizeof(corvin_convert_settings), set by ..._defaults() */
   uint32_t pcm_rate;    /**< of PCM to come, Hz. Default 44100 */
@@ -287,8 +292,8 @@ CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settin
 CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
                                      const corvin_pcm_sink* sink, corvin_convert_report* report);
 
-/** Converts PCM to DSD of the writer's rate and finishes the writer. The number of samples is that of
- *  corvin_encoder_samples().
+/** Converts PCM to DSD of the writer's rate and finishes the writer. The number of samples is that
+ *  of corvin_encoder_samples().
  *  @param target    without sound so far
  *  @param settings  NULL: the defaults
  *  @param report    as for corvin_convert_to_pcm()

@@ -1,14 +1,11 @@
 /* SPDX-License-Identifier: MIT
  * Copyright (c) 2026 The Corvin developers
  *
- * corvin.h before anything else and twice, through a plain C99 and a plain C++11 compiler with
- * every warning an error; linked, so that the library exports what the header declares. */
+ * corvin.h through a plain C99 and a plain C++11 compiler with every warning an error; linked, so
+ * that the library exports what the header declares. Beside it every header is compiled before
+ * anything else and twice. */
 
-/* The formatter would take the second one for a mistake. */
-/* clang-format off */
 #include "corvin.h"
-#include "corvin.h"
-/* clang-format on */
 
 /* Comes up when a declaration changes: callers in C are not told by their linkers. */
 static int (*const info)(const char*, DSD_INFO*) = DSDInfo;
