@@ -44,8 +44,21 @@
 #include "corvin_studio_files.h"
 #include "corvin_tags.h"
 
+/** The version of the header; corvin_version() returns that of the library. */
 #define CORVIN_VERSION_MAJOR 0
 #define CORVIN_VERSION_MINOR 1
 #define CORVIN_VERSION_PATCH 0
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Returns the version of the library that is running, "0.1.0": terminated, for good. Threads:
+ *  reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
+CORVIN_API const char* corvin_version(void);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif /* CORVIN_H_ */

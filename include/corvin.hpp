@@ -52,6 +52,9 @@ class Error : public std::runtime_error {
   int system_error_;
 };
 
+/// Of the library that is running.
+inline std::string_view version() { return corvin_version(); }
+
 inline int check(int status) {
   if (status < 0) throw Error(status);
   return status;

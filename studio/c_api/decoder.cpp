@@ -21,35 +21,6 @@ struct corvin_decoder {
 
 extern "C" {
 
-const char* corvin_strerror(int status) {
-  switch (status) {
-    case CORVIN_OK:
-      return "no error";
-    case CORVIN_E_ARGUMENT:
-      return "an argument is missing or out of range";
-    case CORVIN_E_UNSUPPORTED:
-      return "there is no conversion between these rates or edges, or no reader for this sound";
-    case CORVIN_E_MEMORY:
-      return "out of memory";
-    case CORVIN_E_THREAD:
-      return "a thread could not be started";
-    case CORVIN_E_STATE:
-      return "the call is out of order";
-    case CORVIN_E_READ:
-      return "the file cannot be read";
-    case CORVIN_E_WRITE:
-      return "the output cannot be written";
-    case CORVIN_E_FORMAT:
-      return "this is no DSD file that can be read";
-    case CORVIN_E_COMPRESSED:
-      return "sound in DST compression cannot be read";
-    case CORVIN_E_CANCELLED:
-      return "cancelled";
-    default:
-      return "unknown status";
-  }
-}
-
 void corvin_decoder_settings_defaults(corvin_decoder_settings* settings) {
   if (settings == nullptr) return;
   *settings = {};

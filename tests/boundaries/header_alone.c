@@ -7,6 +7,8 @@
 
 #include "corvin.h"
 
+#include <string.h>
+
 /* Comes up when a declaration changes: callers in C are not told by their linkers. */
 static int (*const info)(const char*, DSD_INFO*) = DSDInfo;
 static int (*const to_pcm)(const char*, void*, CorvinProgressCallback, void*, int, int, int, int,
@@ -23,6 +25,7 @@ int main(void) {
   if (info("/no/such/file", &record) != -1) return 1;
   if (read_tags("/no/such/file", &tag) != -1 || tag.pictureCount != 0) return 3;
   if (to_pcm("/no/such/file", stdout, NULL, NULL, 0, 0, 88200, 24, false) != -1) return 2;
+  if (strlen(corvin_version()) < 5) return 6;
   if (CommentLanguage[0] != 'j' || genre_names[genre_alpha_map[0]][0] != 'A') return 4;
   DSDTagClear(&tag);
   dsd2pcm_destroy(dsd2pcm_init());
