@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/each_set.h"
 #include "corvin.hpp"
-#include "studio/kernels/variant.h"
 
 namespace {
 
@@ -78,7 +78,6 @@ double megabytes_used() {
 }
 
 void FileToFile(benchmark::State& state, std::uint32_t mask) {
-  if ((mask & ~detected_features()) != 0) return state.SkipWithError("not on this processor");
   corvin::ConvertSettings settings;
   settings.pcm_rate = static_cast<std::uint32_t>(state.range(0));
   settings.threads = static_cast<std::uint32_t>(state.range(1));
@@ -178,9 +177,8 @@ BENCHMARK(HourOfMemory)
     ->UseRealTime()
     ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(FileToFile, avx512, kCpuSse2 | kCpuAvx2 | kCpuAvx512)->Apply(each);
-BENCHMARK_CAPTURE(FileToFile, avx2, kCpuSse2 | kCpuAvx2)->Apply(each);
-BENCHMARK_CAPTURE(FileToFile, sse2, kCpuSse2)->Apply(each);
+[[maybe_unused]] const std::size_t kFileToFile =
+    corvin::bench::each_vector_set("FileToFile", FileToFile, each);
 
 }  // namespace
 

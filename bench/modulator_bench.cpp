@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/core_clock.h"
-#include "studio/kernels/variant.h"
+#include "bench/each_set.h"
 #include "studio/modulator/modulator.h"
 
 namespace {
@@ -23,10 +23,6 @@ constexpr double kRate = 2822400;  // DSD64: multiples of real time are by this 
 
 // Slices of a stereo stream, such as an encoder hands over. `cycles` is per DSD sample and channel.
 void Modulate(benchmark::State& state, std::uint32_t mask) {
-  if ((mask & ~detected_features()) != 0) {
-    state.SkipWithError("not on this processor");
-    return;
-  }
   ModulatorConfig config;
   config.grade = static_cast<ModulatorGrade>(state.range(0));
   config.oversampling = static_cast<int>(state.range(1));
@@ -69,13 +65,8 @@ void grades(benchmark::internal::Benchmark* bench) {
   bench->UseManualTime()->ArgNames({"grade", "dsd", "wide"})->MinTime(0.05);
 }
 
-constexpr std::uint32_t kUpToAvx2 = kCpuSse2 | kCpuAvx2;
-constexpr std::uint32_t kUpToAvx512 = kUpToAvx2 | kCpuAvx512;
-
-BENCHMARK_CAPTURE(Modulate, avx512, kUpToAvx512)->Apply(grades);
-BENCHMARK_CAPTURE(Modulate, avx2, kUpToAvx2)->Apply(grades);
-BENCHMARK_CAPTURE(Modulate, sse2, kCpuSse2)->Apply(grades);
-BENCHMARK_CAPTURE(Modulate, portable, 0)->Apply(grades);
+[[maybe_unused]] const std::size_t kModulate =
+    corvin::bench::each_set("Modulate", Modulate, grades);
 
 }  // namespace
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "bench/core_clock.h"
+#include "bench/each_set.h"
 #include "corvin.hpp"
 #include "studio/decode/block_filter.h"
 
@@ -35,10 +36,6 @@ void Filter(benchmark::State& state, std::uint32_t mask) {
   config.dsd_rate = static_cast<std::uint32_t>(state.range(0));
   config.pcm_rate = static_cast<std::uint32_t>(state.range(1));
   const Kernels kernels = choose_kernels(mask);
-  if ((mask & ~detected_features()) != 0) {
-    state.SkipWithError("not on this processor");
-    return;
-  }
   config.row_stride_12 = kernels.bit_fir->row_stride_12;
   const DecodePlan plan = *make_decode_plan(config);
   BlockFilter filter(plan, kernels);
@@ -127,22 +124,15 @@ void streams(benchmark::internal::Benchmark* bench) {
   bench->Unit(benchmark::kMillisecond);
 }
 
-constexpr std::uint32_t kUpToAvx2 = kCpuSse2 | kCpuAvx2;
-constexpr std::uint32_t kUpToAvx512 = kUpToAvx2 | kCpuAvx512;
-
-BENCHMARK_CAPTURE(Filter, avx512, kUpToAvx512)->Apply(pairs);
-BENCHMARK_CAPTURE(Filter, avx2, kUpToAvx2)->Apply(pairs);
-BENCHMARK_CAPTURE(Filter, sse2, kCpuSse2)->Apply(pairs);
-BENCHMARK_CAPTURE(Filter, portable, 0)->Apply(pairs);
+[[maybe_unused]] const std::size_t kFilter = corvin::bench::each_set("Filter", Filter, pairs);
 BENCHMARK(Plan)
     ->Args({2822400, 44100, 0})
     ->Args({22579200, 48000, 0})
     ->Args({2822400, 44100, 1})
     ->ArgNames({"dsd", "pcm", "minimum"})
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Stream, avx512, kUpToAvx512)->Apply(streams);
-BENCHMARK_CAPTURE(Stream, avx2, kUpToAvx2)->Apply(streams);
-BENCHMARK_CAPTURE(Stream, sse2, kCpuSse2)->Apply(streams);
+[[maybe_unused]] const std::size_t kStream =
+    corvin::bench::each_vector_set("Stream", Stream, streams);
 
 }  // namespace
 

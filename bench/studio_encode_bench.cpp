@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "bench/core_clock.h"
+#include "bench/each_set.h"
 #include "corvin.hpp"
 #include "studio/encode/encode_chain.h"
 #include "studio/encode/up_sampler.h"
@@ -23,10 +24,6 @@ using namespace corvin::studio;
 // The stages over one batch. `cycles/sample` is the first decile of all batches, per one-bit sample
 // of one channel.
 void UpSample(benchmark::State& state, std::uint32_t mask) {
-  if ((mask & ~detected_features()) != 0) {
-    state.SkipWithError("not on this processor");
-    return;
-  }
   const EncodePlan plan =
       make_encode_chain(static_cast<std::uint32_t>(state.range(0)),
                         static_cast<std::uint32_t>(state.range(1)), ModulatorGrade::kStandard)
@@ -64,10 +61,6 @@ void Chain(benchmark::State& state) {
 
 // Seconds of 24-bit sound at 44.1 kHz, memory to memory in blocks of 4096.
 void Stream(benchmark::State& state, std::uint32_t mask) {
-  if ((mask & ~detected_features()) != 0) {
-    state.SkipWithError("not on this processor");
-    return;
-  }
   corvin::EncoderSettings settings;
   settings.modulator = static_cast<std::uint32_t>(state.range(0));
   settings.dsd_rate = static_cast<std::uint32_t>(state.range(1));
@@ -76,8 +69,7 @@ void Stream(benchmark::State& state, std::uint32_t mask) {
   settings.block_bytes = 4096;
   settings.kernel_mask = mask;
   corvin::Encoder encoder(settings);
-  const std::size_t seconds =
-      mask < kCpuAvx2 || settings.modulator != CORVIN_MODULATOR_STANDARD ? 1 : 5;
+  const std::size_t seconds = settings.modulator != CORVIN_MODULATOR_STANDARD ? 1 : 5;
   const std::size_t total = seconds * settings.pcm_rate;
   std::vector<std::uint8_t> sound(total * settings.channels * 3);
   for (std::size_t i = 0; i < sound.size() / 3; ++i) {
@@ -127,21 +119,14 @@ void streams(benchmark::internal::Benchmark* bench) {
   bench->ArgNames({"modulator", "dsd", "channels", "threads"})->Unit(benchmark::kMillisecond);
 }
 
-constexpr std::uint32_t kUpToAvx2 = kCpuSse2 | kCpuAvx2;
-constexpr std::uint32_t kUpToAvx512 = kUpToAvx2 | kCpuAvx512;
-
-BENCHMARK_CAPTURE(UpSample, avx512, kUpToAvx512)->Apply(pairs);
-BENCHMARK_CAPTURE(UpSample, avx2, kUpToAvx2)->Apply(pairs);
-BENCHMARK_CAPTURE(UpSample, sse2, kCpuSse2)->Apply(pairs);
-BENCHMARK_CAPTURE(UpSample, portable, 0)->Apply(pairs);
+[[maybe_unused]] const std::size_t kUpSample = corvin::bench::each_set("UpSample", UpSample, pairs);
 BENCHMARK(Chain)
     ->Args({44100, 2822400})
     ->Args({48000, 22579200})
     ->ArgNames({"pcm", "dsd"})
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Stream, avx512, kUpToAvx512)->Apply(streams);
-BENCHMARK_CAPTURE(Stream, avx2, kUpToAvx2)->Apply(streams);
-BENCHMARK_CAPTURE(Stream, sse2, kCpuSse2)->Apply(streams);
+[[maybe_unused]] const std::size_t kStream =
+    corvin::bench::each_vector_set("Stream", Stream, streams);
 
 }  // namespace
 

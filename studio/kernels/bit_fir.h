@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 #include "studio/math/aligned_array.h"
 
 namespace corvin::studio {
@@ -39,12 +39,13 @@ using BitFir = void (*)(const BitFirTable& table, const std::uint8_t* const* in,
                         std::size_t columns, std::size_t steps, std::int32_t* out);
 
 struct BitFirVariant {
-  VariantInfo info;
+  InstructionSet set;
   unsigned row_stride_12 = 12;  ///< row stride this build reads fastest with 12 lanes
   BitFir run = nullptr;
 };
 
-const BitFirVariant& choose_bit_fir(std::uint32_t features);
+template <>
+std::span<const BitFirVariant* const> builds<BitFirVariant>();
 
 }  // namespace corvin::studio
 

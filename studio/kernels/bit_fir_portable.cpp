@@ -35,7 +35,6 @@ void run(const BitFirTable& table, const std::uint8_t* const* in, std::size_t co
 
 }  // namespace
 
-extern const BitFirVariant bit_fir_portable;
-const BitFirVariant bit_fir_portable = {{"portable", 0, 0}, 12, run};
+extern const BitFirVariant bit_fir_portable = {kPortable, 12, run};
 
 }  // namespace corvin::studio

@@ -23,7 +23,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 
 namespace corvin::studio {
 
@@ -122,11 +122,12 @@ using BlockLoop = std::size_t (*)(const BlockLoopTables& tables, BlockLoopState&
                                   std::uint8_t* const* out);
 
 struct BlockLoopVariant {
-  VariantInfo info;
+  InstructionSet set;
   BlockLoop run = nullptr;
 };
 
-const BlockLoopVariant& choose_block_loop(std::uint32_t features);
+template <>
+std::span<const BlockLoopVariant* const> builds<BlockLoopVariant>();
 
 }  // namespace corvin::studio
 

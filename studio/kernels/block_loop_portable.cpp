@@ -122,7 +122,6 @@ std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const doub
 
 }  // namespace
 
-extern const BlockLoopVariant block_loop_portable;
-const BlockLoopVariant block_loop_portable = {{"portable", 0, 0}, run};
+extern const BlockLoopVariant block_loop_portable = {kPortable, run};
 
 }  // namespace corvin::studio

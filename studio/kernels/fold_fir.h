@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 
 namespace corvin::studio {
 
@@ -26,11 +26,12 @@ using FoldFir = void (*)(const std::int32_t* rows, std::size_t columns, const do
                          std::size_t taps, std::size_t decimation, double* out, std::size_t count);
 
 struct FoldFirVariant {
-  VariantInfo info;
+  InstructionSet set;
   FoldFir run = nullptr;
 };
 
-const FoldFirVariant& choose_fold_fir(std::uint32_t features);
+template <>
+std::span<const FoldFirVariant* const> builds<FoldFirVariant>();
 
 }  // namespace corvin::studio
 

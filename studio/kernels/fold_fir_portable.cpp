@@ -25,7 +25,6 @@ void run(const std::int32_t* rows, std::size_t columns, const double* half, std:
 
 }  // namespace
 
-extern const FoldFirVariant fold_fir_portable;
-const FoldFirVariant fold_fir_portable = {{"portable", 0, 0}, run};
+extern const FoldFirVariant fold_fir_portable = {kPortable, run};
 
 }  // namespace corvin::studio

@@ -13,7 +13,7 @@
 
 #include <cstddef>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 
 namespace corvin::studio {
 
@@ -28,11 +28,12 @@ using Interpolate = void (*)(const double* rows, std::size_t columns, const doub
                              double* const* out);
 
 struct InterpolateVariant {
-  VariantInfo info;
+  InstructionSet set;
   Interpolate run = nullptr;
 };
 
-const InterpolateVariant& choose_interpolate(std::uint32_t features);
+template <>
+std::span<const InterpolateVariant* const> builds<InterpolateVariant>();
 
 }  // namespace corvin::studio
 

@@ -26,7 +26,6 @@ void run(const double* rows, std::size_t columns, const double* taps, std::size_
 
 }  // namespace
 
-extern const InterpolateVariant interpolate_portable;
-const InterpolateVariant interpolate_portable = {{"portable", 0, 0}, run};
+extern const InterpolateVariant interpolate_portable = {kPortable, run};
 
 }  // namespace corvin::studio

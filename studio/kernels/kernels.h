@@ -22,11 +22,11 @@ struct Kernels {
   const InterpolateVariant* interpolate;
 };
 
-/// The best builds among those whose needs lie in what the processor has and `mask` allows.
+/// The best builds among those that the processor runs and `mask` allows.
 inline Kernels choose_kernels(std::uint32_t mask) {
-  const std::uint32_t features = detected_features() & mask;
-  return {&choose_bit_fir(features), &choose_fold_fir(features), &choose_spectral(features),
-          &choose_quantise(features), &choose_interpolate(features)};
+  return {&best_build<BitFirVariant>(mask), &best_build<FoldFirVariant>(mask),
+          &best_build<SpectralVariant>(mask), &best_build<QuantiseVariant>(mask),
+          &best_build<InterpolateVariant>(mask)};
 }
 
 }  // namespace corvin::studio

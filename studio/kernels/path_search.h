@@ -19,7 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 
 namespace corvin::studio {
 
@@ -63,11 +63,12 @@ using PathSearch = void (*)(const PathSearchShape& shape, PathSearchState* state
                             std::uint8_t* const* out);
 
 struct PathSearchVariant {
-  VariantInfo info;
+  InstructionSet set;
   PathSearch run = nullptr;
 };
 
-const PathSearchVariant& choose_path_search(std::uint32_t features);
+template <>
+std::span<const PathSearchVariant* const> builds<PathSearchVariant>();
 
 /// The state before a stream whose first value is in[lane group][0].
 inline PathSearchState path_search_start(unsigned paths, const std::int32_t* const* in) {

@@ -137,7 +137,6 @@ inline Ints largest(const Ints& v) {
 
 }  // namespace
 
-extern const PathSearchVariant path_search_portable;
-const PathSearchVariant path_search_portable = {{"portable", 0, 0}, run};
+extern const PathSearchVariant path_search_portable = {kPortable, run};
 
 }  // namespace corvin::studio

@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 
 namespace corvin::studio {
 
@@ -40,11 +40,12 @@ using Quantise = void (*)(const double* in, std::size_t count, const QuantiseSca
                           QuantiseTally& tally);
 
 struct QuantiseVariant {
-  VariantInfo info;
+  InstructionSet set;
   Quantise run = nullptr;
 };
 
-const QuantiseVariant& choose_quantise(std::uint32_t features);
+template <>
+std::span<const QuantiseVariant* const> builds<QuantiseVariant>();
 
 /// A bijection of 32-bit words whose outputs for neighbouring inputs look independent.
 constexpr std::uint32_t mix32(std::uint32_t h) {

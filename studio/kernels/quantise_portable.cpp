@@ -28,7 +28,6 @@ void run(const double* in, std::size_t count, const QuantiseScale& scale, std::u
 
 }  // namespace
 
-extern const QuantiseVariant quantise_portable;
-const QuantiseVariant quantise_portable = {{"portable", 0, 0}, run};
+extern const QuantiseVariant quantise_portable = {kPortable, run};
 
 }  // namespace corvin::studio

@@ -16,7 +16,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "studio/kernels/variant.h"
+#include "studio/kernels/builds.h"
 #include "studio/math/fft_plan.h"
 
 namespace corvin::studio {
@@ -48,7 +48,7 @@ using Spectral = void (*)(const SpectralShape& shape, const std::int32_t* input,
                           double* result, double* const* out);
 
 struct SpectralVariant {
-  VariantInfo info;
+  InstructionSet set;
   unsigned lanes = 1;
   /// Decimation in frequency: natural to digit-reversed order.
   Transform to_bins = nullptr;
@@ -58,7 +58,8 @@ struct SpectralVariant {
   Spectral run = nullptr;
 };
 
-const SpectralVariant& choose_spectral(std::uint32_t features);
+template <>
+std::span<const SpectralVariant* const> builds<SpectralVariant>();
 
 /// The plain build, which filter design uses so that designs never depend on the processor.
 extern const SpectralVariant spectral_portable;

@@ -12,7 +12,8 @@ using Vec = double;
 constexpr unsigned kLanes = 1;
 
 inline Vec broadcast(double value) { return value; }
-inline Vec from_int(const std::int32_t* in) { return *in; }
+inline std::int32_t load(const std::int32_t* in) { return *in; }
+inline Vec to_double(std::int32_t in) { return in; }
 inline void store(double* out, Vec value) { *out = value; }
 inline void transpose(Vec (&)[kLanes]) {}
 
@@ -20,6 +21,6 @@ inline void transpose(Vec (&)[kLanes]) {}
 
 }  // namespace
 
-const SpectralVariant spectral_portable = {{"portable", 0, 0}, kLanes, to_bins, from_bins, run};
+const SpectralVariant spectral_portable = {kPortable, kLanes, to_bins, from_bins, run};
 
 }  // namespace corvin::studio

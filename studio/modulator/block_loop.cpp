@@ -29,7 +29,7 @@ class PairLoop final : public ModulatorLoop {
       : channels_(config.channels),
         shaper_(shaper_design(config.grade, config.oversampling)),
         interpolation_(config.wide_band),
-        kernel_(&choose_block_loop(detected_features() & config.kernel_mask)) {
+        kernel_(&best_build<BlockLoopVariant>(config.kernel_mask)) {
     make_block_tables(shaper_, interpolation_, tables_);
   }
 

@@ -37,7 +37,7 @@ class SearchLoop final : public ModulatorLoop {
       : channels_(config.channels),
         interpolation_(config.wide_band),
         shape_(search_shape(shaper_design(config.grade, config.oversampling), paths)),
-        kernel_(&choose_path_search(detected_features() & config.kernel_mask)) {
+        kernel_(&best_build<PathSearchVariant>(config.kernel_mask)) {
     for (int phase = 0; phase < Interpolation::kPhases; ++phase) {
       for (int j = 0; j < interpolation_.taps(); ++j) {
         taps_[j][phase] = interpolation_.tap(phase, j) / kChargeUnit;

@@ -14,20 +14,23 @@
 
 namespace corvin::studio {
 
-/// The feature masks that make each build the chosen one.
-inline constexpr std::uint32_t kMasks[] = {0, kCpuSse2, kCpuSse2 | kCpuAvx2,
-                                           kCpuSse2 | kCpuAvx2 | kCpuAvx512};
+/// For each instruction set that this processor has, the mask that makes its builds the chosen ones.
+inline std::vector<std::uint32_t> kernel_masks() {
+  std::vector<std::uint32_t> masks;
+  for (const InstructionSet& set : instruction_sets()) {
+    if ((set.mask() & ~detected_features()) == 0) {
+      masks.push_back(set.mask());
+    } else {
+      std::printf("[ SKIPPED  ] the processor lacks %s\n", set.name);
+    }
+  }
+  return masks;
+}
 
 /// Kernels of the builds that this processor runs.
 inline std::vector<Kernels> all_builds() {
   std::vector<Kernels> builds;
-  for (std::uint32_t mask : kMasks) {
-    if ((mask & ~detected_features()) == 0) {
-      builds.push_back(choose_kernels(mask));
-    } else {
-      std::printf("[ SKIPPED  ] the processor lacks features of mask %u\n", mask);
-    }
-  }
+  for (std::uint32_t mask : kernel_masks()) builds.push_back(choose_kernels(mask));
   return builds;
 }
 

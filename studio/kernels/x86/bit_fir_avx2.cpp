@@ -5,19 +5,7 @@
 
 #include "studio/kernels/bit_fir.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-
-#include <immintrin.h>
-
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2")
-#endif
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_avx2.inc"
 
 // The vector moved down by kCount lanes, with the next vector's first lanes on top.
 template <unsigned kCount>
@@ -74,29 +62,8 @@ struct Sums12 {
 
 #include "studio/kernels/bit_fir_body.inc"
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_avx2;
-const BitFirVariant bit_fir_avx2 = {{"AVX2", 20, kCpuAvx2}, 12, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_avx2;
-const BitFirVariant bit_fir_avx2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const BitFirVariant bit_fir_avx2 = {kAvx2, 12, run};
+}

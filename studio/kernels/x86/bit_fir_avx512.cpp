@@ -5,24 +5,7 @@
 
 #include "studio/kernels/bit_fir.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-
-#if defined(__GNUC__) && !defined(__clang__)
-// g++ 12 takes its own header's undefined vectors, which masks never let through, for mistakes.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-#include <immintrin.h>
-
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx512f,avx512vl,avx512dq,avx512bw"))), \
-                             apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx512f,avx512vl,avx512dq,avx512bw")
-#endif
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_avx512.inc"
 
 struct Sums8 {
   static constexpr unsigned kStride = 8;
@@ -66,29 +49,8 @@ struct Sums12 {
 
 #include "studio/kernels/bit_fir_body.inc"
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_avx512;
-const BitFirVariant bit_fir_avx512 = {{"AVX-512", 30, kCpuAvx512}, 16, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_avx512;
-const BitFirVariant bit_fir_avx512 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const BitFirVariant bit_fir_avx512 = {kAvx512, 16, run};
+}

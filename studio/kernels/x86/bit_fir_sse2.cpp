@@ -5,19 +5,7 @@
 
 #include "studio/kernels/bit_fir.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-
-#include <immintrin.h>
-
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("sse2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("sse2")
-#endif
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_sse2.inc"
 
 // The vector moved down by kCount lanes, with the next vector's first lanes on top.
 template <unsigned kCount>
@@ -63,29 +51,8 @@ using Sums12 = Sums<3>;
 
 #include "studio/kernels/bit_fir_body.inc"
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_sse2;
-const BitFirVariant bit_fir_sse2 = {{"SSE2", 10, kCpuSse2}, 12, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const BitFirVariant bit_fir_sse2;
-const BitFirVariant bit_fir_sse2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const BitFirVariant bit_fir_sse2 = {kSse2, 12, run};
+}

@@ -5,19 +5,7 @@
 
 #include "studio/kernels/block_loop.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-
-#include <immintrin.h>
-
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2")
-#endif
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_avx2.inc"
 
 constexpr std::size_t kSlice = 32;  // blocks whose inputs are converted at a time
 constexpr std::size_t kSliceSamples = kSlice * kBlockSamples + kBlockMaxTaps + 2;
@@ -298,29 +286,8 @@ std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const doub
                           : loop<6>(tables, state, in, blocks, checked, out);
 }
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const BlockLoopVariant block_loop_avx2;
-const BlockLoopVariant block_loop_avx2 = {{"AVX2", 20, kCpuAvx2}, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const BlockLoopVariant block_loop_avx2;
-const BlockLoopVariant block_loop_avx2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const BlockLoopVariant block_loop_avx2 = {kAvx2, run};
+}

@@ -6,12 +6,7 @@
 
 #include "studio/kernels/block_loop.h"
 
-#if defined(__SSE2__)
-
-#include <emmintrin.h>
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_sse2.inc"
 
 inline __m128i row(const std::int16_t* p) {
   return _mm_load_si128(reinterpret_cast<const __m128i*>(p));
@@ -236,20 +231,8 @@ std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const doub
                           : loop<6>(tables, state, in, blocks, checked, out);
 }
 
-}  // namespace
-
-extern const BlockLoopVariant block_loop_sse2;
-const BlockLoopVariant block_loop_sse2 = {{"SSE2", 10, kCpuSse2}, run};
-
-}  // namespace corvin::studio
-
-#else
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const BlockLoopVariant block_loop_sse2;
-const BlockLoopVariant block_loop_sse2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const BlockLoopVariant block_loop_sse2 = {kSse2, run};
+}

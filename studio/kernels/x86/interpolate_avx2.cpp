@@ -5,47 +5,14 @@
 
 #include "studio/kernels/interpolate.h"
 
-#if defined(__i386__) || defined(__x86_64__)
-
-#include <immintrin.h>
-
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("avx2")
-#endif
-
-namespace corvin::studio {
-namespace {
+#include "studio/kernels/x86/begin_avx2.inc"
 
 #include "studio/kernels/x86/doubles_avx2.inc"
 
 #include "studio/kernels/interpolate_body.inc"
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const InterpolateVariant interpolate_avx2;
-const InterpolateVariant interpolate_avx2 = {{"AVX2", 20, kCpuAvx2}, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const InterpolateVariant interpolate_avx2;
-const InterpolateVariant interpolate_avx2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const InterpolateVariant interpolate_avx2 = {kAvx2, run};
+}

@@ -5,27 +5,10 @@
 
 #include "studio/kernels/quantise.h"
 
-#if defined(__i386__) || defined(__x86_64__)
+#include "studio/kernels/x86/begin_sse2.inc"
 
-#include <immintrin.h>
+#include "studio/kernels/x86/doubles_sse2.inc"
 
-#if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("sse2"))), apply_to = function)
-#else
-#pragma GCC push_options
-#pragma GCC target("sse2")
-#endif
-
-namespace corvin::studio {
-namespace {
-
-using Vec = __m128d;
-using Ints = __m128i;  // one word in each 64-bit half, as _mm_mul_epu32 takes them
-constexpr std::size_t kLanes = 2;
-
-Vec broadcast(double value) { return _mm_set1_pd(value); }
-Vec load(const double* in) { return _mm_loadu_pd(in); }
-void store(double* out, Vec value) { _mm_storeu_pd(out, value); }
 Vec minimum(Vec a, Vec b) { return _mm_min_pd(a, b); }
 Vec maximum(Vec a, Vec b) { return _mm_max_pd(a, b); }
 Vec magnitude(Vec value) { return _mm_andnot_pd(_mm_set1_pd(-0.0), value); }
@@ -40,6 +23,7 @@ unsigned count_outside(Vec value, Vec low, Vec high) {
 void store_rounded(std::int32_t* out, Vec value) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_cvtpd_epi32(value));
 }
+// One word in each 64-bit half, as _mm_mul_epu32 takes them.
 Ints counted(std::uint32_t first) {
   return _mm_setr_epi32(static_cast<int>(first), 0, static_cast<int>(first + 1), 0);
 }
@@ -55,35 +39,13 @@ Ints mixed(Ints h) {
 Vec dither(Ints h) {
   const Ints sum = _mm_add_epi32(_mm_and_si128(h, _mm_set1_epi32(0xffff)), _mm_srli_epi32(h, 16));
   const Ints centred = _mm_sub_epi32(sum, _mm_set1_epi32(65535));
-  return _mm_cvtepi32_pd(_mm_shuffle_epi32(centred, _MM_SHUFFLE(2, 0, 2, 0))) *
-         broadcast(1.0 / 65536);
+  return to_double(_mm_shuffle_epi32(centred, _MM_SHUFFLE(2, 0, 2, 0))) * broadcast(1.0 / 65536);
 }
 
 #include "studio/kernels/quantise_body.inc"
 
-}  // namespace
-}  // namespace corvin::studio
-
-#if defined(__clang__)
-#pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
+#include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-
-extern const QuantiseVariant quantise_sse2;
-const QuantiseVariant quantise_sse2 = {{"SSE2", 10, kCpuSse2}, run};
-
-}  // namespace corvin::studio
-
-#else
-
-namespace corvin::studio {
-
-extern const QuantiseVariant quantise_sse2;
-const QuantiseVariant quantise_sse2 = {};
-
-}  // namespace corvin::studio
-
-#endif
+extern const QuantiseVariant quantise_sse2 = {kSse2, run};
+}

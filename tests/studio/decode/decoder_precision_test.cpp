@@ -122,7 +122,7 @@ TEST(DecoderPrecision, BytesAreTheCommittedOnesFromEveryBuild) {
     settings.phase = test.phase;
     settings.seed = 0x123456789abcdef;
     const Bytes data = Random(13).bytes(300000);
-    for (std::uint32_t mask : kMasks) {
+    for (std::uint32_t mask : kernel_masks()) {
       settings.kernel_mask = mask;
       EXPECT_EQ(checksum(decode(settings, data)), test.checksum)
           << test.dsd << " to " << test.pcm << ", mask " << mask;

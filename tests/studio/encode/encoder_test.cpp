@@ -149,7 +149,7 @@ TEST(Encoder, BytesAreTheCommittedOnesFromEveryBuild) {
     settings.dsd_rate = test.dsd;
     settings.modulator = test.grade;
     settings.format = CORVIN_S16;
-    for (std::uint32_t mask : kMasks) {
+    for (std::uint32_t mask : kernel_masks()) {
       settings.kernel_mask = mask;
       EXPECT_EQ(checksum(encode(settings, sound)), test.checksum)
           << test.pcm << " to " << test.dsd << ", mask " << mask;

@@ -63,7 +63,7 @@ TEST(Interpolate, EveryBuildIsTheDefiningSum) {
             kernels.interpolate->run(rows.data(), columns, taps.data(), phases, depth, count,
                                      places.data());
             EXPECT_EQ(out, expected)
-                << kernels.interpolate->info.name << ' ' << columns << ' ' << phases;
+                << kernels.interpolate->set.name << ' ' << columns << ' ' << phases;
           }
         }
       }
@@ -98,7 +98,7 @@ TEST(UpSampler, ItemsComeOutTheSameInEveryLaneOfEveryBuild) {
       for (std::size_t item = 1; item <= kItems; ++item) EXPECT_EQ(out[item * stride - 1], 99.0);
       if (expected.empty()) expected = out;
       EXPECT_TRUE(out == expected)
-          << kernels.spectral->info.name << ", " << pair.pcm << " to " << pair.dsd;
+          << kernels.spectral->set.name << ", " << pair.pcm << " to " << pair.dsd;
     }
   }
 }

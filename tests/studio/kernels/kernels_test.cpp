@@ -21,21 +21,26 @@
 namespace corvin::studio {
 namespace {
 
-TEST(Kernels, TheMaskedBuildIsTheOneThatRuns) {
-  const char* const names[] = {"portable", "SSE2", "AVX2", "AVX-512"};
-  for (std::size_t i = 0; i < std::size(kMasks); ++i) {
-    if ((kMasks[i] & ~detected_features()) != 0) continue;
-    const Kernels kernels = choose_kernels(kMasks[i]);
-    EXPECT_STREQ(kernels.bit_fir->info.name, names[i]);
-    EXPECT_STREQ(kernels.fold_fir->info.name, names[i]);
-    EXPECT_STREQ(kernels.spectral->info.name, names[i]);
-    EXPECT_STREQ(kernels.quantise->info.name, names[i]);
-    EXPECT_STREQ(kernels.interpolate->info.name, names[i]);
-    const char* const blocks[] = {"portable", "SSE2", "AVX2", "AVX2"};
-    const char* const paths[] = {"portable", "portable", "AVX2", "AVX-512"};
-    EXPECT_STREQ(choose_block_loop(kMasks[i]).info.name, blocks[i]);
-    EXPECT_STREQ(choose_path_search(kMasks[i]).info.name, paths[i]);
+template <typename Variant>
+void expect_each_build_where_its_mask_allows() {
+  for (const Variant* build : builds<Variant>()) {
+    if ((build->set.feature & ~detected_features()) != 0) continue;
+    EXPECT_EQ(&best_build<Variant>(build->set.mask()), build) << build->set.name;
   }
+  EXPECT_EQ(best_build<Variant>(0).set.feature, kPortable.feature);
+  if (detected_features() != 0) {
+    EXPECT_GT(builds<Variant>().size(), 1u) << "the processor's folder is not listed";
+  }
+}
+
+TEST(Kernels, TheMaskedBuildIsTheOneThatRuns) {
+  expect_each_build_where_its_mask_allows<BitFirVariant>();
+  expect_each_build_where_its_mask_allows<FoldFirVariant>();
+  expect_each_build_where_its_mask_allows<SpectralVariant>();
+  expect_each_build_where_its_mask_allows<QuantiseVariant>();
+  expect_each_build_where_its_mask_allows<InterpolateVariant>();
+  expect_each_build_where_its_mask_allows<BlockLoopVariant>();
+  expect_each_build_where_its_mask_allows<PathSearchVariant>();
 }
 
 TEST(Kernels, BitFirIsAPlainConvolutionInBothBitOrders) {
@@ -74,7 +79,7 @@ TEST(Kernels, BitFirIsAPlainConvolutionInBothBitOrders) {
               const unsigned place = static_cast<unsigned>(lsb_first ? bit % 8 : 7 - bit % 8);
               sum += (in[column][bit / 8] >> place & 1) != 0 ? plan.bit_taps[t] : -plan.bit_taps[t];
             }
-            ASSERT_EQ(out[i], sum) << kernels.bit_fir->info.name << " by " << decimation << ", row "
+            ASSERT_EQ(out[i], sum) << kernels.bit_fir->set.name << " by " << decimation << ", row "
                                    << row << ", column " << column;
           }
         }
@@ -115,7 +120,7 @@ TEST(Kernels, FoldFirAgreesToTheBit) {
         EXPECT_EQ(expected.back(), 99.0);
         for (const Kernels& kernels : builds) {
           EXPECT_EQ(result(kernels), expected)
-              << kernels.fold_fir->info.name << ", taps " << taps << ", columns " << columns;
+              << kernels.fold_fir->set.name << ", taps " << taps << ", columns " << columns;
         }
       }
     }
@@ -182,7 +187,7 @@ TEST(Kernels, QuantisersAgreeToTheBit) {
           ASSERT_EQ(out[i], std::clamp(std::nearbyint(in[i + 1] * full), -full, full - 1)) << i;
         }
         for (const Kernels& kernels : builds) {
-          EXPECT_EQ(result(kernels), expected) << kernels.quantise->info.name << ' ' << length;
+          EXPECT_EQ(result(kernels), expected) << kernels.quantise->set.name << ' ' << length;
         }
       }
     }

@@ -182,7 +182,7 @@ TEST(ModulatorOverload, SearchesCatchUp) {
       if (shape.paths == 8) states[1] = path_search_start(shape.paths, in + 1);
       Bytes left(4 * kWords), right(4 * kWords);
       std::uint8_t* const out[2] = {left.data(), right.data()};
-      choose_path_search(detected_features() & mask).run(shape, states, in, kWords, out);
+      best_build<PathSearchVariant>(mask).run(shape, states, in, kWords, out);
       EXPECT_GT(states[0].overloads[0], 0u);
       EXPECT_EQ(states[0].overloads[1] + states[1].overloads[0], 0u);
       if (mask == 0) expected = left;
