@@ -6,11 +6,10 @@
 #include "studio/c_api/file.h"
 
 #include <algorithm>
-#include <cstring>
-#include <exception>
 #include <utility>
 
 #include "formats/sound_tags.h"
+#include "studio/c_api/boundary.h"
 #include "studio/c_api/stream_bytes.h"
 
 namespace corvin::studio {
@@ -62,13 +61,11 @@ int corvin_file_open(const char* path, corvin_file** file) {
   if (file == nullptr) return CORVIN_E_ARGUMENT;
   *file = nullptr;
   if (path == nullptr) return CORVIN_E_ARGUMENT;
-  try {
+  return corvin::studio::guarded([&] {
     auto source = corvin::formats::OpenFileSource(path);
-    if (source == nullptr) return CORVIN_E_READ;
+    if (source == nullptr) return static_cast<int>(CORVIN_E_READ);
     return corvin::studio::open_source(std::move(source), file);
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file) {
@@ -81,24 +78,19 @@ int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file) {
   }
   const std::int64_t size = known.length(known.user);
   if (size < 0) return CORVIN_E_READ;
-  try {
+  return corvin::studio::guarded([&] {
     return corvin::studio::open_source(
         std::make_unique<corvin::studio::StreamSource>(known, static_cast<std::uint64_t>(size)),
         file);
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 void corvin_file_close(corvin_file* file) { delete file; }
 
 int corvin_file_get_info(const corvin_file* file, corvin_file_info* info) {
-  if (file == nullptr || info == nullptr || info->size < sizeof info->size) {
-    return CORVIN_E_ARGUMENT;
-  }
+  if (file == nullptr || !corvin::studio::is_sized(info)) return CORVIN_E_ARGUMENT;
   const corvin::formats::SoundFile& sound = file->sound;
   corvin_file_info known = {};
-  known.size = info->size;
   known.container = sound.kind;
   known.dsd_rate = sound.rate_hz;
   known.channels = sound.channels;
@@ -111,7 +103,7 @@ int corvin_file_get_info(const corvin_file* file, corvin_file_info* info) {
   known.stated_samples = sound.stated_samples;
   known.sound_bytes = sound.sound.bytes;
   sound.compression.copy(known.compression, sizeof known.compression - 1);
-  std::memcpy(info, &known, std::min(info->size, sizeof known));
+  corvin::studio::hand_out(known, info);
   return CORVIN_OK;
 }
 
@@ -125,15 +117,13 @@ const char* corvin_file_problem(const corvin_file* file) {
   return file->sound.problem.c_str();
 }
 
-int corvin_file_get_tags(corvin_file* file, struct DSD_TAG* tag) {
+int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag) {
   if (file == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
   DSDTagClear(tag);
-  try {
+  return corvin::studio::guarded([&] {
     corvin::formats::ReadSoundTags(*file->source, file->sound, *tag);
     return CORVIN_OK;
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 int corvin_file_read(corvin_file* file, void* to, size_t bytes, uint32_t bit_order, size_t* done) {

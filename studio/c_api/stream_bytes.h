@@ -7,21 +7,13 @@
 #define CORVIN_STUDIO_C_API_STREAM_BYTES_H_
 
 #include <algorithm>
-#include <cstring>
+#include <cstdint>
 
 #include "corvin.h"
 #include "formats/bytes/byte_source.h"
+#include "studio/c_api/boundary.h"
 
 namespace corvin::studio {
-
-/// The known part of a host's structure, zeros for what it lacks. False when there is none.
-template <class Struct>
-bool adopt(const Struct* from, Struct& known) {
-  known = {};
-  if (from == nullptr || from->size < sizeof from->size) return false;
-  std::memcpy(&known, from, std::min(from->size, sizeof known));
-  return true;
-}
 
 class StreamSource : public formats::ByteSource {
  public:

@@ -3,13 +3,11 @@
 //
 // The C functions that write files.
 
-#include <algorithm>
 #include <bit>
-#include <cstring>
-#include <exception>
 #include <utility>
 
 #include "formats/tags/id3_block.h"
+#include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
 #include "studio/c_api/stream_bytes.h"
 
@@ -19,9 +17,7 @@ namespace {
 using formats::ContainerKind;
 
 int check(const corvin_writer_settings* settings, corvin_writer_settings& known) {
-  corvin_writer_settings_defaults(&known);
-  if (settings == nullptr || settings->size < sizeof settings->size) return CORVIN_E_ARGUMENT;
-  std::memcpy(&known, settings, std::min(settings->size, sizeof known));
+  if (!adopt(settings, known)) return CORVIN_E_ARGUMENT;
   const bool valid =
       known.container >= CORVIN_DSDIFF && known.container <= CORVIN_ONE_BIT &&
       known.dsd_rate != 0 && known.channels != 0 &&
@@ -69,18 +65,16 @@ int corvin_writer_create(const char* path, const corvin_writer_settings* setting
   if (writer == nullptr) return CORVIN_E_ARGUMENT;
   *writer = nullptr;
   if (path == nullptr) return CORVIN_E_ARGUMENT;
-  try {
+  return corvin::studio::guarded([&] {
     auto made = std::make_unique<corvin_writer>();
     const int status = corvin::studio::check(settings, made->settings);
     if (status != CORVIN_OK) return status;
     auto file = std::make_unique<corvin::formats::NewFile>();
-    if (!file->Open(path)) return CORVIN_E_WRITE;
+    if (!file->Open(path)) return static_cast<int>(CORVIN_E_WRITE);
     made->new_file = file.get();
     made->sink = std::move(file);
     return corvin::studio::start(std::move(made), writer);
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 int corvin_writer_create_stream(const corvin_stream* stream, const corvin_writer_settings* settings,
@@ -91,15 +85,13 @@ int corvin_writer_create_stream(const corvin_stream* stream, const corvin_writer
   if (!corvin::studio::adopt(stream, known) || known.seek == nullptr || known.write == nullptr) {
     return CORVIN_E_ARGUMENT;
   }
-  try {
+  return corvin::studio::guarded([&] {
     auto made = std::make_unique<corvin_writer>();
     const int status = corvin::studio::check(settings, made->settings);
     if (status != CORVIN_OK) return status;
     made->sink = std::make_unique<corvin::studio::StreamSink>(known);
     return corvin::studio::start(std::move(made), writer);
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 int corvin_writer_write(corvin_writer* writer, const void* data, size_t bytes) {
@@ -118,15 +110,13 @@ int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* const* chan
   return corvin::studio::write(*writer, channels, 1, bytes);
 }
 
-int corvin_writer_set_tags(corvin_writer* writer, const struct DSD_TAG* tag) {
+int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag) {
   if (writer == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
   if (writer->finished) return CORVIN_E_STATE;
-  try {
+  return corvin::studio::guarded([&] {
     writer->tags = corvin::formats::MakeId3Block(*tag);
     return CORVIN_OK;
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 int corvin_writer_finish(corvin_writer* writer, uint64_t samples) {
@@ -135,14 +125,12 @@ int corvin_writer_finish(corvin_writer* writer, uint64_t samples) {
   if (writer->failed) return CORVIN_E_WRITE;
   const std::uint64_t bytes = writer->sound->channel_bytes();
   if (samples / 8 + (samples % 8 != 0) != bytes) return CORVIN_E_ARGUMENT;
-  try {
+  return corvin::studio::guarded([&] {
     writer->finished = true;
     writer->failed = !writer->sound->Finish(samples, writer->tags) ||
                      (writer->new_file != nullptr && !writer->new_file->Commit());
     return writer->failed ? CORVIN_E_WRITE : CORVIN_OK;
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 void corvin_writer_close(corvin_writer* writer) { delete writer; }
