@@ -6,18 +6,11 @@
 #ifndef CORVIN_FORMATS_CONTAINER_H_
 #define CORVIN_FORMATS_CONTAINER_H_
 
-#include <array>
 #include <cstdint>
 
+#include "formats/bytes/chunk_id.h"
+
 namespace corvin::formats {
-
-/// Four characters as they stand in the file.
-using ChunkId = std::array<std::uint8_t, 4>;
-
-constexpr ChunkId MakeChunkId(const char (&text)[5]) {
-  return {static_cast<std::uint8_t>(text[0]), static_cast<std::uint8_t>(text[1]),
-          static_cast<std::uint8_t>(text[2]), static_cast<std::uint8_t>(text[3])};
-}
 
 /// The numbers are part of the public interface.
 enum ContainerKind : std::uint32_t { kUnknown = 0, kDsdiff = 1, kDsf = 2, kOneBit = 3 };

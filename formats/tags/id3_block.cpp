@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "formats/bytes/byte_order.h"
-#include "formats/container.h"
+#include "formats/bytes/chunk_id.h"
 
 namespace corvin::formats {
 namespace {

@@ -16,7 +16,7 @@
 
 #include "corvin.h"
 #include "formats/bytes/byte_order.h"
-#include "formats/container.h"
+#include "formats/bytes/chunk_id.h"
 #include "formats/tags/id3_block.h"
 #include "formats/tags/tag_text.h"
 
