@@ -8,23 +8,6 @@ try example_1_query missing
 echo "not DSD at all" >note
 try example_1_query note
 
-# What bare PCM says: frames and the largest sample of each channel in the middle.
-peaks() {
-  python3 - "$@" <<'PYTHON'
-import array, sys
-path, kind = sys.argv[1:]
-data = open(path, "rb").read()
-if kind == "s24":
-    samples = [int.from_bytes(data[i:i + 3], "little", signed=True) / 8388607
-               for i in range(0, len(data), 3)]
-else:
-    samples = array.array("f", data)
-frames = len(samples) // 2
-middle = samples[frames // 2 * 2:frames * 3 // 4 * 2]
-print(frames, "frames, peaks %.2f %.2f" % (max(middle[0::2]), max(middle[1::2])))
-PYTHON
-}
-
 try example_2_convert in.dsf out.pcm 88200
 peaks out.pcm s24
 try example_2_convert missing out.pcm 88200
