@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # Copyright (c) 2026 The Corvin developers
 #
-# What tools/start, tools/test and .ci/run share: packages of a Debian system, and builds by preset.
-# To be sourced by bash; sets $root to the source tree.
+# What the scripts of this folder and .ci/run share: packages of a Debian system, and builds by
+# preset. To be sourced by bash; sets $root to the source tree.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libcli11-dev"
