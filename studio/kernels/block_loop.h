@@ -101,12 +101,15 @@ inline bool in_lock(const BlockLoopTables& tables, const RoundedState& state) {
 ///
 ///   X = saturate16(nearest(float(state)));   stop if a |X_i| > bound_i
 ///   s = float(sample), S = nearest(sample x 2^kInputFraction)
-///   A = ((sum state_to_a X + sum input_to_a S) >> kShiftA) | 1, C alike, of taps + 2 and + 3
-///   inputs decide base_a: y_i < 0 is bit 0; own changes base_a and next changes base_c decide
-///   base_c: own changes base_c and next changes A base_a = A - second[byte a],  base_c = C -
-///   third[byte a] - second[byte c] first = by_input s_0 ... s_taps (doubles), + by_state x_1, x_2,
-///   + by_a + by_c, in this order rest = (by_input s_0 ... s_taps + by_state x_1, x_2, x_7 ...
-///   x_10) + (by_state x_3 ... x_6)
+///   A = ((sum state_to_a X + sum input_to_a S) >> kShiftA) | 1, of taps + 2 inputs
+///   C = ((sum state_to_c X + sum input_to_c S) >> kShiftC) | 1, of taps + 3 inputs
+///   decide base_a: y_i < 0 is bit 0; own changes base_a and next changes base_c
+///   decide base_c: own changes base_c and next changes A
+///   base_a = A - second[byte a]
+///   base_c = C - third[byte a] - second[byte c]
+///   first = by_input s_0 ... s_taps (doubles) + by_state x_1, x_2
+///           + by_a + by_c, in this order
+///   rest = (by_input s_0 ... s_taps + by_state x_1, x_2, x_7 ... x_10) + (by_state x_3 ... x_6)
 ///          + by_a + by_c, in this order, in float with x_1 and x_2 rounded
 ///
 /// Everything integer wraps; sums of products are 32 bits wide. Roundings go to the nearest, ties

@@ -3,10 +3,12 @@
 //
 // Second decimation, of long ratios only: a short symmetric filter over rows of int32 columns.
 //
-// out[k][c] = sum over t < taps / 2, in that order from 0.0, of half[t] x double(x[kD + t][c] +
-// x[kD + taps - 1 - t][c]), then for an odd count the middle tap's product last. The two samples
-// are added as integers, so |x| <= 2^30; products and sums are IEEE double without fused
-// operations: the same bits from every build.
+//   out[k][c] = sum over t < taps / 2, in that order from 0.0, of
+//               half[t] x double(x[kD + t][c] + x[kD + taps - 1 - t][c]),
+//               and for an odd count the middle tap's product last.
+//
+// The two samples are added as integers, so |x| <= 2^30; products and sums are IEEE double without
+// fused operations: the same bits from every build.
 
 #ifndef CORVIN_STUDIO_KERNELS_FOLD_FIR_H_
 #define CORVIN_STUDIO_KERNELS_FOLD_FIR_H_

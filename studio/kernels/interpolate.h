@@ -4,9 +4,10 @@
 // Short interpolation: every phase of a polyphase filter over rows of columns, each column to a
 // place of its own in time order.
 //
-// out[c][i x phases + d] = sum over t < depth, in that order, of taps[t][d] x rows[i + t][c],
-// beginning with the first product. Products and sums are IEEE double without fused operations: the
-// same bits from every build.
+//   out[c][i x phases + d] = sum over t < depth, in that order, of taps[t][d] x rows[i + t][c],
+//                            beginning with the first product.
+//
+// Products and sums are IEEE double without fused operations: the same bits from every build.
 
 #ifndef CORVIN_STUDIO_KERNELS_INTERPOLATE_H_
 #define CORVIN_STUDIO_KERNELS_INTERPOLATE_H_

@@ -54,10 +54,10 @@ inline constexpr float kGivenUp = 1e4f;
 
 /// Runs the loops over words of 32 bits.
 /// @param states  states[1] with four paths, states[2] with eight
-/// @param in      in[2]: values at 32 x words + 1 bits in kChargeUnit, |value| <= 0.9; the last is read
-///                ahead. With eight paths in[1] may be null: one channel alone
-/// @param out     out[2]: 4 x words bytes, the bits of kSearchWords - 1 words ago, the earliest in the
-///                most significant place
+/// @param in      in[2]: values at 32 x words + 1 bits in kChargeUnit, |value| <= 0.9; the last is
+///                read ahead. With eight paths in[1] may be null: one channel alone
+/// @param out     out[2]: 4 x words bytes, the bits of kSearchWords - 1 words ago, the earliest in
+///                the most significant place
 using PathSearch = void (*)(const PathSearchShape& shape, PathSearchState* states,
                             const std::int32_t* const* in, std::size_t words,
                             std::uint8_t* const* out);

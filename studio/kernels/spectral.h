@@ -36,13 +36,11 @@ struct SpectralShape {
 using Transform = void (*)(const FftPlan& plan, double* rows);
 
 /// Filters 2 x lanes blocks.
-/// @param input   input[forward.points][2 x lanes], or null when `work` holds them already as
-/// double
+/// @param input   input[forward.points][2 x lanes], or null when `work` holds them as double
 /// @param work    work[forward.points][2 x lanes], overwritten; 64-byte aligned
 /// @param result  result[inverse.points][2 x lanes], overwritten; 64-byte aligned
 /// @param out     out[lanes]: place for 2 x hop samples, the blocks one after the other; null for
-/// an
-///                idle lane. Null altogether: the blocks stay in `result`, the first ones in the
+///                an idle lane. Null altogether: the blocks stay in `result`, the first ones in the
 ///                upper half of each row and the second ones in the lower, valid from first_row on
 using Spectral = void (*)(const SpectralShape& shape, const std::int32_t* input, double* work,
                           double* result, double* const* out);

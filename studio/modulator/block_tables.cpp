@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// With weighted states X_i = c_i x_i the loop is X' = A X + B (u - v), y = u + 1 X. Eight steps
-// from there: y over a sub-block = O X + (I + H)(u - v) but for the quantiser's own v, X' = A^8 X +
-// G (u - v), where row i of O is 1 A^i, column j of G is A^(7-j) B, and H is strictly lower
-// triangular with h_(i-j), h_m = 1 A^(m-1) B. Bits act on the q-th sub-block after theirs by R_q =
-// O A^(8(q-1)) G.
+// One step of the loop, with weighted states X_i = c_i x_i, and eight of them:
+//
+//   X' = A X + B (u - v),        y = u + 1 X
+//   X' = A^8 X + G (u - v),      y = O X + (I + H)(u - v) but for the quantiser's own v
+//
+// Row i of O is 1 A^i, column j of G is A^(7-j) B, and H is strictly lower triangular with
+// h_(i-j), h_m = 1 A^(m-1) B. Bits act on the q-th sub-block after theirs by
+//
+//   R_q = O A^(8(q-1)) G.
 
 #include "studio/modulator/block_tables.h"
 

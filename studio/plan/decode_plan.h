@@ -4,8 +4,9 @@
 // Everything a DSD to PCM conversion knows before the first sample: stages, tables, responses and
 // the grid of blocks. Immutable after make_decode_plan(), so any number of threads may read it.
 //
-//   bits -> integer filter (decimate by 2..32) -> short filter (only above a total of 32) -> block
-//   transform (steep filter and the remaining ratio 2:1, 147:80 or 320:147)
+//   bits -> integer filter (decimate by 2..32)
+//        -> short filter (only above a total of 32)
+//        -> block transform (steep filter and the remaining ratio 2:1, 147:80 or 320:147)
 //
 // Block b yields the outputs from b x hop_frames on; the output with index m lies exactly at the
 // bit m x dsd_rate / pcm_rate of the stream.
