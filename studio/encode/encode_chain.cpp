@@ -4,9 +4,9 @@
 
 #include "studio/encode/encode_chain.h"
 
-#include <memory>
 #include <utility>
 
+#include "studio/modulator/interpolation.h"
 #include "studio/plan/rate_family.h"
 
 namespace corvin::studio {
@@ -24,12 +24,12 @@ std::optional<EncodeChain> make_encode_chain(std::uint32_t pcm_rate, std::uint32
   modulator.channels = 1;
   modulator.kernel_mask = kernel_mask;
 
-  const auto specimen = std::make_shared<const Modulator>(modulator);
   EncodePlanConfig config;
   config.pcm_rate = pcm_rate;
   config.dsd_rate = dsd_rate;
-  config.bit_offset = specimen->bit_offset();
-  config.response = [specimen](double frequency) { return specimen->response(frequency); };
+  config.response = [last = Interpolation(modulator.wide_band)](double frequency) {
+    return last.response(frequency);
+  };
   auto plan = make_encode_plan(config);
   return EncodeChain{modulator, std::move(*plan)};
 }

@@ -28,7 +28,8 @@ class Interpolation {
   /// k - history() + j. Sample k itself lies on bit 8k.
   double tap(int phase, int j) const { return phases_[phase][j]; }
 
-  /// Gain at `frequency` in parts of the input rate; real, since the filter is symmetric.
+  /// Gain at `frequency` in parts of the input rate, so that filters before it can undo its droop;
+  /// real, since the filter is symmetric. The loop behind it passes the signal with gain 1.
   double response(double frequency) const;
 
  private:

@@ -18,24 +18,18 @@ struct Modulator::Stream {
   static constexpr std::size_t kCapacity = 1024;
   static constexpr std::size_t kSlack = 16;  // loops read whole vectors
 
-  explicit Stream(const ModulatorConfig& config)
-      : channels(config.channels), interpolation(config.wide_band) {
+  explicit Stream(const ModulatorConfig& config) : channels(config.channels) {
     const int paths = search_paths(config.grade, config.oversampling);
-    loop = paths > 1 ? make_search_loop(config, paths) : make_block_loop(config);
+    loop = paths > 1 ? make_search_loop(config, paths) : make_pair_loop(config);
     const ShaperDesign& shaper = shaper_design(config.grade, config.oversampling);
     limiter = {shaper.knee, shaper.ceiling};
   }
 
-  // Takes up to kCapacity samples less those that wait; `in` may be null for zeros.
+  // Takes up to kCapacity samples less those that wait.
   std::size_t take(const double* const* in, std::size_t at, std::size_t samples) {
     const std::size_t count = std::min(samples, kCapacity - waiting);
     for (int c = 0; c < channels; ++c) {
-      double* place = staged[c] + kHistory + waiting;
-      if (in == nullptr) {
-        std::fill_n(place, count, 0.0);
-      } else {
-        limiter.run(in[c] + at, count, place);
-      }
+      limiter.run(in[c] + at, count, staged[c] + kHistory + waiting);
     }
     waiting += count;
     return count;
@@ -59,16 +53,13 @@ struct Modulator::Stream {
   void reset() {
     loop->reset();
     waiting = 0;
-    owed = 0;
     for (double* channel : staged) std::fill_n(channel, kHistory, 0.0);
   }
 
   int channels;
-  Interpolation interpolation;
   InputLimiter limiter;
   std::unique_ptr<ModulatorLoop> loop;
   std::size_t waiting = 0;
-  std::size_t owed = 0;  // bytes not yet written for samples taken
   double staged[2][kHistory + kCapacity + kSlack] = {};
 };
 
@@ -87,36 +78,13 @@ std::size_t Modulator::modulate(const double* const* in, std::size_t samples,
                                     stream.channels == 2 ? out[1] + written : nullptr};
     written += stream.run(place);
   }
-  stream.owed += samples;
-  stream.owed -= written;
   return written;
-}
-
-std::size_t Modulator::finish(std::uint8_t* const* out) {
-  Stream& stream = *stream_;
-  const std::size_t owed = stream.owed;
-  // Zeros go in one loop unit at a time, so that what comes out beyond the end stays small.
-  std::size_t written = 0;
-  while (written < owed) {
-    std::uint8_t bytes[2][kLookAhead];
-    std::uint8_t* const place[2] = {bytes[0], bytes[1]};
-    stream.take(nullptr, 0, stream.loop->unit());
-    const std::size_t count = std::min(stream.run(place), owed - written);
-    for (int c = 0; c < stream.channels; ++c) std::copy_n(bytes[c], count, out[c] + written);
-    written += count;
-  }
-  stream.owed = 0;
-  return owed;
 }
 
 void Modulator::reset() { stream_->reset(); }
 
 std::uint64_t Modulator::overload_events(int channel) const {
   return stream_->loop->overload_events(channel);
-}
-
-double Modulator::response(double frequency) const {
-  return stream_->interpolation.response(frequency);
 }
 
 }  // namespace corvin::studio

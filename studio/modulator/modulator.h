@@ -37,7 +37,8 @@ struct ModulatorConfig {
 /// Threads: one caller at a time; objects are independent.
 class Modulator {
  public:
-  /// No byte waits for more than this number of samples behind its own.
+  /// No byte waits for more than this number of samples behind its own. As many zeros at the end
+  /// of a stream bring out all its bytes.
   static constexpr std::size_t kLookAhead = 72;
 
   /// Throws std::bad_alloc and nothing else.
@@ -54,24 +55,11 @@ class Modulator {
   /// Real time: never allocates, locks or blocks.
   std::size_t modulate(const double* const* in, std::size_t samples, std::uint8_t* const* out);
 
-  /// Ends the stream as if zeros followed, and writes the remaining bytes: at most kLookAhead per
-  /// channel. Call reset() before the next stream.
-  /// Real time: as modulate().
-  std::size_t finish(std::uint8_t* const* out);
-
   /// As newly made.
   void reset();
 
   /// Times that the loop of a channel lost lock and was caught. Sines up to 0.7071 never do it.
   std::uint64_t overload_events(int channel) const;
-
-  /// Where sample k lies relative to bit 8k, in bits.
-  double bit_offset() const { return 0.0; }
-
-  /// Gain of the last interpolation at a frequency in parts of the input rate, so that filters
-  /// before it can undo its droop. Real: the interpolation has no phase about bit_offset(). The
-  /// loop itself passes the signal with gain 1.
-  double response(double frequency) const;
 
  private:
   struct Stream;

@@ -24,9 +24,8 @@ class ModulatorLoop {
   virtual std::size_t unit() const = 0;
   virtual std::size_t ahead() const = 0;
 
-  /// @param in     in[channels]: `units` x unit() samples, with Interpolation::history() before
-  /// them
-  ///               and ahead() after them readable
+  /// @param in     in[channels]: `units` x unit() samples, with Interpolation::history() samples
+  ///               before them and ahead() after them readable
   /// @param out    out[channels], place for as many bytes as samples taken
   /// @return       bytes written per channel, fewer at the stream's begin
   virtual std::size_t run(const double* const* in, std::size_t units, std::uint8_t* const* out) = 0;
@@ -38,7 +37,7 @@ class ModulatorLoop {
 /// 4 or 8 paths per channel.
 std::unique_ptr<ModulatorLoop> make_search_loop(const ModulatorConfig& config, int paths);
 /// One path per channel.
-std::unique_ptr<ModulatorLoop> make_block_loop(const ModulatorConfig& config);
+std::unique_ptr<ModulatorLoop> make_pair_loop(const ModulatorConfig& config);
 
 }  // namespace corvin::studio
 

@@ -133,11 +133,10 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config) {
   plan.depth = static_cast<std::size_t>(std::ceil(length / factor));
   plan.taps = phase_taps(plan.boxcars, plan.depth);
 
-  // Sample 0 of a block belongs to this time in frames, and the row that it begins at to an earlier
-  // one: the centre of the taps lies between them.
-  const double sample_time = -config.bit_offset * config.pcm_rate / config.dsd_rate;
+  // Sample 0 of a block belongs to time 0, and the row that it begins at to this earlier one, in
+  // frames: the centre of the taps lies between them.
   const double centre = static_cast<double>(plan.depth - 1) - (length - 1) / 2 / factor;
-  const double row_time = sample_time - centre * frames_per_row;
+  const double row_time = -centre * frames_per_row;
   const double reach = static_cast<double>(steep.size() / 2) + kSpread;
   plan.lead_frames = static_cast<std::size_t>(std::ceil(reach - row_time));
   const double first = static_cast<double>(plan.lead_frames) + row_time;

@@ -5,9 +5,9 @@
 // responses and the grid of blocks. Immutable after make_encode_plan(), so any number of threads
 // may read it.
 //
-//   frames -> block transform (steep filter and a ratio near 4, or what is left of it) -> short
-//   interpolation (x 2..16, where the modulator's rate is higher still) -> samples for the
-//   modulator
+//   frames -> block transform (steep filter and a ratio near 4, or what is left of it)
+//          -> short interpolation (x 2..16, where the modulator's rate is higher still)
+//          -> samples for the modulator
 //
 // The modulator takes an eighth of the DSD rate and holds the last interpolation itself. Block b
 // yields its inputs from b x hop_samples on; they lie such that the frame with index m is centred
@@ -31,9 +31,8 @@ namespace corvin::studio {
 struct EncodePlanConfig {
   std::uint32_t pcm_rate = 44100;
   std::uint32_t dsd_rate = 2822400;
-  /// The modulator's own interpolation: bit 8k of its output lies this many bits after its input k,
-  /// and its amplitude at a frequency given as a part of its input rate; none: 1.
-  double bit_offset = 0;
+  /// Amplitude of the modulator's own interpolation, which puts its input k on bit 8k, at a
+  /// frequency given as a part of its input rate; none: 1.
   std::function<double(double)> response = {};
 };
 

@@ -53,9 +53,11 @@ inline Modulated modulate(Modulator& modulator, const std::vector<Samples>& in,
     written += modulator.modulate(from, std::min(chunk, total - at), to);
   }
   aim(total);
-  written += modulator.finish(to);
+  const Samples silence(Modulator::kLookAhead);
+  for (std::size_t c = 0; c < in.size(); ++c) from[c] = silence.data();
+  written += modulator.modulate(from, silence.size(), to);
   for (std::size_t c = 0; c < in.size(); ++c) {
-    made.bytes[c].resize(written);
+    made.bytes[c].resize(std::min(written, total));
     made.overloads[c] = modulator.overload_events(static_cast<int>(c));
   }
   modulator.reset();

@@ -142,7 +142,7 @@ class PairLoop final : public ModulatorLoop {
 
 }  // namespace
 
-std::unique_ptr<ModulatorLoop> make_block_loop(const ModulatorConfig& config) {
+std::unique_ptr<ModulatorLoop> make_pair_loop(const ModulatorConfig& config) {
   return std::make_unique<PairLoop>(config);
 }
 
