@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "formats/bytes/bit_order.h"
 #include "formats/bytes/byte_source.h"
 #include "formats/container.h"
 
@@ -60,7 +61,7 @@ struct SoundFile {
   void Fail(Readable why, std::string sentence);
 
   /// Bytes of each channel, the last one perhaps in part.
-  std::uint64_t ChannelBytes() const { return samples / 8 + (samples % 8 != 0); }
+  std::uint64_t ChannelBytes() const { return BytesOf(samples); }
 };
 
 /// Reads the headers. False when the source is no DSD file, which its first four bytes tell; in

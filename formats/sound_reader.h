@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "formats/bytes/block_layout.h"
 #include "formats/sound_file.h"
 
 namespace corvin::formats {
@@ -38,6 +39,7 @@ class SoundReader {
 
   ByteSource& source_;
   const SoundFile& file_;
+  BlockLayout layout_;
   std::uint64_t position_ = 0;
   bool failed_ = false;
   std::vector<std::uint8_t> window_;  // a part of the file

@@ -83,6 +83,7 @@ std::uint32_t MostChannels(ContainerKind kind) {
 SoundWriter::SoundWriter(ByteSink& sink, const SoundFormat& format)
     : sink_(sink),
       format_(format),
+      layout_{format.channels, format.kind == kDsf ? kDsfBlockBytes : 1},
       lsb_first_(format.kind == kDsf),
       buffer_(kHeldBytes * format.channels) {
   if (format_.speakers == 0) format_.speakers = UsualSpeakers(format.channels);
@@ -94,26 +95,20 @@ bool SoundWriter::Start() {
   return sink_.Write(0, header.data(), header.size());
 }
 
-std::size_t SoundWriter::Place(std::size_t channel, std::size_t byte) const {
-  if (format_.kind != kDsf) return byte * format_.channels + channel;
-  const std::size_t group = byte / kDsfBlockBytes;
-  return (group * format_.channels + channel) * kDsfBlockBytes + byte % kDsfBlockBytes;
+std::uint8_t& SoundWriter::Held(std::size_t channel, std::size_t byte) {
+  return buffer_[static_cast<std::size_t>(layout_.Offset(channel, byte))];
 }
 
 bool SoundWriter::Write(const std::uint8_t* const* in, std::size_t stride, std::size_t bytes,
                         bool lsb_first) {
-  const bool reverse = lsb_first != lsb_first_;
-  const std::size_t step = format_.kind == kDsf ? 1 : format_.channels;
   for (std::size_t done = 0; done < bytes;) {
     // Only now, so that the last byte stays at hand until it is known to be the last.
     if (held_ == kHeldBytes && !Flush(held_)) return false;
-    const std::size_t run = std::min(bytes - done, kDsfBlockBytes - held_ % kDsfBlockBytes);
+    const auto run = static_cast<std::size_t>(
+        std::min<std::uint64_t>(std::min(bytes - done, kHeldBytes - held_), layout_.Run(held_)));
     for (std::size_t c = 0; c < format_.channels; ++c) {
-      std::uint8_t* out = &buffer_[Place(c, held_)];
-      const std::uint8_t* from = in[c] + done * stride;
-      for (std::size_t i = 0; i < run; ++i) {
-        out[i * step] = reverse ? kReversedBits[from[i * stride]] : from[i * stride];
-      }
+      CopyBytes(in[c] + done * stride, stride, &Held(c, held_), layout_.Stride(), run,
+                lsb_first != lsb_first_);
     }
     held_ += run;
     channel_bytes_ += run;
@@ -131,20 +126,13 @@ bool SoundWriter::Flush(std::size_t bytes) {
 }
 
 bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
-  std::size_t bytes = held_;
+  const auto whole = static_cast<std::size_t>(WholeBlocks(held_));
   for (std::size_t c = 0; c < format_.channels && held_ > 0; ++c) {
-    if (samples % 8 == 0) break;
-    std::uint8_t& last = buffer_[Place(c, held_ - 1)];
-    last = SilencedBehind(last, static_cast<unsigned>(samples % 8), lsb_first_);
+    SilenceBehind(samples, lsb_first_, Held(c, held_ - 1));
+    // Zeros, as DSF asks for: the number of samples keeps them from being heard.
+    for (std::size_t i = held_; i < whole; ++i) Held(c, i) = 0;
   }
-  if (format_.kind == kDsf) {
-    bytes = (bytes + kDsfBlockBytes - 1) / kDsfBlockBytes * kDsfBlockBytes;
-    for (std::size_t c = 0; c < format_.channels; ++c) {
-      // Zeros, as the format asks for: the number of samples keeps them from being heard.
-      for (std::size_t i = held_; i < bytes; ++i) buffer_[Place(c, i)] = 0;
-    }
-  }
-  if (!Flush(bytes)) return false;
+  if (!Flush(whole)) return false;
 
   Fields tail(ByteOrder::kBig);
   const std::string_view tag(reinterpret_cast<const char*>(id3.data()), id3.size());
@@ -160,11 +148,13 @@ bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
   return sink_.Write(0, header.data(), header.size());
 }
 
+std::uint64_t SoundWriter::WholeBlocks(std::uint64_t bytes) const {
+  return (bytes + layout_.block - 1) / layout_.block * layout_.block;
+}
+
 // Padding included.
 std::uint64_t SoundWriter::SoundBytes() const {
-  std::uint64_t bytes = channel_bytes_;
-  if (format_.kind == kDsf) bytes = (bytes + kDsfBlockBytes - 1) / kDsfBlockBytes * kDsfBlockBytes;
-  return bytes * format_.channels;
+  return WholeBlocks(channel_bytes_) * format_.channels;
 }
 
 std::vector<std::uint8_t> SoundWriter::Header(std::uint64_t samples,

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "formats/bytes/block_layout.h"
 #include "formats/bytes/byte_source.h"
 #include "formats/container.h"
 #include "formats/tags/tag_text.h"
@@ -44,19 +45,22 @@ class SoundWriter {
   /// @param id3      an ID3v2 block or nothing; not for kOneBit
   bool Finish(std::uint64_t samples, ByteSpan id3);
 
+  const SoundFormat& format() const { return format_; }
   std::uint64_t channel_bytes() const { return channel_bytes_; }
 
  private:
-  std::size_t Place(std::size_t channel, std::size_t byte) const;
+  std::uint8_t& Held(std::size_t channel, std::size_t byte);
   bool Flush(std::size_t bytes);
   std::vector<std::uint8_t> Header(std::uint64_t samples, std::uint64_t id3_bytes) const;
   std::vector<std::uint8_t> DsfHeader(std::uint64_t samples, std::uint64_t id3_bytes) const;
   std::vector<std::uint8_t> DsdiffHeader(std::uint64_t id3_bytes) const;
   std::vector<std::uint8_t> OneBitHeader() const;
+  std::uint64_t WholeBlocks(std::uint64_t bytes) const;
   std::uint64_t SoundBytes() const;
 
   ByteSink& sink_;
   SoundFormat format_;
+  BlockLayout layout_;
   bool lsb_first_;
   std::vector<std::uint8_t> buffer_;  // as it will stand in the file
   std::size_t held_ = 0;              // bytes of each channel in it

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "classic/foundation/dsd_silence.h"
+#include "formats/bytes/bit_order.h"
+
+using corvin::formats::kSilence;
 
 CDiskReaderDec::CDiskReaderDec(CorvinReadCallback read, void* data, int size, int count, int locks,
                                int tail, unsigned long long, char* memory, long long memorySize)
@@ -80,10 +82,10 @@ int CDiskReaderDec::AddSilence(char* block, int filled) {
   const auto rest = [](int from, int end) { return static_cast<std::size_t>(end - from); };
   if (memory_) {
     const int half = block_bytes_ / 2;
-    std::memset(block + filled / 2, kDsdSilence, rest(filled / 2, half));
-    std::memset(block + half + filled / 2, kDsdSilence, rest(filled / 2, half));
+    std::memset(block + filled / 2, kSilence, rest(filled / 2, half));
+    std::memset(block + half + filled / 2, kSilence, rest(filled / 2, half));
   } else {
-    std::memset(block + filled, kDsdSilence, rest(filled, block_bytes_));
+    std::memset(block + filled, kSilence, rest(filled, block_bytes_));
   }
   tail_left_ -= block_bytes_ - filled;
   return block_bytes_;

@@ -13,6 +13,7 @@
 
 #include "classic/dsd2pcm/taps.h"
 #include "corvin.h"
+#include "formats/bytes/bit_order.h"
 
 /// One channel's past.
 struct dsd2pcm_state {
@@ -25,17 +26,6 @@ namespace {
 
 constexpr int kTables = 6;  // of eight taps each, for one half of the filter
 constexpr std::uint32_t kRingMask = 15;
-constexpr std::uint8_t kIdleByte = 0x69;
-
-constexpr std::array<std::uint8_t, 256> MakeBitReverse() {
-  std::array<std::uint8_t, 256> table{};
-  for (unsigned k = 0; k < 256; ++k) {
-    for (int bit = 0; bit < 8; ++bit) {
-      if (k >> bit & 1) table[k] = static_cast<std::uint8_t>(table[k] | 0x80 >> bit);
-    }
-  }
-  return table;
-}
 
 using Tables = std::array<std::array<float, 256>, kTables>;
 
@@ -55,13 +45,13 @@ constexpr Tables MakeTables() {
 }
 
 // Made by the compiler: the first converters may be created by several threads at once.
-constexpr auto bitreverse = MakeBitReverse();
 constexpr Tables ctables = MakeTables();
 
 }  // namespace
 }  // namespace corvin::dsd2pcm
 
 using namespace corvin::dsd2pcm;
+using corvin::formats::kReversedBits;
 
 extern "C" {
 
@@ -73,7 +63,7 @@ dsd2pcm_state* dsd2pcm_init(void) {
 
 void dsd2pcm_reset(dsd2pcm_state* state) {
   // The whole ring alike: the older half is not reversed here, which is heard for the first bytes.
-  std::memset(state->fifo, kIdleByte, sizeof state->fifo);
+  std::memset(state->fifo, corvin::formats::kSilence, sizeof state->fifo);
   state->fifopos = 0;
 }
 
@@ -96,8 +86,8 @@ void dsd2pcm_translate(dsd2pcm_state* state, size_t samples, const unsigned char
     // Addressed by index: a step behind the last element would point outside the caller's array.
     const auto index = static_cast<std::ptrdiff_t>(n);
     const unsigned char byte = src[index * src_stride];
-    at(p) = lsbfirst != 0 ? bitreverse[byte] : byte;
-    at(p - 6) = bitreverse[at(p - 6)];
+    at(p) = lsbfirst != 0 ? kReversedBits[byte] : byte;
+    at(p - 6) = kReversedBits[at(p - 6)];
     // Pairs in single, their sum in double precision: part of the result.
     double sum = 0;
     for (std::uint32_t i = 0; i < kTables; ++i) {

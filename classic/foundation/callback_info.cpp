@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "classic/foundation/dsd_silence.h"
+#include "formats/bytes/bit_order.h"
+
+using corvin::formats::kSilence;
 
 CCallbackInfoDec::CCallbackInfoDec(std::FILE* source, std::uint64_t sound_bytes,
                                    CorvinProgressCallback user_progress, void* user_data)
@@ -53,7 +55,7 @@ bool CCallbackInfoBlock::Progress() { return CCallbackInfoDec::Progress(); }
 
 bool CCallbackInfoBlock::LoadGroup() {
   const std::size_t count = std::fread(block.data(), 1, block.size(), stream);
-  std::fill(block.begin() + static_cast<std::ptrdiff_t>(count), block.end(), kDsdSilence);
+  std::fill(block.begin() + static_cast<std::ptrdiff_t>(count), block.end(), kSilence);
   cursor = 0;
   return count != 0;
 }

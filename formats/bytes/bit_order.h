@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The two orders of the samples in a byte, and silence in each.
+// Samples in bytes: the two orders they stand in, silence in each, and a last byte that is only
+// partly used.
 
 #ifndef CORVIN_FORMATS_BYTES_BIT_ORDER_H_
 #define CORVIN_FORMATS_BYTES_BIT_ORDER_H_
@@ -23,13 +24,23 @@ inline constexpr std::array<std::uint8_t, 256> kReversedBits = [] {
   return table;
 }();
 
-/// Four ones and four zeros whose sound is far above hearing.
-constexpr std::uint8_t SilentByte(bool lsb_first) { return lsb_first ? 0x96 : 0x69; }
+/// No sound, the earliest sample in the most significant bit: as many ones as zeros, and their tone
+/// far above hearing.
+inline constexpr std::uint8_t kSilence = 0x69;
 
-/// Replaces all but the earliest `samples` (0..8) samples of a byte by silence.
-constexpr std::uint8_t SilencedBehind(std::uint8_t byte, unsigned samples, bool lsb_first) {
-  const unsigned kept = lsb_first ? (1u << samples) - 1 : 0xffu & ~(0xffu >> samples);
-  return static_cast<std::uint8_t>((byte & kept) | (SilentByte(lsb_first) & ~kept));
+constexpr std::uint8_t SilentByte(bool lsb_first) {
+  return lsb_first ? kReversedBits[kSilence] : kSilence;
+}
+
+/// Bytes that hold so many samples.
+constexpr std::uint64_t BytesOf(std::uint64_t samples) { return samples / 8 + (samples % 8 != 0); }
+
+/// Silences what stands behind the last of `samples` samples in the byte that holds it.
+constexpr void SilenceBehind(std::uint64_t samples, bool lsb_first, std::uint8_t& last) {
+  const auto used = static_cast<unsigned>(samples % 8);
+  if (used == 0) return;
+  const unsigned kept = lsb_first ? (1u << used) - 1 : 0xffu & ~(0xffu >> used);
+  last = static_cast<std::uint8_t>((last & kept) | (SilentByte(lsb_first) & ~kept));
 }
 
 }  // namespace corvin::formats
