@@ -38,16 +38,6 @@ std::string Name(const ChunkId& id) {
   return name + "'";
 }
 
-std::uint32_t SpeakerOf(const ChunkId& id) {
-  if (IsOneOf(id, {"SLFT", "MLFT"})) return kFrontLeft;
-  if (IsOneOf(id, {"SRGT", "MRGT"})) return kFrontRight;
-  if (IsOneOf(id, {"C   "})) return kFrontCentre;
-  if (IsOneOf(id, {"LFE "})) return kLowFrequencies;
-  if (IsOneOf(id, {"LS  "})) return kBackLeft;
-  if (IsOneOf(id, {"RS  "})) return kBackRight;
-  return 0;
-}
-
 class DsdiffWalk {
  public:
   DsdiffWalk(ByteSource& source, SoundFile& file) : file_(file), cursor_(source, ByteOrder::kBig) {}
@@ -216,7 +206,7 @@ class DsdiffWalk {
     std::uint32_t mask = 0;
     for (std::uint32_t c = 0; c < file_.channels; ++c) {
       const auto id = IdAt(place + 4 * c);
-      const std::uint32_t speaker = id ? SpeakerOf(*id) : 0;
+      const std::uint32_t speaker = id ? SpeakerOfDsdiffName(id->data()) : 0;
       if (speaker <= mask) {  // unnamed, or in another order than that of the bits
         mask = 0;
         break;

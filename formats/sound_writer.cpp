@@ -46,32 +46,6 @@ class Fields {
   std::vector<std::uint8_t> bytes_;
 };
 
-std::uint32_t DsfType(std::uint32_t speakers, std::uint32_t channels) {
-  for (std::uint32_t type = 1; type <= 7; ++type) {
-    if (SpeakersOfDsfType(type) == speakers) return type;
-  }
-  constexpr std::uint32_t kByCount[] = {0, 1, 2, 3, 4, 6, 7};
-  return kByCount[channels];
-}
-
-std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
-  if (channels == 1) return "C000";
-  if (speakers == kStereo) return "SLFTSRGT";
-  constexpr const char* kNames[] = {"MLFT", "MRGT", "C   ", "LFE ", "LS  ", "RS  "};
-  std::string names;
-  for (std::uint32_t bit = 0; bit < 6; ++bit) {
-    if ((speakers >> bit & 1) != 0) names += kNames[bit];
-  }
-  if (names.size() == 4 * channels) return names;
-  names.clear();
-  for (std::uint32_t c = 0; c < channels; ++c) {
-    const char digits[] = {'C', '0', static_cast<char>('0' + c / 10),
-                           static_cast<char>('0' + c % 10)};
-    names.append(digits, sizeof digits);
-  }
-  return names;
-}
-
 std::uint64_t Bcd(std::uint64_t value) { return value / 10 % 10 * 16 + value % 10; }
 
 }  // namespace
@@ -176,7 +150,7 @@ std::vector<std::uint8_t> SoundWriter::DsfHeader(std::uint64_t samples,
   Fields out(ByteOrder::kLittle);
   out.Text("DSD ").Number(28, 8).Number(end + id3_bytes, 8).Number(id3_bytes != 0 ? end : 0, 8);
   out.Text("fmt ").Number(52, 8).Number(1, 4).Number(0, 4);
-  out.Number(DsfType(format_.speakers, format_.channels), 4).Number(format_.channels, 4);
+  out.Number(DsfTypeOf(format_.speakers, format_.channels), 4).Number(format_.channels, 4);
   out.Number(format_.rate_hz, 4).Number(1, 4).Number(samples, 8).Number(kDsfBlockBytes, 4);
   out.Number(0, 4);
   out.Text("data").Number(12 + SoundBytes(), 8);

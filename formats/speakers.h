@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Who the channels of a file are for: the bits of the mask that extensible WAV files use. The
-// channels stand in the order of their bits.
+// Who the channels of a file are for: the bits of the mask that extensible WAV files use, and what
+// DSF and DSDIFF call them. The channels stand in the order of their bits.
 
 #ifndef CORVIN_FORMATS_SPEAKERS_H_
 #define CORVIN_FORMATS_SPEAKERS_H_
 
 #include <cstdint>
+#include <string>
 
 namespace corvin::formats {
 
@@ -41,6 +42,15 @@ constexpr std::uint32_t SpeakersOfDsfType(std::uint32_t type) {
                                       kSurround51};
   return type <= 7 ? kTypes[type] : 0;
 }
+
+/// DSF's type of a layout; for one that it does not know, that of so many channels, at most 6.
+std::uint32_t DsfTypeOf(std::uint32_t speakers, std::uint32_t channels);
+
+/// The speaker that a DSDIFF file calls by the four characters; 0 when it is none of the above.
+std::uint32_t SpeakerOfDsdiffName(const std::uint8_t* name);
+
+/// DSDIFF's names of all channels, in a row; numbers where the layout does not fit their count.
+std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels);
 
 }  // namespace corvin::formats
 

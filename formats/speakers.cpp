@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "formats/speakers.h"
+
+#include <cstring>
+
+namespace corvin::formats {
+namespace {
+
+constexpr std::size_t kNameBytes = 4;
+
+struct DsdiffName {
+  std::uint32_t speaker;
+  const char* name;
+  const char* in_stereo;  // when the file has the two front channels alone
+};
+
+// In the order of the bits.
+constexpr DsdiffName kDsdiffNames[] = {
+    {kFrontLeft, "MLFT", "SLFT"},  {kFrontRight, "MRGT", "SRGT"}, {kFrontCentre, "C   ", ""},
+    {kLowFrequencies, "LFE ", ""}, {kBackLeft, "LS  ", ""},       {kBackRight, "RS  ", ""},
+};
+
+bool Is(const std::uint8_t* name, const char* known) {
+  return known[0] != '\0' && std::memcmp(name, known, kNameBytes) == 0;
+}
+
+}  // namespace
+
+std::uint32_t DsfTypeOf(std::uint32_t speakers, std::uint32_t channels) {
+  for (std::uint32_t type = 1; type <= 7; ++type) {
+    if (SpeakersOfDsfType(type) == speakers) return type;
+  }
+  constexpr std::uint32_t kByCount[] = {0, 1, 2, 3, 4, 6, 7};
+  return kByCount[channels];
+}
+
+std::uint32_t SpeakerOfDsdiffName(const std::uint8_t* name) {
+  for (const DsdiffName& known : kDsdiffNames) {
+    if (Is(name, known.name) || Is(name, known.in_stereo)) return known.speaker;
+  }
+  return 0;
+}
+
+std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
+  if (channels == 1) return "C000";
+  std::string names;
+  for (const DsdiffName& known : kDsdiffNames) {
+    if ((speakers & known.speaker) == 0) continue;
+    names += speakers == kStereo ? known.in_stereo : known.name;
+  }
+  if (names.size() == kNameBytes * channels) return names;
+  names.clear();
+  for (std::uint32_t c = 0; c < channels; ++c) {
+    const char number[] = {'C', '0', static_cast<char>('0' + c / 10),
+                           static_cast<char>('0' + c % 10)};
+    names.append(number, sizeof number);
+  }
+  return names;
+}
+
+}  // namespace corvin::formats
