@@ -4,27 +4,18 @@
 // The C functions of the decoder.
 
 #include <cstdint>
-#include <limits>
 
 #include "corvin.h"
 #include "studio/c_api/streaming.h"
 #include "studio/decode/decoder.h"
+#include "studio/decode/decoder_settings.h"
 
 struct corvin_decoder : corvin::studio::StreamingHandle<corvin::studio::Decoder> {};
 
 extern "C" {
 
 void corvin_decoder_settings_defaults(corvin_decoder_settings* settings) {
-  if (settings == nullptr) return;
-  *settings = {};
-  settings->size = sizeof *settings;
-  settings->dsd_rate = 2822400;
-  settings->pcm_rate = 44100;
-  settings->channels = 2;
-  settings->block_bytes = 1;
-  settings->format = CORVIN_S24;
-  settings->dither = CORVIN_DITHER_TPDF;
-  settings->kernel_mask = std::numeric_limits<std::uint32_t>::max();
+  if (settings != nullptr) *settings = corvin::studio::default_decoder_settings();
 }
 
 int corvin_decoder_create(const corvin_decoder_settings* settings, corvin_decoder** decoder) {

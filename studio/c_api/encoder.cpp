@@ -4,26 +4,18 @@
 // The C functions of the encoder.
 
 #include <cstdint>
-#include <limits>
 
 #include "corvin.h"
 #include "studio/c_api/streaming.h"
 #include "studio/encode/encoder.h"
+#include "studio/encode/encoder_settings.h"
 
 struct corvin_encoder : corvin::studio::StreamingHandle<corvin::studio::Encoder> {};
 
 extern "C" {
 
 void corvin_encoder_settings_defaults(corvin_encoder_settings* settings) {
-  if (settings == nullptr) return;
-  *settings = {};
-  settings->size = sizeof *settings;
-  settings->pcm_rate = 44100;
-  settings->dsd_rate = 2822400;
-  settings->channels = 2;
-  settings->format = CORVIN_S24;
-  settings->block_bytes = 1;
-  settings->kernel_mask = std::numeric_limits<std::uint32_t>::max();
+  if (settings != nullptr) *settings = corvin::studio::default_encoder_settings();
 }
 
 int corvin_encoder_create(const corvin_encoder_settings* settings, corvin_encoder** encoder) {

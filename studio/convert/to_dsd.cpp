@@ -10,9 +10,8 @@
 
 #include "studio/convert/to_pcm.h"
 #include "studio/encode/encoder.h"
-#include "studio/pcm/sample_input.h"
+#include "studio/pcm/sample_format.h"
 #include "studio/plan/rate_family.h"
-#include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
 namespace {

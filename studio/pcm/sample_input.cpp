@@ -37,11 +37,6 @@ void read_all(const std::uint8_t* in, std::size_t stride, std::size_t count, dou
 
 }  // namespace
 
-std::size_t sample_bytes(std::uint32_t format) {
-  constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8};
-  return kBytes[format];
-}
-
 void read_samples(const std::uint8_t* in, std::size_t stride, std::size_t count,
                   std::uint32_t format, double gain, double* out) {
   switch (format) {

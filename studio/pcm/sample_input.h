@@ -21,9 +21,6 @@ inline constexpr double kLoudestSample = 16.0;
 void read_samples(const std::uint8_t* in, std::size_t stride, std::size_t count,
                   std::uint32_t format, double gain, double* out);
 
-/// Bytes of a sample of a corvin_sample_format.
-std::size_t sample_bytes(std::uint32_t format);
-
 }  // namespace corvin::studio
 
 #endif  // CORVIN_STUDIO_PCM_SAMPLE_INPUT_H_

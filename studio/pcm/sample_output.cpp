@@ -8,6 +8,7 @@
 
 #include "studio/math/exact_math.h"
 #include "studio/pcm/pack.h"
+#include "studio/pcm/sample_format.h"
 
 namespace corvin::studio {
 namespace {
@@ -26,6 +27,7 @@ std::uint32_t dither_key(std::uint64_t seed, std::size_t channel, std::uint64_t 
 
 SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const QuantiseVariant& quantise)
     : channels_(settings.channels),
+      sample_bytes_(studio::sample_bytes(settings.format)),
       floating_(settings.format == CORVIN_F32 || settings.format == CORVIN_F64),
       gain_(from_db(settings.gain_db)),
       seed_(settings.seed),
@@ -33,8 +35,6 @@ SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const Quanti
       shaped_(settings.channels),
       integer_rows_(settings.channels),
       rows_(settings.channels) {
-  constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8};
-  sample_bytes_ = kBytes[settings.format];
   if (floating_) return;
   const double full = std::ldexp(1.0, static_cast<int>(8 * sample_bytes_ - 1));
   scale_ = {full * gain_, -full, full - 1, settings.dither != CORVIN_DITHER_NONE};
