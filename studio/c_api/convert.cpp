@@ -8,10 +8,10 @@
 #include <exception>
 #include <limits>
 #include <system_error>
-#include <vector>
 
 #include "studio/c_api/file.h"
 #include "studio/c_api/stream_bytes.h"
+#include "studio/convert/copy.h"
 #include "studio/convert/to_dsd.h"
 #include "studio/convert/to_pcm.h"
 
@@ -25,26 +25,6 @@ int adopt_settings(const corvin_convert_settings* settings, corvin_convert_setti
   if (settings->size < sizeof settings->size) return CORVIN_E_ARGUMENT;
   std::memcpy(&known, settings, std::min(settings->size, sizeof known));
   return CORVIN_OK;
-}
-
-int copy(corvin_file& source, corvin_writer& target, const corvin_convert_settings& settings) {
-  constexpr std::size_t kBytes = 1 << 16;  // of each channel at a time
-  const formats::SoundFile& file = source.sound;
-  std::vector<std::uint8_t> buffer(kBytes * file.channels);
-  source.reader->Seek(0);
-  for (;;) {
-    std::size_t count = 0;
-    int status =
-        corvin_file_read(&source, buffer.data(), kBytes, target.settings.bit_order, &count);
-    if (status != CORVIN_OK) return status;
-    if (count == 0) return corvin_writer_finish(&target, file.samples);
-    status = corvin_writer_write(&target, buffer.data(), count);
-    if (status != CORVIN_OK) return status;
-    if (settings.progress != nullptr &&
-        settings.progress(settings.progress_user, corvin_file_tell(&source), file.samples) != 0) {
-      return CORVIN_E_CANCELLED;
-    }
-  }
 }
 
 bool valid(const corvin_convert_report* report) {
@@ -74,12 +54,10 @@ bool has_sound(const corvin_writer& writer) {
   return writer.finished || writer.sound->channel_bytes() != 0;
 }
 
-DsdTarget target_of(corvin_writer& writer) {
-  const corvin_writer_settings& settings = writer.settings;
-  return {settings.dsd_rate, settings.channels, settings.bit_order,
-          [&writer](const std::uint8_t* data, std::size_t bytes) {
-            return corvin_writer_write(&writer, data, bytes) == CORVIN_OK;
-          }};
+// What comes behind the last byte of a conversion with `status`.
+int complete(corvin_writer& writer, int status, std::uint64_t samples) {
+  writer.failed = writer.failed || status == CORVIN_E_WRITE;
+  return status == CORVIN_OK ? corvin_writer_finish(&writer, samples) : status;
 }
 
 }  // namespace
@@ -124,9 +102,8 @@ int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target
   }
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
-    const int status = corvin::studio::convert_to_dsd(
-        known_source, corvin::studio::target_of(*target), known, result);
-    return status == CORVIN_OK ? corvin_writer_finish(target, result.samples) : status;
+    const int status = corvin::studio::convert_to_dsd(known_source, *target->sound, known, result);
+    return corvin::studio::complete(*target, status, result.samples);
   });
 }
 
@@ -145,9 +122,9 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-    const int status = corvin::studio::convert_dsd_rate(
-        *source->source, source->sound, corvin::studio::target_of(*target), known, result);
-    return status == CORVIN_OK ? corvin_writer_finish(target, result.samples) : status;
+    const int status = corvin::studio::convert_dsd_rate(*source->source, source->sound,
+                                                        *target->sound, known, result);
+    return corvin::studio::complete(*target, status, result.samples);
   });
 }
 
@@ -165,7 +142,8 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
   }
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   try {
-    return corvin::studio::copy(*source, *target, known);
+    const int status = corvin::studio::copy(*source->reader, source->sound, *target->sound, known);
+    return corvin::studio::complete(*target, status, source->sound.samples);
   } catch (const std::exception&) {
     return CORVIN_E_MEMORY;
   }

@@ -8,8 +8,11 @@
 #include <memory>
 #include <vector>
 
+#include "formats/bytes/bit_order.h"
+#include "studio/convert/channel_bytes.h"
 #include "studio/convert/to_pcm.h"
 #include "studio/encode/encoder.h"
+#include "studio/encode/encoder_settings.h"
 #include "studio/pcm/sample_format.h"
 #include "studio/plan/rate_family.h"
 
@@ -19,16 +22,14 @@ namespace {
 constexpr std::size_t kBufferBytes = 1 << 18;
 
 corvin_encoder_settings encoder_settings(std::uint32_t pcm_rate, std::uint32_t format,
-                                         const DsdTarget& target,
+                                         const formats::SoundFormat& target,
                                          const corvin_convert_settings& settings) {
-  corvin_encoder_settings result;
-  corvin_encoder_settings_defaults(&result);
+  corvin_encoder_settings result = default_encoder_settings();
   result.pcm_rate = pcm_rate;
-  result.dsd_rate = target.dsd_rate;
+  result.dsd_rate = target.rate_hz;
   result.channels = target.channels;
   result.format = format;
   result.modulator = settings.modulator;
-  result.bit_order = target.bit_order;
   result.threads = settings.threads;
   result.kernel_mask = settings.kernel_mask;
   result.gain_db = settings.gain_db;
@@ -39,13 +40,13 @@ corvin_encoder_settings encoder_settings(std::uint32_t pcm_rate, std::uint32_t f
 class Encoding {
  public:
   /// @param most_bytes  of each channel; what follows is dropped
-  Encoding(Encoder& encoder, const DsdTarget& target, std::size_t frame_bytes,
+  Encoding(Encoder& encoder, formats::SoundWriter& target, std::size_t frame_bytes,
            std::uint64_t most_bytes)
       : encoder_(encoder),
         target_(target),
         frame_bytes_(frame_bytes),
         bytes_left_(most_bytes),
-        out_(std::max<std::size_t>(1, kBufferBytes / target.channels) * target.channels) {}
+        out_(target.format().channels, kBufferBytes / target.format().channels) {}
 
   /// False when the target did not go on.
   bool push(const void* data, std::size_t frames) {
@@ -80,21 +81,22 @@ class Encoding {
 
  private:
   bool drain() {
-    while (const std::size_t bytes = encoder_.pull(out_.data(), out_.size())) {
-      const auto count =
-          static_cast<std::size_t>(std::min<std::uint64_t>(bytes / target_.channels, bytes_left_));
+    for (;;) {
+      std::size_t bytes = 0;
+      encoder_.pull_planar(out_.places(), out_.bytes(), bytes);
+      if (bytes == 0) return true;
+      const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, bytes_left_));
       bytes_left_ -= count;
-      if (count > 0 && !target_.write(out_.data(), count)) return false;
+      if (count > 0 && !target_.Write(out_.places(), 1, count, false)) return false;
     }
-    return true;
   }
 
   Encoder& encoder_;
-  const DsdTarget& target_;
+  formats::SoundWriter& target_;
   std::size_t frame_bytes_;
   std::uint64_t bytes_left_;
   std::uint64_t frames_ = 0;
-  std::vector<std::uint8_t> out_;
+  ChannelBytes out_;
 };
 
 int read_all(const corvin_pcm_source& source, std::size_t frame_bytes,
@@ -120,13 +122,13 @@ std::uint32_t rate_between(const RateFamily& source, const RateFamily& target) {
 
 }  // namespace
 
-int convert_to_dsd(const corvin_pcm_source& source, const DsdTarget& target,
+int convert_to_dsd(const corvin_pcm_source& source, formats::SoundWriter& target,
                    const corvin_convert_settings& settings, corvin_convert_report& report) {
   std::unique_ptr<Encoder> encoder;
-  const int status =
-      Encoder::create(encoder_settings(source.pcm_rate, source.format, target, settings), encoder);
+  const int status = Encoder::create(
+      encoder_settings(source.pcm_rate, source.format, target.format(), settings), encoder);
   if (status != CORVIN_OK) return status;
-  const std::size_t frame_bytes = sample_bytes(source.format) * target.channels;
+  const std::size_t frame_bytes = sample_bytes(source.format) * target.format().channels;
   Encoding encoding(*encoder, target, frame_bytes, std::numeric_limits<std::uint64_t>::max());
   const int result = read_all(source, frame_bytes, settings, encoding);
   encoding.tell(report);
@@ -135,10 +137,11 @@ int convert_to_dsd(const corvin_pcm_source& source, const DsdTarget& target,
 }
 
 int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file,
-                     const DsdTarget& target, const corvin_convert_settings& settings,
+                     formats::SoundWriter& target, const corvin_convert_settings& settings,
                      corvin_convert_report& report) {
   const auto from = dsd_family(file.rate_hz);
-  const auto to = dsd_family(target.dsd_rate);
+  const formats::SoundFormat& format = target.format();
+  const auto to = dsd_family(format.rate_hz);
   if (!from || !to) return CORVIN_E_UNSUPPORTED;
 
   // The gain belongs to the encoder, the level of which the report tells.
@@ -149,11 +152,10 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
 
   std::unique_ptr<Encoder> encoder;
   const int status =
-      Encoder::create(encoder_settings(decoding.pcm_rate, CORVIN_F64, target, settings), encoder);
+      Encoder::create(encoder_settings(decoding.pcm_rate, CORVIN_F64, format, settings), encoder);
   if (status != CORVIN_OK) return status;
-  const std::uint64_t samples = samples_of(file.samples, file.rate_hz, target.dsd_rate);
-  Encoding encoding(*encoder, target, sizeof(double) * target.channels,
-                    samples / 8 + (samples % 8 != 0));
+  const std::uint64_t samples = samples_of(file.samples, file.rate_hz, format.rate_hz);
+  Encoding encoding(*encoder, target, sizeof(double) * format.channels, formats::BytesOf(samples));
 
   corvin_pcm_sink sink = {};
   sink.size = sizeof sink;
@@ -164,7 +166,7 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
   int result = convert_to_pcm(source, file, decoding, sink, report);
   if (result == CORVIN_OK) {
     // The PCM ends with the last whole frame, which may lie before the last sample.
-    const std::vector<double> silence(target.channels);
+    const std::vector<double> silence(format.channels);
     bool going = true;
     while (going && encoder->samples_of(encoding.frames()) < samples) {
       going = encoding.push(silence.data(), 1);

@@ -7,32 +7,20 @@
 #ifndef CORVIN_STUDIO_CONVERT_TO_DSD_H_
 #define CORVIN_STUDIO_CONVERT_TO_DSD_H_
 
-#include <cstddef>
-#include <cstdint>
-#include <functional>
-
 #include "corvin.h"
 #include "formats/sound_file.h"
+#include "formats/sound_writer.h"
 
 namespace corvin::studio {
 
-/// Where DSD goes.
-struct DsdTarget {
-  std::uint32_t dsd_rate;
-  std::uint32_t channels;
-  std::uint32_t bit_order;
-  /// Takes one byte of each channel in turn, `bytes` of each; false ends the conversion.
-  std::function<bool(const std::uint8_t* data, std::size_t bytes)> write;
-};
-
 /// As corvin_convert_to_dsd(), whose arguments are complete here, up to the last byte; `report` is
 /// filled as far as it goes. Throws std::bad_alloc and std::system_error.
-int convert_to_dsd(const corvin_pcm_source& source, const DsdTarget& target,
+int convert_to_dsd(const corvin_pcm_source& source, formats::SoundWriter& target,
                    const corvin_convert_settings& settings, corvin_convert_report& report);
 
 /// As corvin_convert_dsd_rate(), in the same way.
 int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file,
-                     const DsdTarget& target, const corvin_convert_settings& settings,
+                     formats::SoundWriter& target, const corvin_convert_settings& settings,
                      corvin_convert_report& report);
 
 }  // namespace corvin::studio

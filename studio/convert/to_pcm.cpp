@@ -9,6 +9,7 @@
 
 #include "studio/convert/read_ahead.h"
 #include "studio/decode/decoder.h"
+#include "studio/decode/decoder_settings.h"
 
 namespace corvin::studio {
 namespace {
@@ -17,8 +18,7 @@ constexpr std::size_t kOutputBytes = 1 << 18;
 
 corvin_decoder_settings decoder_settings(const formats::SoundFile& file,
                                          const corvin_convert_settings& settings) {
-  corvin_decoder_settings result;
-  corvin_decoder_settings_defaults(&result);
+  corvin_decoder_settings result = default_decoder_settings();
   result.dsd_rate = file.rate_hz;
   result.pcm_rate = settings.pcm_rate;
   result.channels = file.channels;
