@@ -3,14 +3,11 @@
 //
 // The C functions for whole conversions.
 
-#include <algorithm>
-#include <cstring>
-#include <exception>
+#include <cstdint>
 #include <limits>
-#include <system_error>
 
+#include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
-#include "studio/c_api/stream_bytes.h"
 #include "studio/convert/copy.h"
 #include "studio/convert/to_dsd.h"
 #include "studio/convert/to_pcm.h"
@@ -19,34 +16,18 @@ namespace corvin::studio {
 namespace {
 
 // The defaults where there are no settings or they end earlier.
-int adopt_settings(const corvin_convert_settings* settings, corvin_convert_settings& known) {
-  corvin_convert_settings_defaults(&known);
-  if (settings == nullptr) return CORVIN_OK;
-  if (settings->size < sizeof settings->size) return CORVIN_E_ARGUMENT;
-  std::memcpy(&known, settings, std::min(settings->size, sizeof known));
-  return CORVIN_OK;
+bool adopt_settings(const corvin_convert_settings* settings, corvin_convert_settings& known) {
+  return adopt(settings, known) || settings == nullptr;
 }
 
-bool valid(const corvin_convert_report* report) {
-  return report == nullptr || report->size >= sizeof report->size;
-}
+bool valid(const corvin_convert_report* report) { return report == nullptr || is_sized(report); }
 
-// Runs a conversion, keeps exceptions in and hands out the report.
+// Runs a conversion and hands out the report.
 template <class Conversion>
 int reported(corvin_convert_report* report, Conversion conversion) {
   corvin_convert_report result = {};
-  int status = CORVIN_OK;
-  try {
-    status = conversion(result);
-  } catch (const std::system_error&) {
-    status = CORVIN_E_THREAD;
-  } catch (const std::exception&) {
-    status = CORVIN_E_MEMORY;
-  }
-  if (report != nullptr) {
-    result.size = report->size;
-    std::memcpy(report, &result, std::min(report->size, sizeof result));
-  }
+  const int status = guarded([&] { return conversion(result); });
+  if (report != nullptr) hand_out(result, report);
   return status;
 }
 
@@ -79,7 +60,7 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
                           const corvin_pcm_sink* sink, corvin_convert_report* report) {
   corvin_convert_settings known;
   corvin_pcm_sink known_sink;
-  if (source == nullptr || corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+  if (source == nullptr || !corvin::studio::adopt_settings(settings, known) ||
       !corvin::studio::adopt(sink, known_sink) || known_sink.write == nullptr ||
       !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
@@ -95,7 +76,7 @@ int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target
                           const corvin_convert_settings* settings, corvin_convert_report* report) {
   corvin_convert_settings known;
   corvin_pcm_source known_source;
-  if (target == nullptr || corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+  if (target == nullptr || !corvin::studio::adopt_settings(settings, known) ||
       !corvin::studio::adopt(source, known_source) || known_source.read == nullptr ||
       known_source.channels != target->settings.channels || !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
@@ -111,8 +92,7 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
                             const corvin_convert_settings* settings,
                             corvin_convert_report* report) {
   corvin_convert_settings known;
-  if (source == nullptr || target == nullptr ||
-      corvin::studio::adopt_settings(settings, known) != CORVIN_OK ||
+  if (source == nullptr || target == nullptr || !corvin::studio::adopt_settings(settings, known) ||
       !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
@@ -131,8 +111,7 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
 int corvin_convert_copy(corvin_file* source, corvin_writer* target,
                         const corvin_convert_settings* settings) {
   corvin_convert_settings known;
-  if (source == nullptr || target == nullptr ||
-      corvin::studio::adopt_settings(settings, known) != CORVIN_OK) {
+  if (source == nullptr || target == nullptr || !corvin::studio::adopt_settings(settings, known)) {
     return CORVIN_E_ARGUMENT;
   }
   if (!source->reader) return corvin::studio::status_of(source->sound.readable);
@@ -141,12 +120,10 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
     return CORVIN_E_ARGUMENT;
   }
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
-  try {
+  return corvin::studio::guarded([&] {
     const int status = corvin::studio::copy(*source->reader, source->sound, *target->sound, known);
     return corvin::studio::complete(*target, status, source->sound.samples);
-  } catch (const std::exception&) {
-    return CORVIN_E_MEMORY;
-  }
+  });
 }
 
 }  // extern "C"

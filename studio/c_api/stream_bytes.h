@@ -11,7 +11,6 @@
 
 #include "corvin.h"
 #include "formats/bytes/byte_source.h"
-#include "studio/c_api/boundary.h"
 
 namespace corvin::studio {
 
