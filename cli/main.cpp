@@ -4,21 +4,18 @@
 // corvin: the library's command line. Here is only what all commands share.
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <string>
 
 #include "cli/commands/commands.h"
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
 #include "corvin.h"
 
 namespace {
-
-#define CORVIN_TEXT_(number) #number
-#define CORVIN_TEXT(number) CORVIN_TEXT_(number)
-constexpr const char* kVersion = "corvin " CORVIN_TEXT(CORVIN_VERSION_MAJOR) "." CORVIN_TEXT(
-    CORVIN_VERSION_MINOR) "." CORVIN_TEXT(CORVIN_VERSION_PATCH);
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done; 1 some of several inputs failed; 2 usage; 3 unreadable or\n"
@@ -28,12 +25,11 @@ int run(int argc, char** argv) {
   using namespace corvin::cli;
   int exit_code = kDone;
   CLI::App app("Looks into DSD files and converts them to PCM and back.", "corvin");
-  app.set_version_flag("--version", kVersion, "Print the version and exit");
+  app.set_version_flag("--version", std::string("corvin ") + corvin_version(),
+                       "Print the version and exit");
   app.require_subcommand(1);
   app.footer(kExitCodes);
-  add_info_command(app, exit_code);
-  add_tags_command(app, exit_code);
-  add_convert_command(app, exit_code);
+  for (AddCommand* add : kCommands) add(app, exit_code);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -43,10 +39,12 @@ int run(int argc, char** argv) {
       std::fprintf(stderr, "corvin: %s\nSee corvin --help.\n", error.what());
       exit_code = kUsage;
     }
+  } catch (const Failure& failure) {
+    exit_code = report(failure);
   }
   std::cout.flush();
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && exit_code == kDone)
-    exit_code = report("standard output", {kWriteError, std::strerror(errno)});
+    exit_code = report({kWriteError, "standard output", std::strerror(errno)});
   return exit_code;
 }
 

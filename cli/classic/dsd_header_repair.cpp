@@ -24,24 +24,27 @@ std::string big_endian(uint64_t number, int width) {
 }
 
 // The order of the speakers is that of WAV: front left and right, centre, low frequencies, back.
-bool repair_dsf(int descriptor, int channels) {
+bool repair_dsf(int descriptor, uint32_t channels) {
   constexpr char kChannelTypes[] = {0, 1, 2, 3, 4, 6, 7};
-  const auto field = [](int number) { return std::string{static_cast<char>(number), 0, 0, 0}; };
-  return put(descriptor, 48, field(kChannelTypes[channels]) + field(channels));
+  const auto field = [](uint32_t number) {
+    return std::string{static_cast<char>(number), 0, 0, 0};
+  };
+  return put(descriptor, 48,
+             field(static_cast<uint32_t>(kChannelTypes[channels])) + field(channels));
 }
 
-std::string channel_names(int channels) {
+std::string channel_names(uint32_t channels) {
   if (channels == 5) return "MLFTMRGTC   LS  RS  ";
   if (channels == 6) return "MLFTMRGTC   LFE LS  RS  ";
   if (channels == 1) return "C000";
   std::string names = "SLFTSRGT";
-  for (int c = 2; c < channels; ++c) names += "C00" + std::to_string(c);
+  for (uint32_t c = 2; c < channels; ++c) names += "C00" + std::to_string(c);
   return names;
 }
 
-// From three channels up the library leaves out one channel's name. A shorter name of the compression
-// makes up for its four bytes, so that nothing behind has to move.
-bool repair_dsdiff(int descriptor, int channels) {
+// From three channels up the library leaves out one channel's name. A shorter name of the
+// compression makes up for its four bytes, so that nothing behind has to move.
+bool repair_dsdiff(int descriptor, uint32_t channels) {
   const std::string names = channel_names(channels);
   if (channels == 1) {
     return put(descriptor, 36, big_endian(90, 8)) && put(descriptor, 68, big_endian(6, 8)) &&
@@ -58,9 +61,11 @@ bool repair_dsdiff(int descriptor, int channels) {
 
 }  // namespace
 
-bool repair_header(int descriptor, int kind, int channels) {
-  if (channels == 2 || kind == 3) return true;  // "1bit" headers are right for all
-  return kind == 2 ? repair_dsf(descriptor, channels) : repair_dsdiff(descriptor, channels);
+bool repair_header(int descriptor, corvin_container container, uint32_t channels) {
+  if (channels == 2 || container == CORVIN_ONE_BIT)
+    return true;  // "1bit" headers are right for all
+  return container == CORVIN_DSF ? repair_dsf(descriptor, channels)
+                                 : repair_dsdiff(descriptor, channels);
 }
 
 }  // namespace corvin::cli

@@ -7,15 +7,16 @@
 #ifndef CORVIN_CLI_CLASSIC_DSD_HEADER_REPAIR_H_
 #define CORVIN_CLI_CLASSIC_DSD_HEADER_REPAIR_H_
 
-namespace corvin::cli {
+#include <cstdint>
 
-/** Channels that a container of the kind 1..3 can tell. */
-constexpr int max_channels(int kind) { return kind == 2 ? 6 : 8; }
+#include "corvin.h"
+
+namespace corvin::cli {
 
 /** Writes channel counts and sizes into a complete file of the library.
  *  @param descriptor  open for writing
  *  @return            false: writing failed, errno tells why */
-bool repair_header(int descriptor, int kind, int channels);
+bool repair_header(int descriptor, corvin_container container, uint32_t channels);
 
 }  // namespace corvin::cli
 

@@ -8,34 +8,31 @@
 #include <span>
 #include <string>
 
-#include "cli/classic/dsd_source.h"
 #include "cli/classic/level_meter.h"
 #include "cli/classic/pcm_pipe.h"
-#include "cli/convert/convert.h"
-#include "cli/files/output_file.h"
+#include "cli/classic/ways.h"
 #include "cli/files/wav_writer.h"
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
+#include "cli/words/measures.h"
+#include "cli/words/outcome.h"
 #include "cli/words/progress_line.h"
-#include "corvin.h"
 
 namespace corvin::cli {
 namespace {
 
-constexpr int kMaxRateHz = 768000;
-
 // What the conversion's progress callback works on.
 struct Watch {
   ProgressLine line;
-  const PcmPipe& pipe;
+  const PcmDrain& drain;
 };
 
 bool go_on(int percent, void* data) {
   auto* watch = static_cast<Watch*>(data);
   watch->line.show(percent);
-  return !watch->pipe.refused();
+  return !watch->drain.refused();
 }
 
-uint64_t expected_frames(const DSD_INFO& info, int rate_hz) {
+uint64_t expected_frames(const DSD_INFO& info, uint32_t rate_hz) {
   // In two parts, as the product of a long file's length and a high rate may pass 64 bits.
   const uint64_t seconds = info.sampleCount / info.samplingFrequency;
   const uint64_t rest = info.sampleCount % info.samplingFrequency;
@@ -44,51 +41,36 @@ uint64_t expected_frames(const DSD_INFO& info, int rate_hz) {
 
 }  // namespace
 
-ExitCode convert_to_wav_classic(const ConvertOptions& options, const DsdSource& source) {
-  const DSD_INFO& info = source.info;
-  if (container_of(options.output) != 0)
-    return report(options.output,
-                  {kUsage, "a DSD file is converted to WAV, which this name denies"});
-  int rate_hz = default_pcm_rate_hz(info.samplingFrequency);
-  if (!options.rate.empty()) {
-    rate_hz = parse_rate_hz(options.rate, kMaxRateHz);
-    if (rate_hz == 0)
-      return report("--rate", {kUsage, options.rate + " is no whole number from 1 to " +
-                                           std::to_string(kMaxRateHz)});
-  }
-  if (static_cast<uint32_t>(rate_hz) > info.samplingFrequency)
-    return report(options.input,
-                  {kUsage, "its rate of " + std::to_string(info.samplingFrequency) +
-                               " Hz is below the " + std::to_string(rate_hz) + " Hz asked for"});
-  if (const char* option = options.studio_option())
-    return report(option, {kUsage, "is not for the classic engine"});
-  const int bits = options.bits.empty() ? 24 : std::stoi(options.bits);
+void convert_dsd_to_wav_classic(const ClassicWavRequest& request, const DsdHeaders& input) {
+  const DSD_INFO& info = input.info;
+  const uint32_t channels = info.channels == 1 ? 1 : 2;
+  const int bits = bits_of(request.format);
+  const size_t bytes_per_frame = channels * static_cast<size_t>(bits / 8);
+  const uint64_t expected = expected_frames(info, request.rate_hz);
+  const auto rate_hz = static_cast<int>(request.rate_hz);
 
-  OutputFile output(
-      {.path = options.output, .input_path = options.input, .overwrite = options.overwrite});
-  if (const auto failure = output.open()) return report(options.output, *failure);
-
-  const int channels = info.channels == 1 ? 1 : 2;
-  const size_t bytes_per_frame = static_cast<size_t>(channels * bits / 8);
+  OutputFile output(request.output);
   WavWriter writer({.descriptor = output.descriptor(),
                     .rate_hz = rate_hz,
-                    .channels = channels,
-                    .encoding = encoding_of_bits(bits),
-                    .expected_bytes = expected_frames(info, rate_hz) * bytes_per_frame});
-  if (!writer.error().empty()) return report(options.output, {kWriteError, writer.error()});
+                    .channels = static_cast<int>(channels),
+                    .format = request.format,
+                    .expected_bytes = expected * bytes_per_frame});
+  const auto require_written = [&](bool is_written) {
+    if (!is_written) throw Failure(kWriteError, request.output.path, writer.error());
+  };
+  require_written(writer.error().empty());
 
   LevelMeter level(bits);
   uint64_t frames = 0;
   int result = 0;
   {
-    PcmPipe pipe;
-    Watch watch{{}, pipe};
+    PcmDrain drain;
+    Watch watch{{}, drain};
     watch.line.show(0);
-    pipe.run(
+    drain.run(
         bytes_per_frame,
         [&](std::FILE* stream) {
-          result =
-              DSDtoPCM(options.input.c_str(), stream, go_on, &watch, 0, 0, rate_hz, bits, false);
+          result = DSDtoPCM(input.path.c_str(), stream, go_on, &watch, 0, 0, rate_hz, bits, false);
         },
         [&](std::span<const uint8_t> pcm) {
           level.add(pcm);
@@ -96,24 +78,20 @@ ExitCode convert_to_wav_classic(const ConvertOptions& options, const DsdSource& 
           return writer.write(pcm);
         });
   }
-  if (!writer.error().empty()) return report(options.output, {kWriteError, writer.error()});
-  const uint64_t expected = expected_frames(info, rate_hz);
-  if (result != 0) return report(options.input, {kBadInput, "cannot be converted"});
-  if (frames == 0 && expected != 0)
-    return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  if (!writer.finish()) return report(options.output, {kWriteError, writer.error()});
-  if (const auto failure = output.commit()) return report(options.output, *failure);
+  require_written(writer.error().empty());
+  if (result != 0) throw Failure(kBadInput, input.path, "cannot be converted");
+  if (frames == 0 && expected != 0) throw no_convertible_sound(input.path);
+  require_written(writer.finish());
+  output.commit();
 
   if (info.channels > 2)
-    note(options.input, "has " + std::to_string(info.channels) +
-                            " channels, of which the first two are converted");
-  if (expected == 0) note(options.input, "holds no sound");
-  if (source.is_cut_short() || frames < expected)
-    note(options.input, "is cut short: it declares more sound than it holds");
-  std::printf("%s: %d Hz, %d bits, %d channel%s, %s, %s\n", options.output.c_str(), rate_hz, bits,
-              channels, channels == 1 ? "" : "s",
-              duration_text(frames, static_cast<uint32_t>(rate_hz)).c_str(), level.text().c_str());
-  return kDone;
+    note(input.path, "has " + std::to_string(info.channels) +
+                         " channels, of which the first two are converted");
+  if (expected == 0) note_no_sound(input.path);
+  if (input.is_cut_short() || frames < expected) note_cut_short(input.path);
+  print_summary(request.output.path, {std::to_string(rate_hz) + " Hz",
+                                      std::to_string(bits) + " bits", counted(channels, "channel"),
+                                      duration_text(frames, request.rate_hz), level.text()});
 }
 
 }  // namespace corvin::cli

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+
+#include "cli/words/measures.h"
 
 namespace corvin::cli {
 
@@ -25,11 +26,9 @@ void LevelMeter::add(std::span<const uint8_t> pcm) {
 }
 
 std::string LevelMeter::text() const {
-  if (peak_ == 0) return "silent";
-  char text[80];
-  std::snprintf(text, sizeof text, "peak %.2f dBFS, RMS %.2f dBFS", 20 * std::log10(peak_),
-                10 * std::log10(sum_of_squares_ / static_cast<double>(samples_)));
-  return text;
+  if (peak_ == 0) return level_text(0);
+  const double mean_square = sum_of_squares_ / static_cast<double>(samples_);
+  return level_text(peak_) + ", RMS " + dbfs_text(10 * std::log10(mean_square));
 }
 
 }  // namespace corvin::cli

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Takes the PCM that a conversion writes to a FILE* and hands it on as it comes, so that it never
-// lies anywhere as a whole. The converter runs on the calling thread, the receiver on another.
+// The classic engine's conversions read and write PCM as a FILE*. Here that is a pipe, so that the
+// PCM never lies anywhere as a whole. The converter runs on the calling thread, the other end on a
+// thread of its own.
 
 #ifndef CORVIN_CLI_CLASSIC_PCM_PIPE_H_
 #define CORVIN_CLI_CLASSIC_PCM_PIPE_H_
@@ -15,7 +16,8 @@
 
 namespace corvin::cli {
 
-class PcmPipe {
+/** Takes the PCM that a converter writes, and hands it on as it comes. */
+class PcmDrain {
  public:
   /** Writes PCM to the stream and comes back when there is no more. */
   using Converter = std::function<void(std::FILE*)>;
@@ -35,6 +37,17 @@ class PcmPipe {
   void receive(int descriptor, size_t bytes_per_frame, const Receiver& receiver);
   std::atomic<bool> refused_ = false;
 };
+
+/** Puts PCM into the buffer and returns how many bytes; 0: there is no more. */
+using PcmProducer = std::function<size_t(std::span<uint8_t>)>;
+
+/** Reads PCM from the stream until it has enough. */
+using PcmConsumer = std::function<void(std::FILE*)>;
+
+/** Runs both until both are through. A converter that comes back early ends the producer with the
+ *  block it is at. SIGPIPE must be ignored.
+ *  Throws std::system_error when there are no descriptors or threads left. */
+void feed_pcm(const PcmProducer& producer, const PcmConsumer& converter);
 
 }  // namespace corvin::cli
 

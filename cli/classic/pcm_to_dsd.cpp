@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cstdint>
@@ -15,63 +14,49 @@
 #include <string>
 
 #include "cli/classic/dsd_header_repair.h"
-#include "cli/classic/dsd_source.h"
+#include "cli/classic/integer_pcm.h"
 #include "cli/classic/level_meter.h"
-#include "cli/classic/pcm_feed.h"
-#include "cli/convert/convert.h"
-#include "cli/files/output_file.h"
-#include "cli/files/pcm_source.h"
+#include "cli/classic/pcm_pipe.h"
+#include "cli/classic/ways.h"
+#include "cli/files/dsd_container.h"
 #include "cli/files/pcm_tags.h"
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
+#include "cli/words/measures.h"
+#include "cli/words/outcome.h"
 #include "cli/words/progress_line.h"
-#include "corvin.h"
 
 namespace corvin::cli {
 namespace {
 
-constexpr int kMinDsdRateHz = 64 * 44100;
-constexpr int kMaxDsdRateHz = 256 * 48000;
-constexpr int kMaxChannels = 8;
-
-bool go_on(int percent, void* data) {
-  static_cast<ProgressLine*>(data)->show(percent);
-  return true;
-}
-
-// 0: the rate is none of those that --help lists.
-int dsd_rate_hz(const std::string& text, int pcm_rate_hz) {
-  const int base_hz = is_48k_family(static_cast<uint32_t>(pcm_rate_hz)) ? 48000 : 44100;
-  for (const int multiple : {64, 128, 256})
-    if (text == "dsd" + std::to_string(multiple)) return multiple * base_hz;
-  const int rate_hz = parse_rate_hz(text, kMaxDsdRateHz);
-  return rate_hz >= kMinDsdRateHz ? rate_hz : 0;
-}
-
 // Whether rate / base_hz is a power of two.
-bool is_octave_of(int base_hz, int rate_hz) {
-  return rate_hz % base_hz == 0 && std::has_single_bit(static_cast<unsigned>(rate_hz / base_hz));
+bool is_octave_of(uint32_t base_hz, uint32_t rate_hz) {
+  return rate_hz % base_hz == 0 && std::has_single_bit(rate_hz / base_hz);
 }
 
 // The library converts every pair of rates, but others than these at a level that is far off.
-bool is_planned(int pcm_rate_hz, int dsd_rate_hz) {
-  const auto is_of_a_family = [](int rate_hz) {
+bool is_planned(uint32_t pcm_rate_hz, uint32_t dsd_rate_hz) {
+  const auto is_of_a_family = [](uint32_t rate_hz) {
     return is_octave_of(44100, rate_hz) || is_octave_of(48000, rate_hz);
   };
   return is_of_a_family(pcm_rate_hz) && pcm_rate_hz <= 768000 && is_of_a_family(dsd_rate_hz);
 }
 
-std::optional<Failure> check_source(const PcmSource& source, int kind, int dsd_rate_hz) {
-  const int most = std::min(max_channels(kind), kMaxChannels);
-  const std::string name = kind_name(static_cast<uint32_t>(kind));
-  if (source.channels() > most)
-    return Failure{source.channels() > kMaxChannels ? kBadInput : kUsage,
-                   "has " + std::to_string(source.channels()) + " channels; " + name +
-                       " takes up to " + std::to_string(most)};
-  if (!is_planned(source.rate_hz(), dsd_rate_hz))
-    return Failure{kBadInput, "has a rate of " + std::to_string(source.rate_hz()) +
-                                  " Hz, for which there is no filter to " +
-                                  std::to_string(dsd_rate_hz) + " Hz"};
-  return {};
+void require_possible(const ClassicDsdRequest& request, const PcmInput& input) {
+  const uint32_t most = most_channels(request.container);
+  if (input.channels() > most)
+    throw Failure(input.channels() > kMostChannels ? kBadInput : kUsage, input.path(),
+                  "has " + counted(input.channels(), "channel") + "; " +
+                      container_name(request.container) + " takes up to " + std::to_string(most));
+  if (!is_planned(input.rate_hz(), request.dsd_rate_hz))
+    throw Failure(kBadInput, input.path(),
+                  "has a rate of " + std::to_string(input.rate_hz()) +
+                      " Hz, for which there is no filter to " +
+                      std::to_string(request.dsd_rate_hz) + " Hz");
+}
+
+bool go_on(int percent, void* data) {
+  static_cast<ProgressLine*>(data)->show(percent);
+  return true;
 }
 
 // The library does not tell why it failed; one more write to the same file does.
@@ -85,89 +70,78 @@ std::string why_writing_failed(int descriptor) {
   return std::strerror(errno);
 }
 
+// What one pass over the input found.
+struct Pass {
+  uint64_t frames = 0;  // that there were
+  uint64_t clipped = 0;
+  std::string level;
+};
+
+// Writes the file with a header for `frames` frames.
+Pass write_dsd(const ClassicDsdRequest& request, PcmInput input, uint64_t frames, Tags& tags,
+               const OutputFile& output) {
+  IntegerPcm pcm(input);
+  LevelMeter level(pcm.bits(), true);
+  AudioStreamBasicDescription format{};
+  format.mSampleRate = input.rate_hz();
+  format.mChannelsPerFrame = input.channels();
+  format.mBitsPerChannel = static_cast<uint32_t>(pcm.bits());
+  Pass pass;
+  int result = 0;
+  {
+    ProgressLine progress;
+    progress.show(0);
+    feed_pcm(
+        [&](std::span<uint8_t> buffer) {
+          const size_t bytes = pcm.read(buffer);
+          level.add(buffer.first(bytes));
+          pass.frames += bytes / pcm.bytes_per_frame();
+          return bytes;
+        },
+        [&](std::FILE* stream) {
+          result =
+              PCMtoDSD(request.container, static_cast<long long>(frames * pcm.bytes_per_frame()),
+                       stream, output.path().c_str(), static_cast<int>(request.dsd_rate_hz), go_on,
+                       format, &progress, &tags);
+        });
+  }
+  if (result != 0)
+    throw Failure(kWriteError, request.output.path, why_writing_failed(output.descriptor()));
+  pass.clipped = pcm.clipped();
+  pass.level = level.text();
+  return pass;
+}
+
 }  // namespace
 
-ExitCode convert_to_dsd_classic(const ConvertOptions& options) {
-  PcmSource source;
-  if (const auto failure = source.open(options.input)) return report(options.input, *failure);
-  const int kind = container_of(options.output);
-  if (kind == 0)
-    return report(options.output,
-                  {kUsage, "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit"});
-  if (const char* option = options.wav_option())
-    return report(option, {kUsage, "is for WAV files"});
-  if (const char* option = options.studio_option())
-    return report(option, {kUsage, "needs the studio engine"});
-  const std::string rate = options.rate.empty() ? "dsd64" : options.rate;
-  const int rate_hz = dsd_rate_hz(rate, source.rate_hz());
-  if (rate_hz == 0)
-    return report("--rate", {kUsage, rate +
-                                         " is neither dsd64, dsd128 nor dsd256, nor a whole "
-                                         "number from " +
-                                         std::to_string(kMinDsdRateHz) + " to " +
-                                         std::to_string(kMaxDsdRateHz)});
-  if (const auto failure = check_source(source, kind, rate_hz))
-    return report(options.input, *failure);
-
-  OutputFile output(
-      {.path = options.output, .input_path = options.input, .overwrite = options.overwrite});
-  if (const auto failure = output.open()) return report(options.output, *failure);
-
-  AudioStreamBasicDescription format{};
-  format.mSampleRate = source.rate_hz();
-  format.mChannelsPerFrame = static_cast<uint32_t>(source.channels());
-  format.mBitsPerChannel = static_cast<uint32_t>(source.bits());
-  LevelMeter level(source.bits(), true);
-  const auto declared = source.declared_frames();
-  uint64_t frames = declared ? *declared : source.count_frames();
+void convert_pcm_to_dsd_classic(const ClassicDsdRequest& request, PcmInput& input) {
+  require_possible(request, input);
+  OutputFile output(request.output);
+  const auto declared = input.declared_frames();
+  uint64_t frames = declared ? *declared : IntegerPcm(input).count_frames();
   Tags tags;
-  if (kind == 2) read_pcm_tags(options.input, source, tags);
+  if (request.container == CORVIN_DSF) tags = read_pcm_tags(input);
+  Pass pass = write_dsd(request, PcmInput(input.path()), frames, tags, output);
   bool is_cut_short = false;
-  int result = 0;
-  for (;;) {
-    if (const auto failure = source.open(options.input)) return report(options.input, *failure);
-    level = LevelMeter(source.bits(), true);
-    uint64_t held = 0;
-    {
-      ProgressLine progress;
-      progress.show(0);
-      feed_pcm(
-          [&](std::span<uint8_t> buffer) {
-            const size_t bytes = source.read(buffer);
-            level.add(buffer.first(bytes));
-            held += bytes / source.bytes_per_frame();
-            return bytes;
-          },
-          [&](std::FILE* pcm) {
-            result = PCMtoDSD(kind, static_cast<long long>(frames * source.bytes_per_frame()), pcm,
-                              output.path().c_str(), rate_hz, go_on, format, &progress, &tags);
-          });
-    }
-    if (result != 0)
-      return report(options.output, {kWriteError, why_writing_failed(output.descriptor())});
-    if (held >= frames) break;
-    // The header is written first, by the length that the source declares: once more, by what it
-    // turned out to hold.
+  // The header is written first, by the length that the source declares: once more, by what it
+  // turned out to hold.
+  while (pass.frames < frames) {
     is_cut_short = true;
-    frames = held;
+    frames = pass.frames;
+    pass = write_dsd(request, PcmInput(input.path()), frames, tags, output);
   }
-  if (is_cut_short && frames == 0)
-    return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  if (!repair_header(output.descriptor(), kind, source.channels()))
-    return report(options.output, {kWriteError, std::strerror(errno)});
-  if (const auto failure = output.commit()) return report(options.output, *failure);
+  if (is_cut_short && frames == 0) throw no_convertible_sound(input.path());
+  if (!repair_header(output.descriptor(), request.container, input.channels()))
+    throw Failure(kWriteError, request.output.path, std::strerror(errno));
+  output.commit();
 
-  if (frames == 0) note(options.input, "holds no sound");
-  if (is_cut_short) note(options.input, "is cut short: it declares more sound than it holds");
-  if (source.clipped() != 0)
-    note(options.input, std::to_string(source.clipped()) + " sample" +
-                            (source.clipped() == 1 ? "" : "s") + " beyond full scale clipped");
-  std::printf(
-      "%s: %s, %s, %d channel%s, %s, %s\n", options.output.c_str(),
-      kind_name(static_cast<uint32_t>(kind)), rate_name(static_cast<uint32_t>(rate_hz)).c_str(),
-      source.channels(), source.channels() == 1 ? "" : "s",
-      duration_text(frames, static_cast<uint32_t>(source.rate_hz())).c_str(), level.text().c_str());
-  return kDone;
+  if (frames == 0) note_no_sound(input.path());
+  if (is_cut_short) note_cut_short(input.path());
+  note_clips(input.path(), pass.clipped);
+  print_summary(
+      request.output.path,
+      {container_name(request.container), rate_name(request.dsd_rate_hz),
+       counted(input.channels(), "channel"), duration_text(frames, input.rate_hz()), pass.level});
 }
 
 }  // namespace corvin::cli

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The tool's commands. Each file <name>_command.cpp declares its own options and runs the command
-// when it is chosen, so that a new command is one new file and one line here and in main.cpp.
+// The tool's commands: one file <name>.cpp each, which declares the command's options and runs it
+// when it is chosen. A new command is one new file and its line in the list here.
 
 #ifndef CORVIN_CLI_COMMANDS_COMMANDS_H_
 #define CORVIN_CLI_COMMANDS_COMMANDS_H_
@@ -13,11 +13,21 @@ class App;
 
 namespace corvin::cli {
 
-/** Adds a command to `app`. When parsing meets it, it runs and leaves its ExitCode in `exit_code`;
- *  both arguments must outlive the parsing. */
-void add_info_command(CLI::App& app, int& exit_code);
-void add_convert_command(CLI::App& app, int& exit_code);
-void add_tags_command(CLI::App& app, int& exit_code);
+/** What --engine chooses from. */
+enum class Engine { kStudio, kClassic };
+
+/** Adds a command to `app`. When parsing meets it, it runs and leaves its ExitCode in `exit_code`,
+ *  or throws Failure; both arguments must outlive the parsing. */
+using AddCommand = void(CLI::App& app, int& exit_code);
+
+AddCommand add_info_command, add_tags_command, add_convert_command;
+
+/** In the order of --help. */
+inline constexpr AddCommand* kCommands[] = {
+    add_info_command,
+    add_tags_command,
+    add_convert_command,
+};
 
 }  // namespace corvin::cli
 

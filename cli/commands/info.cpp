@@ -7,26 +7,30 @@
 #include <cinttypes>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "cli/classic/dsd_source.h"
+#include "cli/classic/dsd_headers.h"
+#include "cli/commands/choice_option.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/each_input.h"
+#include "cli/files/dsd_container.h"
 #include "cli/files/dsd_input.h"
-#include "cli/words/exit_code.h"
+#include "cli/files/speakers.h"
+#include "cli/words/measures.h"
+#include "cli/words/outcome.h"
 
 namespace corvin::cli {
 namespace {
 
 struct Options {
   std::vector<std::string> paths;
-  std::string engine = "studio";
+  Engine engine = Engine::kStudio;
 };
 
 struct Facts {
-  uint32_t kind;
+  uint32_t container;
   std::string compression;
   uint32_t channels;
   uint32_t speakers;
@@ -45,17 +49,9 @@ std::string plain_text(std::span<const char> field) {
   return text;
 }
 
-std::string speaker_names(uint32_t speakers) {
-  constexpr const char* kNames[] = {"FL", "FR", "FC", "LFE", "BL", "BR"};
-  std::string names;
-  for (uint32_t bit = 0; bit < 6; ++bit)
-    if ((speakers >> bit & 1) != 0) names += (names.empty() ? "" : " ") + std::string(kNames[bit]);
-  return names;
-}
-
 void print(const std::string& path, const Facts& facts) {
   std::printf("%s\n", path.c_str());
-  std::printf("  kind                 %s\n", kind_name(facts.kind));
+  std::printf("  kind                 %s\n", container_name(facts.container));
   if (!facts.compression.empty())
     std::printf("  compression          %s\n", facts.compression.c_str());
   std::printf("  channels             %" PRIu32 "\n", facts.channels);
@@ -68,37 +64,26 @@ void print(const std::string& path, const Facts& facts) {
   std::fflush(stdout);  // keeps notes below what they are about
 }
 
-std::optional<Failure> tell(const std::string& path) {
-  StudioSource source;
-  if (auto failure = source.open(path)) return failure;
-  const corvin_file_info& info = source.info();
-  const auto problem = source.problem();
-  const uint64_t samples = problem ? info.stated_samples : info.samples;
+void tell(const std::string& path) {
+  const DsdInput input = DsdInput::open_dsd(path);
+  const corvin_file_info& info = input.info();
+  const std::string problem = input.problem();
+  const uint64_t samples = problem.empty() ? info.samples : info.stated_samples;
   const uint64_t sound_bytes =
-      problem ? info.sound_bytes : (samples / 8 + (samples % 8 != 0)) * info.channels;
+      problem.empty() ? (samples / 8 + (samples % 8 != 0)) * info.channels : info.sound_bytes;
   print(path, {info.container, plain_text(info.compression), info.channels, info.speakers,
                info.dsd_rate, samples, sound_bytes});
-  if (problem) note(path, *problem);
-  source.note_warnings(path);
-  return {};
+  if (!problem.empty()) note(path, problem);
+  input.note_warnings();
 }
 
-std::optional<Failure> tell_classic(const std::string& path) {
-  DsdSource source;
-  if (auto failure = read_source(path, source)) return failure;
-  const DSD_INFO& info = source.info;
+void tell_classic(const std::string& path) {
+  const auto input = read_dsd_headers(path);
+  if (!input) throw no_dsd_file(path);
+  const DSD_INFO& info = input->info;
   print(path, {info.format, plain_text(info.compressionName), info.channels, 0,
-               info.samplingFrequency, info.sampleCount, source.sound_bytes()});
-  if (source.is_cut_short()) note(path, "is cut short: it declares more sound than it holds");
-  return {};
-}
-
-int run(const Options& options) {
-  ExitCode exit_code = kDone;
-  for (const std::string& path : options.paths)
-    if (const auto failure = options.engine == "classic" ? tell_classic(path) : tell(path))
-      exit_code = report(path, *failure);
-  return exit_code != kDone && options.paths.size() > 1 ? kSomeInputsFailed : exit_code;
+               info.samplingFrequency, info.sampleCount, input->sound_bytes()});
+  if (input->is_cut_short()) note_cut_short(path);
 }
 
 }  // namespace
@@ -107,13 +92,15 @@ void add_info_command(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("info", "Print what DSD files hold");
   auto options = std::make_shared<Options>();
   command->add_option("FILE", options->paths, "DSDIFF, DSF or 1bit files")->required();
-  command
-      ->add_option("--engine", options->engine,
-                   "Whose view of the files: studio, the sound that is there; or classic, what the "
-                   "headers declare")
+  add_choice(*command, "--engine", options->engine, kEngines,
+             "Whose view of the files: studio, the sound that is there; or classic, what the "
+             "headers declare")
       ->type_name("NAME")
       ->check(CLI::IsMember({"studio", "classic"}));
-  command->callback([options, &exit_code] { exit_code = run(*options); });
+  command->callback([options, &exit_code] {
+    const bool is_classic = options->engine == Engine::kClassic;
+    exit_code = for_each_input(options->paths, is_classic ? tell_classic : tell);
+  });
 }
 
 }  // namespace corvin::cli

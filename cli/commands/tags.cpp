@@ -7,17 +7,16 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/each_input.h"
 #include "cli/files/dsd_input.h"
-#include "cli/files/pcm_tags.h"
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
 #include "cli/words/unicode_text.h"
-#include "corvin.h"
+#include "corvin.hpp"
 
 namespace corvin::cli {
 namespace {
@@ -27,13 +26,8 @@ struct Options {
   bool as_json = false;
 };
 
-template <size_t size>
-std::string text_of(const char (&field)[size]) {
-  return {field, strnlen(field, size)};
-}
-
 // In the order of printing; the year stands in as a text.
-std::vector<std::pair<const char*, std::string>> texts_of(const DSD_TAG& tags) {
+std::vector<std::pair<const char*, std::string>> texts_of(const Tags& tags) {
   return {{"title", text_of(tags.title)},
           {"artist", text_of(tags.artist)},
           {"album", text_of(tags.album)},
@@ -45,11 +39,7 @@ std::vector<std::pair<const char*, std::string>> texts_of(const DSD_TAG& tags) {
           {"copyright", text_of(tags.rightsNotice)}};
 }
 
-std::span<DSD_PICTURE* const> pictures_of(const DSD_TAG& tags) {
-  return {tags.pictures, static_cast<size_t>(tags.pictureCount)};
-}
-
-void print(const std::string& path, const DSD_TAG& tags) {
+void print(const std::string& path, const Tags& tags) {
   std::printf("%s\n", path.c_str());
   bool is_empty = true;
   for (const auto& [name, text] : texts_of(tags)) {
@@ -57,7 +47,7 @@ void print(const std::string& path, const DSD_TAG& tags) {
     std::printf("  %-9s  %s\n", name, printable(text).c_str());
     is_empty = false;
   }
-  for (const DSD_PICTURE* picture : pictures_of(tags)) {
+  for (const DSD_PICTURE* picture : tags.all_pictures()) {
     const std::string description = printable(text_of(picture->description));
     std::printf("  picture    type %d, %s, %d bytes%s%s\n", picture->pictureType,
                 printable(text_of(picture->mime)).c_str(), picture->dataSize,
@@ -67,7 +57,7 @@ void print(const std::string& path, const DSD_TAG& tags) {
   if (is_empty) std::printf("  no tags\n");
 }
 
-void print_json(const std::string& path, const DSD_TAG& tags, bool is_first) {
+void print_json(const std::string& path, const Tags& tags, bool is_first) {
   std::printf("%s\n  {\"file\": %s", is_first ? "" : ",", json_string(path).c_str());
   for (const auto& [name, text] : texts_of(tags)) {
     if (text.empty()) continue;
@@ -76,7 +66,7 @@ void print_json(const std::string& path, const DSD_TAG& tags, bool is_first) {
   }
   std::printf(", \"pictures\": [");
   const char* separator = "";
-  for (const DSD_PICTURE* picture : pictures_of(tags)) {
+  for (const DSD_PICTURE* picture : tags.all_pictures()) {
     std::printf("%s{\"type\": %d, \"mime\": %s, \"description\": %s, \"bytes\": %d}", separator,
                 picture->pictureType, json_string(text_of(picture->mime)).c_str(),
                 json_string(text_of(picture->description)).c_str(), picture->dataSize);
@@ -85,29 +75,28 @@ void print_json(const std::string& path, const DSD_TAG& tags, bool is_first) {
   std::printf("]}");
 }
 
+Tags tags_of(const std::string& path) {
+  DsdInput input = DsdInput::open_dsd(path);
+  try {
+    return input.file().tags();
+  } catch (const Error& error) {
+    throw Failure(kBadInput, path, error.what());
+  }
+}
+
 int run(const Options& options) {
-  ExitCode exit_code = kDone;
   bool is_first = true;
   if (options.as_json) std::printf("[");
-  for (const std::string& path : options.paths) {
-    StudioSource source;
-    if (const auto failure = source.open(path)) {
-      exit_code = report(path, *failure);
-      continue;
-    }
-    Tags tags;
-    if (const int status = corvin_file_get_tags(source.handle(), &tags); status != CORVIN_OK) {
-      exit_code = report(path, {kBadInput, corvin_strerror(status)});
-      continue;
-    }
+  const ExitCode exit_code = for_each_input(options.paths, [&](const std::string& path) {
+    const Tags tags = tags_of(path);
     if (options.as_json)
       print_json(path, tags, is_first);
     else
       print(path, tags);
     is_first = false;
-  }
+  });
   if (options.as_json) std::printf("%s]\n", is_first ? "" : "\n");
-  return exit_code != kDone && options.paths.size() > 1 ? kSomeInputsFailed : exit_code;
+  return exit_code;
 }
 
 }  // namespace

@@ -1,140 +1,71 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from a DSD file to a WAV file, by the studio engine.
+// corvin convert from a DSD file to a WAV file.
 
-#include <algorithm>
-#include <cinttypes>
-#include <cstdio>
-#include <memory>
+#include <optional>
 #include <string>
 
-#include "cli/convert/convert.h"
-#include "cli/convert/studio_settings.h"
-#include "cli/files/output_file.h"
+#include "cli/convert/engine_run.h"
+#include "cli/convert/ways.h"
 #include "cli/files/wav_writer.h"
-#include "cli/words/progress_line.h"
+#include "cli/words/measures.h"
+#include "cli/words/outcome.h"
 
 namespace corvin::cli {
 namespace {
 
-struct Encoding {
-  const char* name;  // as given
-  const char* words;
-  uint32_t format;
-  WavEncoding wav;
-  size_t bytes;
-};
-
-constexpr Encoding kEncodings[] = {
-    {"24", "24 bits", CORVIN_S24, WavEncoding::k24, 3},
-    {"16", "16 bits", CORVIN_S16, WavEncoding::k16, 2},
-    {"32", "32 bits", CORVIN_S32, WavEncoding::k32, 4},
-    {"float", "32-bit float", CORVIN_F32, WavEncoding::kFloat, 4},
-};
-
-const Encoding& encoding_of(const std::string& bits) {
-  const auto found = std::find_if(std::begin(kEncodings), std::end(kEncodings),
-                                  [&](const Encoding& one) { return bits == one.name; });
-  return found == std::end(kEncodings) ? kEncodings[0] : *found;
-}
-
-// What the conversion's callbacks work on.
-struct Job {
-  const ConvertOptions& options;
-  const Encoding& encoding;
-  OutputFile& output;
-  std::unique_ptr<WavWriter> writer = {};
-  size_t bytes_per_frame = 0;
-  ProgressLine line = {};
-};
-
-int begin(void* user, const corvin_pcm_format* format) {
-  auto& job = *static_cast<Job*>(user);
-  job.bytes_per_frame = format->channels * job.encoding.bytes;
-  job.writer = std::make_unique<WavWriter>(
-      WavWriter::Config{.descriptor = job.output.descriptor(),
-                        .rate_hz = static_cast<int>(format->pcm_rate),
-                        .channels = static_cast<int>(format->channels),
-                        .speakers = format->speakers,
-                        .encoding = job.encoding.wav,
-                        .expected_bytes = format->frames * job.bytes_per_frame});
-  return job.writer->error().empty() ? 0 : 1;
-}
-
-int write(void* user, const void* frames, size_t count) {
-  auto& job = *static_cast<Job*>(user);
-  const auto* bytes = static_cast<const uint8_t*>(frames);
-  return job.writer->write({bytes, count * job.bytes_per_frame}) ? 0 : 1;
-}
-
-bool is_studio_rate(int rate_hz) {
-  for (int times = 1; times <= 16; times *= 2)
-    if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
-  return false;
-}
-
-corvin_convert_settings settings_of(const ConvertOptions& options, int rate_hz, Job& job) {
-  corvin_convert_settings settings = studio_settings(options, job.line);
-  settings.pcm_rate = static_cast<uint32_t>(rate_hz);
-  settings.format = job.encoding.format;
-  if (options.dither == "none") settings.dither = CORVIN_DITHER_NONE;
-  if (options.dither == "shaped") settings.dither = CORVIN_DITHER_SHAPED;
-  if (options.phase == "minimum") settings.phase = CORVIN_MINIMUM_PHASE;
-  return settings;
-}
-
-Failure failure_of(int status, const StudioSource& source) {
-  if (status == CORVIN_E_UNSUPPORTED)
-    return {kBadInput, "has a rate of " + std::to_string(source.info().dsd_rate) +
-                           " Hz, which the studio engine does not convert; --engine classic may"};
-  return {kBadInput, corvin_strerror(status)};
+std::string format_name(corvin_sample_format format) {
+  return format == CORVIN_F32 ? "32-bit float" : std::to_string(bits_of(format)) + " bits";
 }
 
 }  // namespace
 
-ExitCode convert_to_wav(const ConvertOptions& options, StudioSource& source) {
-  const corvin_file_info& info = source.info();
-  if (!options.modulator.empty()) return report("--modulator", {kUsage, "is for DSD files"});
-  int rate_hz = default_pcm_rate_hz(info.dsd_rate);
-  if (!options.rate.empty()) {
-    rate_hz = parse_rate_hz(options.rate, 16 * 48000);
-    if (!is_studio_rate(rate_hz))
-      return report("--rate", {kUsage, options.rate + " is not 44100 or 48000 times 1, 2, 4, 8 or "
-                                                      "16; --engine classic takes other rates"});
-  }
-  if (const auto problem = source.problem()) return report(options.input, {kBadInput, *problem});
+void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
+  input.require_sound();
+  OutputFile output(request.output);
+  const auto failure = [&](const std::string& why) {
+    return Failure(kWriteError, request.output.path, why);
+  };
 
-  OutputFile output(
-      {.path = options.output, .input_path = options.input, .overwrite = options.overwrite});
-  if (const auto failure = output.open()) return report(options.output, *failure);
+  const corvin_file_info& info = input.info();
+  const auto format = static_cast<corvin_sample_format>(request.settings.format);
+  const uint32_t rate_hz = request.settings.pcm_rate;
+  const size_t bytes_per_frame = info.channels * static_cast<size_t>(bits_of(format) / 8);
+  std::optional<WavWriter> writer;
+  const auto begin = [&](const corvin_pcm_format& pcm) {
+    writer.emplace(WavWriter::Config{.descriptor = output.descriptor(),
+                                     .rate_hz = static_cast<int>(rate_hz),
+                                     .channels = static_cast<int>(info.channels),
+                                     .speakers = pcm.speakers,
+                                     .format = format,
+                                     .expected_bytes = pcm.frames * bytes_per_frame});
+    return writer->error().empty();
+  };
+  const auto write = [&](const void* frames, size_t count) {
+    return writer->write({static_cast<const uint8_t*>(frames), count * bytes_per_frame});
+  };
+  const auto convert = [&](const ConvertSettings& settings, const Progress& progress) {
+    return convert_to_pcm(input.file(), PcmSink{begin, write}, settings, progress);
+  };
+  const corvin_convert_report result = run_engine(
+      request.settings, convert,
+      {.input_path = input.path(),
+       .input_rate_hz = info.dsd_rate,
+       .why_writing = [&] { return failure(writer ? writer->error() : "out of memory"); },
+       .advice = "; --engine classic may",
+       .begins_at_zero = true});
+  if (result.frames == 0 && info.stated_samples != 0) throw no_convertible_sound(input.path());
+  if (!writer->finish()) throw failure(writer->error());
+  output.commit();
 
-  const Encoding& encoding = encoding_of(options.bits);
-  corvin_convert_report result{};
-  result.size = sizeof result;
-  Job job{.options = options, .encoding = encoding, .output = output};
-  const corvin_convert_settings settings = settings_of(options, rate_hz, job);
-  const corvin_pcm_sink sink = {sizeof sink, &job, begin, write};
-  job.line.show(0);
-  const int status = corvin_convert_to_pcm(source.handle(), &settings, &sink, &result);
-  job.line.clear();
-  if (status == CORVIN_E_WRITE) return report(options.output, {kWriteError, job.writer->error()});
-  if (status != CORVIN_OK) return report(options.input, failure_of(status, source));
-  if (result.frames == 0 && info.stated_samples != 0)
-    return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  if (!job.writer->finish()) return report(options.output, {kWriteError, job.writer->error()});
-  if (const auto failure = output.commit()) return report(options.output, *failure);
-
-  source.note_warnings(options.input);
-  if (result.frames == 0) note(options.input, "holds no sound");
-  if (result.clips != 0)
-    note(options.input, std::to_string(result.clips) + " sample" + (result.clips == 1 ? "" : "s") +
-                            " beyond full scale clipped; a lower --gain avoids that");
-  std::printf("%s: %d Hz, %s, %" PRIu32 " channel%s, %s, %s\n", options.output.c_str(), rate_hz,
-              encoding.words, info.channels, info.channels == 1 ? "" : "s",
-              duration_text(result.frames, static_cast<uint32_t>(rate_hz)).c_str(),
-              level_text(result.peak).c_str());
-  return kDone;
+  input.note_warnings();
+  if (result.frames == 0) note_no_sound(input.path());
+  note_clips(input.path(), result.clips, "; a lower --gain avoids that");
+  print_summary(
+      request.output.path,
+      {std::to_string(rate_hz) + " Hz", format_name(format), counted(info.channels, "channel"),
+       duration_text(result.frames, rate_hz), level_text(result.peak)});
 }
 
 }  // namespace corvin::cli

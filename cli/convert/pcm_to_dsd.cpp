@@ -1,86 +1,53 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from PCM to a DSD file, by the studio engine.
+// corvin convert from PCM to a DSD file.
 
 #include <span>
-#include <string>
 
-#include "cli/classic/dsd_source.h"
-#include "cli/convert/convert.h"
-#include "cli/convert/studio_settings.h"
+#include "cli/convert/engine_run.h"
+#include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
-#include "cli/files/pcm_source.h"
 #include "cli/files/pcm_tags.h"
-#include "cli/words/exit_code.h"
-#include "corvin.h"
+#include "cli/words/measures.h"
+#include "cli/words/outcome.h"
 
 namespace corvin::cli {
-namespace {
 
-int64_t read_frames(void* user, void* frames, size_t count) {
-  auto& source = *static_cast<PcmSource*>(user);
-  const size_t samples = count * static_cast<size_t>(source.channels());
-  return static_cast<int64_t>(source.read(std::span(static_cast<double*>(frames), samples)));
-}
+void convert_pcm_to_dsd(const DsdRequest& request, PcmInput& input) {
+  DsdOutput output({.file = request.output,
+                    .container = request.container,
+                    .dsd_rate_hz = request.dsd_rate_hz,
+                    .channels = input.channels(),
+                    .speakers = input.speakers()});
+  output.set_tags(read_pcm_tags(input));
 
-}  // namespace
-
-ExitCode convert_to_dsd(const ConvertOptions& options) {
-  PcmSource source;
-  if (const auto failure = source.open(options.input)) return report(options.input, *failure);
-  if (container_of(options.output) == 0)
-    return report(options.output,
-                  {kUsage, "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit"});
-  if (const char* option = options.wav_option())
-    return report(option, {kUsage, "is for WAV files"});
-  const std::string rate = options.rate.empty() ? "dsd64" : options.rate;
-  const auto pcm_rate = static_cast<uint32_t>(source.rate_hz());
-  const uint32_t dsd_rate = studio_dsd_rate_hz(rate, is_48k_family(pcm_rate));
-  if (dsd_rate == 0)
-    return report("--rate", {kUsage, rate + " is not dsd64, dsd128, dsd256 or dsd512, nor one of "
-                                            "these rates in Hz; --engine classic takes others"});
-
-  DsdOutput output({.path = options.output,
-                    .input_path = options.input,
-                    .overwrite = options.overwrite,
-                    .dsd_rate = dsd_rate,
-                    .channels = static_cast<uint32_t>(source.channels()),
-                    .speakers = source.speakers()});
-  if (const auto failure = output.open()) return report(options.output, *failure);
-  Tags tags;
-  read_pcm_tags(options.input, source, tags);
-  corvin_writer_set_tags(output.writer(), &tags);
-
-  const auto declared = source.declared_frames();
-  corvin_pcm_source pcm{};
-  pcm.size = sizeof pcm;
-  pcm.pcm_rate = pcm_rate;
-  pcm.channels = static_cast<uint32_t>(source.channels());
-  pcm.format = CORVIN_F64;
-  pcm.frames = declared.value_or(0);
-  pcm.user = &source;
-  pcm.read = read_frames;
-  corvin_convert_report result{};
-  result.size = sizeof result;
-  int status = CORVIN_OK;
-  {
-    ProgressLine line;
-    const corvin_convert_settings settings = studio_settings(options, line);
-    status = corvin_convert_to_dsd(&pcm, output.writer(), &settings, &result);
-  }
-  if (status == CORVIN_E_UNSUPPORTED)
-    return report(options.input, {kBadInput, "has a rate of " + std::to_string(pcm_rate) +
-                                                 " Hz, which the studio engine does not convert"});
-  if (status == CORVIN_OK && result.frames == 0 && declared)
-    return report(options.input, {kBadInput, "holds no sound that can be converted"});
-  const ExitCode code = output.finish(status, result, duration_text(result.frames, pcm_rate),
-                                      ", " + level_text(result.peak));
-  if (code != kDone) return code;
-  if (result.frames == 0) note(options.input, "holds no sound");
-  if (result.frames < declared.value_or(0))
-    note(options.input, "is cut short: it declares more sound than it holds");
-  return kDone;
+  const auto declared = input.declared_frames();
+  const auto read = [&](void* frames, size_t count) {
+    const std::span samples(static_cast<double*>(frames), count * input.channels());
+    return static_cast<int64_t>(input.read(samples));
+  };
+  const PcmSource source = {.pcm_rate = input.rate_hz(),
+                            .channels = input.channels(),
+                            .format = CORVIN_F64,
+                            .frames = declared.value_or(0),
+                            .read = read};
+  const auto convert = [&](const ConvertSettings& settings, const Progress& progress) {
+    return convert_to_dsd(source, output.writer(), settings, progress);
+  };
+  const corvin_convert_report result =
+      run_engine(request.settings, convert,
+                 {
+                     .input_path = input.path(),
+                     .input_rate_hz = input.rate_hz(),
+                     .why_writing = [&] { return output.write_failure(); },
+                 });
+  if (result.frames == 0 && declared) throw no_convertible_sound(input.path());
+  output.commit();
+  note_limited(input.path(), result.limited);
+  output.print_summary(duration_text(result.frames, input.rate_hz()), level_text(result.peak));
+  if (result.frames == 0) note_no_sound(input.path());
+  if (result.frames < declared.value_or(0)) note_cut_short(input.path());
 }
 
 }  // namespace corvin::cli

@@ -3,35 +3,42 @@
 
 #include "cli/files/dsd_input.h"
 
-#include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace corvin::cli {
 
-std::optional<Failure> StudioSource::open(const std::string& path) {
-  corvin_file* file = nullptr;
-  errno = 0;
-  const int status = corvin_file_open(path.c_str(), &file);
-  if (status == CORVIN_E_READ)
-    return Failure{kBadInput, errno != 0 ? std::strerror(errno) : "is not a regular file"};
-  is_of_unknown_kind_ = status == CORVIN_E_FORMAT;
-  if (is_of_unknown_kind_) return Failure{kBadInput, "is no DSDIFF, DSF or 1bit file"};
-  if (status != CORVIN_OK) return Failure{kBadInput, corvin_strerror(status)};
-  file_.reset(file);
-  info_.size = sizeof info_;
-  corvin_file_get_info(file, &info_);
-  if (info_.readable == CORVIN_E_FORMAT) return Failure{kBadInput, *problem()};
-  return {};
+Failure no_dsd_file(const std::string& path) {
+  return {kBadInput, path, "is no DSDIFF, DSF or 1bit file"};
 }
 
-std::optional<std::string> StudioSource::problem() const {
-  const char* sentence = corvin_file_problem(file_.get());
-  return sentence ? std::optional<std::string>(sentence) : std::nullopt;
+std::optional<DsdInput> DsdInput::open(const std::string& path) {
+  try {
+    return DsdInput(path, File(path.c_str()));
+  } catch (const Error& error) {
+    if (error.status() == CORVIN_E_FORMAT) return {};
+    if (error.status() != CORVIN_E_READ) throw Failure(kBadInput, path, error.what());
+    const int why = error.system_error();
+    throw Failure(kBadInput, path, why != 0 ? std::strerror(why) : "is not a regular file");
+  }
 }
 
-void StudioSource::note_warnings(const std::string& path) const {
-  for (uint32_t i = 0; const char* sentence = corvin_file_warning(file_.get(), i); ++i)
-    note(path, sentence);
+DsdInput DsdInput::open_dsd(const std::string& path) {
+  if (auto input = open(path)) return std::move(*input);
+  throw no_dsd_file(path);
+}
+
+DsdInput::DsdInput(const std::string& path, File file)
+    : path_(path), file_(std::move(file)), info_(file_.info()) {
+  if (info_.readable == CORVIN_E_FORMAT) require_sound();
+}
+
+void DsdInput::require_sound() const {
+  if (!problem().empty()) throw Failure(kBadInput, path_, problem());
+}
+
+void DsdInput::note_warnings() const {
+  for (const std::string& warning : file_.warnings()) note(path_, warning);
 }
 
 }  // namespace corvin::cli

@@ -1,46 +1,50 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// A DSD file as the studio engine reads it, and the tool's words for what is wrong with it.
+// A DSD file to be read, with the tool's words for what is wrong with it.
 
 #ifndef CORVIN_CLI_FILES_DSD_INPUT_H_
 #define CORVIN_CLI_FILES_DSD_INPUT_H_
 
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "cli/words/exit_code.h"
-#include "corvin.h"
+#include "cli/words/failure.h"
+#include "corvin.hpp"
 
 namespace corvin::cli {
 
-class StudioSource {
+/** What is wrong with a readable file that is of no kind of DSD. */
+Failure no_dsd_file(const std::string& path);
+
+class DsdInput {
  public:
-  /** Opens the file at `path`; returns why it cannot be worked with. Sound that is only not
-   *  readable is no failure here. */
-  std::optional<Failure> open(const std::string& path);
+  /** Opens the file at `path`; no value when it can be read but is no DSD file. Sound that is only
+   *  not readable is no failure here. Throws Failure. */
+  static std::optional<DsdInput> open(const std::string& path);
 
-  /** Readable, but no DSD file. */
-  bool is_of_unknown_kind() const { return is_of_unknown_kind_; }
+  /** The same for those who take DSD files only: anything else is a failure. */
+  static DsdInput open_dsd(const std::string& path);
 
+  const std::string& path() const { return path_; }
   const corvin_file_info& info() const { return info_; }
+  File& file() { return file_; }
 
-  /** Why there is no sound to read; no value when there is. */
-  std::optional<std::string> problem() const;
+  /** Why there is no sound to read; empty when there is. */
+  std::string problem() const { return file_.problem(); }
+
+  /** Throws the problem, if there is one, as a Failure. */
+  void require_sound() const;
 
   /** Says on standard error what is odd about the file. */
-  void note_warnings(const std::string& path) const;
-
-  corvin_file* handle() const { return file_.get(); }
+  void note_warnings() const;
 
  private:
-  struct Close {
-    void operator()(corvin_file* file) const { corvin_file_close(file); }
-  };
-  std::unique_ptr<corvin_file, Close> file_;
-  corvin_file_info info_{};
-  bool is_of_unknown_kind_ = false;
+  DsdInput(const std::string& path, File file);
+
+  std::string path_;
+  File file_;
+  corvin_file_info info_;
 };
 
 }  // namespace corvin::cli

@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
 
 namespace corvin::cli {
 namespace {

@@ -8,10 +8,9 @@
 #ifndef CORVIN_CLI_FILES_OUTPUT_FILE_H_
 #define CORVIN_CLI_FILES_OUTPUT_FILE_H_
 
-#include <optional>
 #include <string>
 
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
 
 namespace corvin::cli {
 
@@ -23,14 +22,11 @@ class OutputFile {
     bool overwrite = false;
   };
 
-  explicit OutputFile(Config config) : config_(std::move(config)) {}
+  /** Opens the file for writing, a character device as it is. Throws Failure, like commit(). */
+  explicit OutputFile(Config config);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
-
-  /** Opens the file for writing; returns why it must or can not be. A character device is written
-   *  to directly. */
-  std::optional<Failure> open();
 
   /** The open file, to be left open. */
   int descriptor() const { return descriptor_; }
@@ -39,12 +35,16 @@ class OutputFile {
   const std::string& path() const { return is_device_ ? target_ : temporary_path_; }
 
   /** Closes the file and gives it its name. Call it when no other thread runs. */
-  std::optional<Failure> commit();
+  void commit();
 
  private:
-  std::optional<Failure> check_target();
-  std::optional<Failure> open_temporary();
-  std::optional<Failure> rename_to_target();
+  Failure write_error() const;
+  Failure exists_already() const;
+  Failure refusal(ExitCode code, const std::string& why) const;
+  void check_target();
+  void open_device();
+  void open_temporary();
+  void rename_to_target();
 
   Config config_;
   std::string target_;          // config_.path with symbolic links followed

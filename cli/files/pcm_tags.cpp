@@ -16,10 +16,9 @@
 #include <wavfile.h>
 #include <xiphcomment.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <cstring>
-#include <string_view>
+#include <span>
+#include <string>
 
 namespace corvin::cli {
 namespace {
@@ -27,19 +26,9 @@ namespace {
 constexpr size_t kMaxPictureBytes = 64 << 20;
 constexpr int kFrontCover = 3;
 
-// `text` is UTF-8.
 template <size_t size>
-void put(char (&field)[size], std::string_view text) {
-  size_t length = std::min(text.size(), size - 1);
-  if (length < text.size())
-    while (length > 0 && (static_cast<uint8_t>(text[length]) & 0xc0) == 0x80) --length;
-  std::fill(std::begin(field), std::end(field), '\0');
-  std::memcpy(field, text.data(), length);
-}
-
-template <size_t size>
-void put_if_empty(char (&field)[size], std::string_view text) {
-  if (field[0] == '\0') put(field, text);
+void set_if_empty(char (&field)[size], const std::string& text) {
+  if (field[0] == '\0') set_text(field, text);
 }
 
 // A year stands first in every way of writing dates that tags use.
@@ -54,27 +43,27 @@ std::string property(const TagLib::PropertyMap& properties, const char* name) {
 }
 
 void read_texts(const TagLib::PropertyMap& properties, DSD_TAG& tags) {
-  put(tags.title, property(properties, "TITLE"));
-  put(tags.artist, property(properties, "ARTIST"));
-  put(tags.album, property(properties, "ALBUM"));
-  put(tags.comment, property(properties, "COMMENT"));
-  put_if_empty(tags.comment, property(properties, "DESCRIPTION"));
-  put(tags.track, property(properties, "TRACKNUMBER"));
-  put(tags.genre, property(properties, "GENRE"));
-  put(tags.composer, property(properties, "COMPOSER"));
-  put(tags.rightsNotice, property(properties, "COPYRIGHT"));
+  set_text(tags.title, property(properties, "TITLE"));
+  set_text(tags.artist, property(properties, "ARTIST"));
+  set_text(tags.album, property(properties, "ALBUM"));
+  set_text(tags.comment, property(properties, "COMMENT"));
+  set_if_empty(tags.comment, property(properties, "DESCRIPTION"));
+  set_text(tags.track, property(properties, "TRACKNUMBER"));
+  set_text(tags.genre, property(properties, "GENRE"));
+  set_text(tags.composer, property(properties, "COMPOSER"));
+  set_text(tags.rightsNotice, property(properties, "COPYRIGHT"));
   tags.year = year_of(property(properties, "DATE"));
 }
 
-void read_strings(const PcmSource& source, DSD_TAG& tags) {
-  put_if_empty(tags.title, source.text(SF_STR_TITLE));
-  put_if_empty(tags.artist, source.text(SF_STR_ARTIST));
-  put_if_empty(tags.album, source.text(SF_STR_ALBUM));
-  put_if_empty(tags.comment, source.text(SF_STR_COMMENT));
-  put_if_empty(tags.track, source.text(SF_STR_TRACKNUMBER));
-  put_if_empty(tags.genre, source.text(SF_STR_GENRE));
-  put_if_empty(tags.rightsNotice, source.text(SF_STR_COPYRIGHT));
-  if (tags.year == 0) tags.year = year_of(source.text(SF_STR_DATE));
+void read_strings(const PcmInput& input, DSD_TAG& tags) {
+  set_if_empty(tags.title, input.text(SF_STR_TITLE));
+  set_if_empty(tags.artist, input.text(SF_STR_ARTIST));
+  set_if_empty(tags.album, input.text(SF_STR_ALBUM));
+  set_if_empty(tags.comment, input.text(SF_STR_COMMENT));
+  set_if_empty(tags.track, input.text(SF_STR_TRACKNUMBER));
+  set_if_empty(tags.genre, input.text(SF_STR_GENRE));
+  set_if_empty(tags.rightsNotice, input.text(SF_STR_COPYRIGHT));
+  if (tags.year == 0) tags.year = year_of(input.text(SF_STR_DATE));
 }
 
 // ---- Pictures -------------------------------------------------------------------------------
@@ -121,25 +110,24 @@ Picture choose_picture(TagLib::File* file) {
   return chosen;
 }
 
-void put_picture(const Picture& picture, DSD_TAG& tags) {
+void add_picture(const Picture& picture, Tags& tags) {
   if (picture.type == -1) return;
-  DSD_PICTURE* entry = tags.PictureAlloc(1, static_cast<int>(picture.data.size()), false);
-  if (!entry) return;
-  entry->pictureType = static_cast<uint8_t>(picture.type);
-  put(entry->mime, picture.mime.to8Bit(true));
-  put(entry->description, picture.description.to8Bit(true));
-  std::memcpy(entry->data, picture.data.data(), picture.data.size());
+  const auto data = std::as_bytes(std::span(picture.data.data(), picture.data.size()));
+  tags.add_picture(static_cast<uint8_t>(picture.type), picture.mime.to8Bit(true), data,
+                   picture.description.to8Bit(true));
 }
 
 }  // namespace
 
-void read_pcm_tags(const std::string& path, const PcmSource& source, DSD_TAG& tags) {
-  const TagLib::FileRef file(path.c_str(), false);
+Tags read_pcm_tags(const PcmInput& input) {
+  Tags tags;
+  const TagLib::FileRef file(input.path().c_str(), false);
   if (!file.isNull()) {
     read_texts(file.file()->properties(), tags);
-    put_picture(choose_picture(file.file()), tags);
+    add_picture(choose_picture(file.file()), tags);
   }
-  read_strings(source, tags);
+  read_strings(input, tags);
+  return tags;
 }
 
 }  // namespace corvin::cli

@@ -5,8 +5,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <iterator>
 #include <vector>
+
+#include "cli/files/speakers.h"
 
 namespace corvin::cli {
 namespace {
@@ -14,29 +15,17 @@ namespace {
 // Room for the headers below the limit of the 32-bit sizes.
 constexpr uint64_t kMaxWavBytes = 0xffffffff - 4096;
 
-int sample_format(WavEncoding encoding) {
-  switch (encoding) {
-    case WavEncoding::k16:
+int sndfile_format(corvin_sample_format format) {
+  switch (format) {
+    case CORVIN_S16:
       return SF_FORMAT_PCM_16;
-    case WavEncoding::k24:
+    case CORVIN_S24:
       return SF_FORMAT_PCM_24;
-    case WavEncoding::k32:
+    case CORVIN_S32:
       return SF_FORMAT_PCM_32;
-    case WavEncoding::kFloat:
-      break;
+    default:
+      return SF_FORMAT_FLOAT;
   }
-  return SF_FORMAT_FLOAT;
-}
-
-// The order of the mask's bits.
-std::vector<int> channel_map(uint32_t speakers) {
-  constexpr int kPlaces[] = {SF_CHANNEL_MAP_LEFT,      SF_CHANNEL_MAP_RIGHT,
-                             SF_CHANNEL_MAP_CENTER,    SF_CHANNEL_MAP_LFE,
-                             SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
-  std::vector<int> map;
-  for (size_t bit = 0; bit < std::size(kPlaces); ++bit)
-    if ((speakers >> bit & 1) != 0) map.push_back(kPlaces[bit]);
-  return map;
 }
 
 // libsndfile's own text wraps the system's in words that add nothing.
@@ -56,7 +45,7 @@ WavWriter::WavWriter(const Config& config) {
   const int container = is_long               ? SF_FORMAT_RF64
                         : config.channels > 2 ? SF_FORMAT_WAVEX
                                               : SF_FORMAT_WAV;
-  info.format = container | sample_format(config.encoding);
+  info.format = container | sndfile_format(config.format);
   errno = 0;
   file_.reset(sf_open_fd(config.descriptor, SFM_WRITE, &info, SF_FALSE));
   if (!file_) {

@@ -14,13 +14,13 @@
 #include <span>
 #include <string>
 
+#include "corvin.h"
+
 namespace corvin::cli {
 
-enum class WavEncoding { k16, k24, k32, kFloat };
-
-/** The integers of 16, 24 or 32 bits. */
-constexpr WavEncoding encoding_of_bits(int bits) {
-  return bits == 16 ? WavEncoding::k16 : bits == 24 ? WavEncoding::k24 : WavEncoding::k32;
+/** The WAV files that the tool writes: integers of 16, 24 or 32 bits, or floating point of 32. */
+constexpr int bits_of(corvin_sample_format format) {
+  return format == CORVIN_S16 ? 16 : format == CORVIN_S24 ? 24 : 32;
 }
 
 class WavWriter {
@@ -30,7 +30,7 @@ class WavWriter {
     int rate_hz = 44100;
     int channels = 2;
     uint32_t speakers = 0;  // mask of the channels' speakers; 0: not known
-    WavEncoding encoding = WavEncoding::k24;
+    corvin_sample_format format = CORVIN_S24;
     uint64_t expected_bytes = 0;  // of PCM; decides between WAV and RF64
   };
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 
-#include "cli/words/exit_code.h"
+#include "cli/words/failure.h"
 
 #include <cstdio>
 
 namespace corvin::cli {
 
-ExitCode report(const std::string& subject, const Failure& failure) {
-  note(subject, failure.message);
-  return failure.code;
+ExitCode report(const Failure& failure) {
+  note(failure.subject(), failure.what());
+  return failure.code();
 }
 
 void note(const std::string& subject, const std::string& message) {

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// How the tool ends and what it says on standard error. Scripts rely on the exit codes; --help
+// lists them.
+
+#ifndef CORVIN_CLI_WORDS_FAILURE_H_
+#define CORVIN_CLI_WORDS_FAILURE_H_
+
+#include <stdexcept>
+#include <string>
+
+namespace corvin::cli {
+
+enum ExitCode : int {
+  kDone = 0,
+  kSomeInputsFailed = 1,  // of several
+  kUsage = 2,             // the command line asks for what the tool will not do
+  kBadInput = 3,          // unreadable or unsupported
+  kWriteError = 4,
+  kInterrupted = 130,  // by a signal
+};
+
+/** Ends the work on an input, and the command unless it has others: what went wrong with which
+ *  subject, a file or an option. */
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitCode code, std::string subject, const std::string& message)
+      : std::runtime_error(message), code_(code), subject_(std::move(subject)) {}
+
+  ExitCode code() const { return code_; }
+  const std::string& subject() const { return subject_; }
+
+ private:
+  ExitCode code_;
+  std::string subject_;
+};
+
+/** Says what went wrong and returns the failure's code. */
+ExitCode report(const Failure& failure);
+
+/** Says what the user should know about `subject`; nothing has failed. */
+void note(const std::string& subject, const std::string& message);
+
+}  // namespace corvin::cli
+
+#endif  // CORVIN_CLI_WORDS_FAILURE_H_
