@@ -13,7 +13,7 @@
 #include "bench/core_clock.h"
 #include "bench/each_set.h"
 #include "corvin.hpp"
-#include "studio/decode/block_filter.h"
+#include "studio/decode/span_filter.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ void Filter(benchmark::State& state, std::uint32_t mask) {
   const Kernels kernels = choose_kernels(mask);
   config.row_stride_12 = kernels.bit_fir->row_stride_12;
   const DecodePlan plan = *make_decode_plan(config);
-  BlockFilter filter(plan, kernels);
+  SpanFilter filter(plan, kernels);
   const std::size_t items = filter.items_at_once();
   const std::vector<std::uint8_t> bytes = random_bytes(items * item_bytes(plan));
   std::vector<double> samples(items * item_frames(plan));

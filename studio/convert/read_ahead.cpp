@@ -8,14 +8,17 @@
 namespace corvin::studio {
 namespace {
 
-constexpr std::size_t kBlockBytes = 1 << 18;
-constexpr std::size_t kBlocks = 8;
+constexpr std::size_t kBufferBytes = 1 << 18;
+constexpr std::size_t kBuffers = 8;
 
 }  // namespace
 
 ReadAhead::ReadAhead(formats::ByteSource& source, const formats::ByteRange& range, bool threaded)
-    : source_(source), offset_(range.offset), left_(range.bytes), blocks_(threaded ? kBlocks : 1) {
-  for (Block& block : blocks_) block.bytes.resize(kBlockBytes);
+    : source_(source),
+      offset_(range.offset),
+      left_(range.bytes),
+      buffers_(threaded ? kBuffers : 1) {
+  for (Buffer& buffer : buffers_) buffer.bytes.resize(kBufferBytes);
   if (threaded) thread_ = std::thread([this] { run(); });
 }
 
@@ -30,28 +33,28 @@ ReadAhead::~ReadAhead() {
 }
 
 // False when the source has less than it should.
-bool ReadAhead::fill(Block& block) {
-  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left_, block.bytes.size()));
-  block.count = source_.Read(offset_, block.bytes.data(), wanted);
-  offset_ += block.count;
-  left_ -= block.count;
-  return block.count == wanted;
+bool ReadAhead::fill(Buffer& buffer) {
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left_, buffer.bytes.size()));
+  buffer.count = source_.Read(offset_, buffer.bytes.data(), wanted);
+  offset_ += buffer.count;
+  left_ -= buffer.count;
+  return buffer.count == wanted;
 }
 
 void ReadAhead::run() {
   std::unique_lock lock(mutex_);
   while (left_ > 0) {
-    // Several blocks at a time: being woken costs as much as reading one.
-    if (filled_ - released_ == blocks_.size()) {
+    // Several buffers at a time: being woken costs as much as reading one.
+    if (filled_ - released_ == buffers_.size()) {
       changed_.wait(lock,
-                    [this] { return stopping_ || filled_ - released_ <= blocks_.size() / 2; });
+                    [this] { return stopping_ || filled_ - released_ <= buffers_.size() / 2; });
     }
     if (stopping_) return;
-    Block& block = blocks_[filled_ % blocks_.size()];
+    Buffer& buffer = buffers_[filled_ % buffers_.size()];
     lock.unlock();
-    const bool whole = fill(block);
+    const bool whole = fill(buffer);
     lock.lock();
-    if (block.count > 0) ++filled_;
+    if (buffer.count > 0) ++filled_;
     read_failed_ = !whole;
     if (!whole) break;
     if (waiting_) changed_.notify_one();
@@ -62,14 +65,14 @@ void ReadAhead::run() {
 
 std::span<const std::uint8_t> ReadAhead::next() {
   if (!thread_.joinable()) {
-    Block& block = blocks_[0];
-    block.count = 0;
-    if (!failed_ && left_ > 0) failed_ = !fill(block);
-    return {block.bytes.data(), block.count};
+    Buffer& buffer = buffers_[0];
+    buffer.count = 0;
+    if (!failed_ && left_ > 0) failed_ = !fill(buffer);
+    return {buffer.bytes.data(), buffer.count};
   }
   std::unique_lock lock(mutex_);
   released_ = taken_;
-  if (filled_ - released_ <= blocks_.size() / 2) changed_.notify_one();
+  if (filled_ - released_ <= buffers_.size() / 2) changed_.notify_one();
   waiting_ = true;
   changed_.wait(lock, [this] { return ended_ || filled_ > taken_; });
   waiting_ = false;
@@ -77,8 +80,8 @@ std::span<const std::uint8_t> ReadAhead::next() {
     failed_ = read_failed_;
     return {};
   }
-  const Block& block = blocks_[taken_++ % blocks_.size()];
-  return {block.bytes.data(), block.count};
+  const Buffer& buffer = buffers_[taken_++ % buffers_.size()];
+  return {buffer.bytes.data(), buffer.count};
 }
 
 }  // namespace corvin::studio

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The bytes of a part of a file, block by block, read on a thread of its own while the blocks
+// The bytes of a part of a file, buffer by buffer, read on a thread of its own while the buffers
 // before are worked on, or on the caller's.
 
 #ifndef CORVIN_STUDIO_CONVERT_READ_AHEAD_H_
@@ -28,28 +28,28 @@ class ReadAhead {
   ReadAhead(const ReadAhead&) = delete;
   ReadAhead& operator=(const ReadAhead&) = delete;
 
-  /// The next block, which stays until the next call; empty at the end. One thread only.
+  /// The next buffer, which stays until the next call; empty at the end. One thread only.
   std::span<const std::uint8_t> next();
 
   /// Whether the source ended before the range did, known once next() returns nothing.
   bool failed() const { return failed_; }
 
  private:
-  struct Block {
+  struct Buffer {
     std::vector<std::uint8_t> bytes;
     std::size_t count = 0;
   };
 
-  bool fill(Block& block);
+  bool fill(Buffer& buffer);
   void run();
 
   formats::ByteSource& source_;
   std::uint64_t offset_;
   std::uint64_t left_;
-  std::vector<Block> blocks_;
+  std::vector<Buffer> buffers_;
   bool failed_ = false;
 
-  // With a thread: blocks numbered in order of reading, each in turn in the ring.
+  // With a thread: buffers numbered in order of reading, each in turn in the ring.
   std::mutex mutex_;
   std::condition_variable changed_;
   std::size_t filled_ = 0;
@@ -57,7 +57,7 @@ class ReadAhead {
   std::size_t taken_ = 0;
   bool ended_ = false;
   bool stopping_ = false;
-  bool waiting_ = false;  // for a block
+  bool waiting_ = false;  // for a buffer
   bool read_failed_ = false;
   std::thread thread_;
 };

@@ -25,7 +25,7 @@ std::array<const double*, kMostChannels> rows_of(const AlignedArray<double>& sam
 
 DecodeStages::Shape DecodeStages::shape(const corvin_decoder_settings& settings,
                                         const DecodePlan& plan) {
-  return Shape({plan.block_bytes, plan.hop_bytes, plan.lead_bytes, item_frames(plan)},
+  return Shape({plan.span_bytes, plan.hop_bytes, plan.lead_bytes, item_frames(plan)},
                settings.channels, settings.low_latency != 0);
 }
 
@@ -48,7 +48,7 @@ DecodeStages::DecodeStages(const corvin_decoder_settings& settings, const Decode
   const std::size_t threads = std::max<std::size_t>(1, settings.threads);
   workers_.reserve(threads);
   for (std::size_t i = 0; i < threads; ++i) {
-    workers_.push_back({BlockFilter(plan, kernels), SampleOutput(settings, *kernels.quantise), {}});
+    workers_.push_back({SpanFilter(plan, kernels), SampleOutput(settings, *kernels.quantise), {}});
   }
   is_serial_ = workers_[0].output.is_serial();
   const std::size_t samples = shape_.channels * shape_.out;

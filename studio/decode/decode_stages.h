@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "corvin.h"
-#include "studio/decode/block_filter.h"
+#include "studio/decode/span_filter.h"
 #include "studio/pcm/sample_output.h"
 #include "studio/plan/decode_plan.h"
 #include "studio/stream/piece_ring.h"
@@ -61,7 +61,7 @@ class DecodeStages final : public PieceStages<std::uint8_t> {
 
   // What a thread works with.
   struct Worker {
-    BlockFilter filter;
+    SpanFilter filter;
     SampleOutput output;
     AlignedArray<double> samples;  // [channel][shape.out], unless the output is serial
   };

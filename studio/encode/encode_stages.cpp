@@ -30,7 +30,7 @@ std::size_t workers(const corvin_encoder_settings& settings, const ModulatorConf
 
 EncodeStages::Shape EncodeStages::shape(const corvin_encoder_settings& settings,
                                         const EncodePlan& plan) {
-  Shape piece({plan.block_frames(), plan.hop_frames, plan.lead_frames, item_samples(plan)},
+  Shape piece({plan.span_frames(), plan.hop_frames, plan.lead_frames, item_samples(plan)},
               settings.channels, settings.low_latency != 0);
   piece.delay = ModulatorStream::kDelay;
   return piece;

@@ -18,7 +18,7 @@ UpSampler::UpSampler(const EncodePlan& plan, const Kernels& kernels)
 
 void UpSampler::run(const double* const* in, double* const* out, std::size_t items) {
   const std::size_t lanes = items_at_once();
-  const std::size_t points = plan_.block_frames();
+  const std::size_t points = plan_.span_frames();
   std::fill(places_.begin(), places_.end(), nullptr);
   for (std::size_t lane = 0; lane < items; ++lane) {
     const double* first = in[lane];

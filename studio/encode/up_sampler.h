@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Runs the stages of a plan over work items. An item is two neighbouring blocks of one channel; it
+// Runs the stages of a plan over work items. An item is two neighbouring spans of one channel; it
 // has no state, so items may be done in any order, grouping and thread.
 
 #ifndef CORVIN_STUDIO_ENCODE_UP_SAMPLER_H_
@@ -15,9 +15,9 @@
 
 namespace corvin::studio {
 
-/// Frames that an item reads from its first block's start, and samples that it makes.
+/// Frames that an item reads from its first span's start, and samples that it makes.
 inline std::size_t item_frames(const EncodePlan& plan) {
-  return plan.hop_frames + plan.block_frames();
+  return plan.hop_frames + plan.span_frames();
 }
 inline std::size_t item_samples(const EncodePlan& plan) { return 2 * plan.hop_samples; }
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// One path per channel, a pair of channels at a time by the block kernel. A channel that loses lock
-// spends one block in the reference loop, which brings it back; the other one takes no notice.
+// One path per channel, a pair of channels at a time by the word kernel. A channel that loses lock
+// spends one word in the reference loop, which brings it back; the other one takes no notice.
 
-#include "studio/kernels/block_loop.h"
+#include "studio/kernels/word_loop.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "studio/modulator/block_tables.h"
 #include "studio/modulator/modulator_loop.h"
 #include "studio/modulator/reference_loop.h"
+#include "studio/modulator/word_tables.h"
 
 namespace corvin::studio {
 namespace {
@@ -29,11 +29,11 @@ class PairLoop final : public ModulatorLoop {
       : channels_(config.channels),
         shaper_(shaper_design(config.grade, config.oversampling)),
         interpolation_(config.wide_band),
-        kernel_(&best_build<BlockLoopVariant>(config.kernel_mask)) {
-    make_block_tables(shaper_, interpolation_, tables_);
+        kernel_(&best_build<WordLoopVariant>(config.kernel_mask)) {
+    make_word_tables(shaper_, interpolation_, tables_);
   }
 
-  std::size_t unit() const override { return kBlockSamples; }
+  std::size_t unit() const override { return kWordSamples; }
   std::size_t ahead() const override {
     return static_cast<std::size_t>(interpolation_.taps()) / 2 + 2;
   }
@@ -41,29 +41,28 @@ class PairLoop final : public ModulatorLoop {
   std::size_t run(const double* const* in, std::size_t units, std::uint8_t* const* out) override {
     std::size_t done = 0;
     while (done < units) {
-      // A channel that is not there reads zeros and writes to the spare: a few blocks at a time.
-      const std::size_t blocks = channels_ == 2 ? units - done : std::min(units - done, kSpare);
+      // A channel that is not there reads zeros and writes to the spare: a few words at a time.
+      const std::size_t words = channels_ == 2 ? units - done : std::min(units - done, kSpare);
       const double* const from[2] = {
-          in[0] + done * kBlockSamples - interpolation_.history(),
-          channels_ == 2 ? in[1] + done * kBlockSamples - interpolation_.history() : zeros_};
-      std::uint8_t* const to[2] = {out[0] + done * kBlockSamples,
-                                   channels_ == 2 ? out[1] + done * kBlockSamples : spare_};
+          in[0] + done * kWordSamples - interpolation_.history(),
+          channels_ == 2 ? in[1] + done * kWordSamples - interpolation_.history() : zeros_};
+      std::uint8_t* const to[2] = {out[0] + done * kWordSamples,
+                                   channels_ == 2 ? out[1] + done * kWordSamples : spare_};
       if (!started_) {
         for (int c = 0; c < 2; ++c) make_bases(c, ReferenceLoop(shaper_), from[c]);
         started_ = true;
       }
-      std::size_t count = kernel_->run(tables_, state_, from, blocks, true, to);
-      if (count < blocks) {
-        const double* const at[2] = {from[0] + count * kBlockSamples,
-                                     from[1] + count * kBlockSamples};
-        std::uint8_t* const place[2] = {to[0] + count * kBlockSamples,
-                                        to[1] + count * kBlockSamples};
+      std::size_t count = kernel_->run(tables_, state_, from, words, true, to);
+      if (count < words) {
+        const double* const at[2] = {from[0] + count * kWordSamples,
+                                     from[1] + count * kWordSamples};
+        std::uint8_t* const place[2] = {to[0] + count * kWordSamples, to[1] + count * kWordSamples};
         recover(at, place);
         ++count;
       }
       done += count;
     }
-    return units * kBlockSamples;
+    return units * kWordSamples;
   }
 
   void reset() override {
@@ -75,7 +74,7 @@ class PairLoop final : public ModulatorLoop {
   std::uint64_t overload_events(int channel) const override { return overloads_[channel]; }
 
  private:
-  // Values at the bits of a sub-block whose first input is in[0].
+  // Values at the bits of a half whose first input is in[0].
   void interpolate(const double* in, double (&values)[8]) const {
     for (int phase = 0; phase < 8; ++phase) {
       values[phase] = 0;
@@ -85,7 +84,7 @@ class PairLoop final : public ModulatorLoop {
     }
   }
 
-  // The state and bases at the begin of the block whose first input is in[0].
+  // The state and bases at the begin of the word whose first input is in[0].
   void make_bases(int channel, ReferenceLoop loop, const double* in) {
     for (int i = 0; i < kMaxOrder; ++i) {
       const double value = loop.x[i] * shaper_.c[i] * kState;
@@ -104,9 +103,9 @@ class PairLoop final : public ModulatorLoop {
     }
   }
 
-  // One block at whose begin at least one channel has lost lock.
+  // One word at whose begin at least one channel has lost lock.
   void recover(const double* const* in, std::uint8_t* const* out) {
-    const BlockLoopState before = state_;
+    const WordLoopState before = state_;
     kernel_->run(tables_, state_, in, 1, false, out);
     for (int c = 0; c < channels_; ++c) {
       if (in_lock(tables_, rounded_state(before, c))) continue;
@@ -122,22 +121,22 @@ class PairLoop final : public ModulatorLoop {
         for (double value : values) bits = bits << 1 | (loop.step(value) > 0 ? 1u : 0u);
         out[c][half] = static_cast<std::uint8_t>(bits);
       }
-      make_bases(c, loop, in[c] + kBlockSamples);
+      make_bases(c, loop, in[c] + kWordSamples);
     }
   }
 
-  static constexpr std::size_t kSpare = 64;  // blocks
+  static constexpr std::size_t kSpare = 64;  // words
 
   int channels_;
   const ShaperDesign& shaper_;
   Interpolation interpolation_;
-  const BlockLoopVariant* kernel_;
+  const WordLoopVariant* kernel_;
   bool started_ = false;
-  BlockLoopState state_;
+  WordLoopState state_;
   std::uint64_t overloads_[2] = {};
-  BlockLoopTables tables_ = {};
-  double zeros_[kSpare * kBlockSamples + kBlockMaxTaps + 6] = {};
-  std::uint8_t spare_[kSpare * kBlockSamples] = {};
+  WordLoopTables tables_ = {};
+  double zeros_[kSpare * kWordSamples + kWordMaxTaps + 6] = {};
+  std::uint8_t spare_[kSpare * kWordSamples] = {};
 };
 
 }  // namespace

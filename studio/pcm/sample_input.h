@@ -11,7 +11,7 @@
 
 namespace corvin::studio {
 
-/// Louder samples count as this one. A block transform spreads its rounding over all of a block, so
+/// Louder samples count as this one. A transform spreads its rounding over all of a span, so
 /// one absurd value must not drown what lies beside it; the modulator follows up to +3 dB.
 inline constexpr double kLoudestSample = 16.0;
 

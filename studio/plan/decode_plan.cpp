@@ -20,12 +20,12 @@ constexpr double kAttenuationDb = 160;
 constexpr double kFullBandwidth = 0.95;
 constexpr double kNarrowestTransition = 0.03;
 // Rows on either side of the steep kernel for the spread that the correction of the droop adds to
-// it: without them the error at the blocks' seams is -192 dB of full scale instead of -201.
+// it: without them the error at the spans' seams is -192 dB of full scale instead of -201.
 constexpr double kSpread = 20;
 // 50 % modulation is full scale.
 constexpr double kFullScale = 2.0;
 
-// The three shapes of the block transform. Sizes around 4096 are the fastest whose buffers still
+// The three shapes of the span transform. Sizes around 4096 are the fastest whose buffers still
 // leave room in a second-level cache.
 struct TransformShape {
   std::size_t forward, inverse;
@@ -164,7 +164,7 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
                   .steep_taps = 0,
                   .shape = {},
                   .lead_bytes = 0,
-                  .block_bytes = 0,
+                  .span_bytes = 0,
                   .hop_bytes = 0,
                   .hop_frames = 0,
                   .bit_steps = 0};
@@ -215,7 +215,7 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   plan.bit_steps = (bit_rows + grain - 1) / grain;
   const std::size_t warm = plan.bit_table.warm_steps();
   plan.lead_bytes = lead_rows * total / 8 + warm * plan.bit_table.bytes_per_step;
-  plan.block_bytes = (warm + plan.bit_steps) * plan.bit_table.bytes_per_step;
+  plan.span_bytes = (warm + plan.bit_steps) * plan.bit_table.bytes_per_step;
   fill_response(plan, steep_bins, ramp_rows);
   return plan;
 }

@@ -2,13 +2,13 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // Everything a DSD to PCM conversion knows before the first sample: stages, tables, responses and
-// the grid of blocks. Immutable after make_decode_plan(), so any number of threads may read it.
+// the grid of spans. Immutable after make_decode_plan(), so any number of threads may read it.
 //
 //   bits -> integer filter (decimate by 2..32)
 //        -> short filter (only above a total of 32)
-//        -> block transform (steep filter and the remaining ratio 2:1, 147:80 or 320:147)
+//        -> span transform (steep filter and the remaining ratio 2:1, 147:80 or 320:147)
 //
-// Block b yields the outputs from b x hop_frames on; the output with index m lies exactly at the
+// Span b yields the outputs from b x hop_frames on; the output with index m lies exactly at the
 // bit m x dsd_rate / pcm_rate of the stream.
 
 #ifndef CORVIN_STUDIO_PLAN_DECODE_PLAN_H_
@@ -52,13 +52,13 @@ struct DecodePlan {
   std::size_t steep_taps;
   SpectralShape shape;
 
-  // The grid. All blocks are alike: lead_bytes before the bit of its first output a block starts to
-  // read, block_bytes it reads, hop_bytes later the next one starts.
+  // The grid. All spans are alike: lead_bytes before the bit of its first output a span starts to
+  // read, span_bytes it reads, hop_bytes later the next one starts.
   std::size_t lead_bytes;
-  std::size_t block_bytes;
+  std::size_t span_bytes;
   std::size_t hop_bytes;
   std::size_t hop_frames;
-  std::size_t bit_steps;  ///< steps of the integer filter that a block keeps
+  std::size_t bit_steps;  ///< steps of the integer filter that a span keeps
 
   /// One line for each stage, for people.
   std::string describe() const;

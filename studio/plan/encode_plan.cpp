@@ -24,7 +24,7 @@ constexpr double kBandwidth = 0.95;
 constexpr double kSpread = 20;
 // Full scale is 50 % modulation.
 constexpr double kFullScale = 0.5;
-// Points of the input's transform for each tap of the steep filter, by which neighbouring blocks
+// Points of the input's transform for each tap of the steep filter, by which neighbouring spans
 // overlap. Twice as many gain 5 % and double the latency; half as many cost 15 to 30 % more and let
 // the cut at the last bin ring to -149.8 dB.
 constexpr std::size_t kPointsPerTap = 4;
@@ -133,7 +133,7 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config) {
   plan.depth = static_cast<std::size_t>(std::ceil(length / factor));
   plan.taps = phase_taps(plan.boxcars, plan.depth);
 
-  // Sample 0 of a block belongs to time 0, and the row that it begins at to this earlier one, in
+  // Sample 0 of a span belongs to time 0, and the row that it begins at to this earlier one, in
   // frames: the centre of the taps lies between them.
   const double centre = static_cast<double>(plan.depth - 1) - (length - 1) / 2 / factor;
   const double row_time = -centre * frames_per_row;

@@ -2,14 +2,14 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // Everything the way from PCM to the modulator knows before the first sample: stages, tables,
-// responses and the grid of blocks. Immutable after make_encode_plan(), so any number of threads
+// responses and the grid of spans. Immutable after make_encode_plan(), so any number of threads
 // may read it.
 //
-//   frames -> block transform (steep filter and a ratio near 4, or what is left of it)
+//   frames -> span transform (steep filter and a ratio near 4, or what is left of it)
 //          -> short interpolation (x 2..16, where the modulator's rate is higher still)
 //          -> samples for the modulator
 //
-// The modulator takes an eighth of the DSD rate and holds the last interpolation itself. Block b
+// The modulator takes an eighth of the DSD rate and holds the last interpolation itself. Span b
 // yields its inputs from b x hop_samples on; they lie such that the frame with index m is centred
 // on the bit m x dsd_rate / pcm_rate of the stream.
 
@@ -50,14 +50,14 @@ struct EncodePlan {
   std::vector<double> taps;  ///< [depth][factor], as its kernel takes them
   std::size_t depth;
 
-  // The grid. All blocks are alike: lead_frames before frame b x hop_frames block b starts to read,
+  // The grid. All spans are alike: lead_frames before frame b x hop_frames span b starts to read,
   // shape.forward.points frames it reads.
   std::size_t lead_frames;
   std::size_t hop_frames;
   std::size_t hop_samples;
 
   std::size_t factor() const { return boxcars.decimation(); }
-  std::size_t block_frames() const { return shape.forward.points; }
+  std::size_t span_frames() const { return shape.forward.points; }
 
   /// One line for each stage, for people.
   std::string describe() const;

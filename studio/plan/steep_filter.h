@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The steep low-pass of a conversion, as a response on the bins of a block transform.
+// The steep low-pass of a conversion, as a response on the bins of a span transform.
 
 #ifndef CORVIN_STUDIO_PLAN_STEEP_FILTER_H_
 #define CORVIN_STUDIO_PLAN_STEEP_FILTER_H_

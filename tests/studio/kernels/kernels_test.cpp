@@ -12,8 +12,8 @@
 #include <numeric>
 #include <tuple>
 
-#include "studio/kernels/block_loop.h"
 #include "studio/kernels/path_search.h"
+#include "studio/kernels/word_loop.h"
 #include "studio/plan/decode_plan.h"
 #include "tests/support/kernel_builds.h"
 #include "tests/support/studio_streams.h"
@@ -39,7 +39,7 @@ TEST(Kernels, TheMaskedBuildIsTheOneThatRuns) {
   expect_each_build_where_its_mask_allows<SpectralVariant>();
   expect_each_build_where_its_mask_allows<QuantiseVariant>();
   expect_each_build_where_its_mask_allows<InterpolateVariant>();
-  expect_each_build_where_its_mask_allows<BlockLoopVariant>();
+  expect_each_build_where_its_mask_allows<WordLoopVariant>();
   expect_each_build_where_its_mask_allows<PathSearchVariant>();
 }
 

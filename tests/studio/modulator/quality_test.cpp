@@ -93,7 +93,7 @@ Bytes reference_bytes(int oversampling, double frequency_hz, double amplitude) {
   return bytes;
 }
 
-TEST(ModulatorQuality, BlocksAreAsQuietAsTheReferenceLoop) {
+TEST(ModulatorQuality, WordsAreAsQuietAsTheReferenceLoop) {
   for (int oversampling : {64, 256, 512}) {
     for (double amplitude : {0.0, 0.5}) {
       const double band_hz = oversampling == 64 ? 20000 : 50000;

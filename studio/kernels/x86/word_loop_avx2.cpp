@@ -3,12 +3,12 @@
 //
 // The AVX2 build: both channels in one vector, the left one in its low half.
 
-#include "studio/kernels/block_loop.h"
+#include "studio/kernels/word_loop.h"
 
 #include "studio/kernels/x86/begin_avx2.inc"
 
-constexpr std::size_t kSlice = 32;  // blocks whose inputs are converted at a time
-constexpr std::size_t kSliceSamples = kSlice * kBlockSamples + kBlockMaxTaps + 2;
+constexpr std::size_t kSlice = 32;  // words whose inputs are converted at a time
+constexpr std::size_t kSliceSamples = kSlice * kWordSamples + kWordMaxTaps + 2;
 
 // Inputs in the forms that the loop multiplies.
 struct Inputs {
@@ -56,10 +56,10 @@ inline void pin(Vector& first, Vector& second) {
   asm volatile("" : "+x"(first), "+x"(second));
 }
 
-// Decision i of a sub-block. The base waits for nothing but the broadcast of the sign and a blend,
+// Decision i of a half. The base waits for nothing but the broadcast of the sign and a blend,
 // the shortest chain; the next base has time for fewer instructions.
 template <int kBit>
-inline void decide(const BlockLoopTables& tables, __m256i& base, __m256i& next) {
+inline void decide(const WordLoopTables& tables, __m256i& base, __m256i& next) {
   const __m256i y = _mm256_shuffle_epi8(base, _mm256_set1_epi8(2 * kBit + 1));
   const __m256i own = row(tables.own[kBit]);
   const __m256i other = row(tables.next[kBit]);
@@ -106,16 +106,16 @@ struct Rest {
   __m256 one;
   __m256 other;
 
-  static inline __m256 term(const float (&by)[kBlockRest], const float& value) {
+  static inline __m256 term(const float (&by)[kWordRest], const float& value) {
     return _mm256_mul_ps(_mm256_load_ps(by), _mm256_broadcast_ss(&value));
   }
   template <int kTaps>
-  inline void add_inputs(const BlockLoopTables& tables, const float* samples) {
+  inline void add_inputs(const WordLoopTables& tables, const float* samples) {
     one = term(tables.rest_by_input[0], samples[0]);
     for (int j = 1; j <= kTaps; ++j)
       one = _mm256_add_ps(one, term(tables.rest_by_input[j], samples[j]));
   }
-  inline void add_state(const BlockLoopTables& tables, const float* first, const float* x) {
+  inline void add_state(const WordLoopTables& tables, const float* first, const float* x) {
     for (int j = 0; j < 2; ++j) one = _mm256_add_ps(one, term(tables.rest_by_state[j], first[j]));
     other = term(tables.rest_by_state[2], x[0]);
     for (int j = 3; j < 6; ++j)
@@ -139,7 +139,7 @@ inline __m256d halves(const double (*by_byte)[2], Bytes bytes) {
 // processor's window fills with what has to wait, which costs a sixth.
 template <int kTaps>
 struct Loop {
-  const BlockLoopTables& tables;
+  const WordLoopTables& tables;
   __m256i base_a;
   __m256i base_c;
   __m256d first;
@@ -147,8 +147,8 @@ struct Loop {
   __m256 right;
 
   // False: nothing happens, since a state is out of bounds.
-  inline bool block(const Inputs& inputs, std::size_t number, bool checked, std::uint8_t* out_left,
-                    std::uint8_t* out_right) {
+  inline bool word(const Inputs& inputs, std::size_t number, bool checked, std::uint8_t* out_left,
+                   std::uint8_t* out_right) {
     constexpr int kPairs = kTaps / 2 + 1;
     const std::int16_t(*pairs)[16] = inputs.pairs + number;
     __m256i a_now = base_a;
@@ -163,7 +163,7 @@ struct Loop {
     for (int i = 1; i <= kPairs; ++i) sums_c.add(row(pairs[i]), tables.input_to_c[i]);
     pin(sums_c.even, sums_c.odd);
     decide<2>(tables, a_now, c_now);
-    const double(*wide)[4] = inputs.wide + kBlockSamples * number;
+    const double(*wide)[4] = inputs.wide + kWordSamples * number;
     __m256d next_first = _mm256_mul_pd(column(tables.first_by_input[0]), _mm256_load_pd(wide[0]));
     for (int j = 1; j <= kTaps; ++j) {
       next_first = _mm256_add_pd(
@@ -172,10 +172,10 @@ struct Loop {
     pin(next_first);
     decide<3>(tables, a_now, c_now);
     Rest next_left, next_right;
-    next_left.template add_inputs<kTaps>(tables, inputs.narrow[0] + kBlockSamples * number);
+    next_left.template add_inputs<kTaps>(tables, inputs.narrow[0] + kWordSamples * number);
     pin(next_left.one);
     decide<4>(tables, a_now, c_now);
-    next_right.template add_inputs<kTaps>(tables, inputs.narrow[1] + kBlockSamples * number);
+    next_right.template add_inputs<kTaps>(tables, inputs.narrow[1] + kWordSamples * number);
     pin(next_right.one);
     decide<5>(tables, a_now, c_now);
     const __m128 first_narrow = _mm256_cvtpd_ps(first);
@@ -189,7 +189,7 @@ struct Loop {
         _mm256_or_si256(_mm256_subs_epu16(_mm256_abs_epi16(rest_rounded), row(tables.bound_rest)),
                         _mm256_subs_epu16(_mm256_abs_epi16(pair_first), row(tables.bound_first)));
     if (checked && !_mm256_testz_si256(excess, excess)) return false;
-    alignas(32) float x[2][kBlockRest];
+    alignas(32) float x[2][kWordRest];
     alignas(16) float x_first[4];
     _mm256_store_ps(x[0], left);
     _mm256_store_ps(x[1], right);
@@ -249,8 +249,8 @@ struct Loop {
 };
 
 template <int kTaps>
-std::size_t loop(const BlockLoopTables& tables, BlockLoopState& state, const double* const* in,
-                 std::size_t blocks, bool checked, std::uint8_t* const* out) {
+std::size_t loop(const WordLoopTables& tables, WordLoopState& state, const double* const* in,
+                 std::size_t words, bool checked, std::uint8_t* const* out) {
   Loop<kTaps> now{tables,
                   row(state.base_a[0]),
                   row(state.base_c[0]),
@@ -260,13 +260,13 @@ std::size_t loop(const BlockLoopTables& tables, BlockLoopState& state, const dou
   Inputs inputs;
   std::size_t done = 0;
   bool locked = true;
-  while (done < blocks && locked) {
-    const std::size_t count = blocks - done < kSlice ? blocks - done : kSlice;
-    const double* const from[2] = {in[0] + kBlockSamples * done, in[1] + kBlockSamples * done};
-    convert(from, kBlockSamples * count + kTaps + 2, inputs);
+  while (done < words && locked) {
+    const std::size_t count = words - done < kSlice ? words - done : kSlice;
+    const double* const from[2] = {in[0] + kWordSamples * done, in[1] + kWordSamples * done};
+    convert(from, kWordSamples * count + kTaps + 2, inputs);
     for (std::size_t i = 0; i < count; ++i) {
-      locked = now.block(inputs, i, checked, out[0] + kBlockSamples * done,
-                         out[1] + kBlockSamples * done);
+      locked =
+          now.word(inputs, i, checked, out[0] + kWordSamples * done, out[1] + kWordSamples * done);
       if (!locked) break;
       checked = true;
       ++done;
@@ -280,14 +280,14 @@ std::size_t loop(const BlockLoopTables& tables, BlockLoopState& state, const dou
   return done;
 }
 
-std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const double* const* in,
-                std::size_t blocks, bool checked, std::uint8_t* const* out) {
-  return tables.taps == 4 ? loop<4>(tables, state, in, blocks, checked, out)
-                          : loop<6>(tables, state, in, blocks, checked, out);
+std::size_t run(const WordLoopTables& tables, WordLoopState& state, const double* const* in,
+                std::size_t words, bool checked, std::uint8_t* const* out) {
+  return tables.taps == 4 ? loop<4>(tables, state, in, words, checked, out)
+                          : loop<6>(tables, state, in, words, checked, out);
 }
 
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const BlockLoopVariant block_loop_avx2 = {kAvx2, run};
+extern const WordLoopVariant word_loop_avx2 = {kAvx2, run};
 }

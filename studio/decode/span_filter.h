@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Runs the stages of a plan over work items. An item is two neighbouring blocks of one channel; it
+// Runs the stages of a plan over work items. An item is two neighbouring spans of one channel; it
 // has no state, so items may be done in any order, grouping and thread.
 
-#ifndef CORVIN_STUDIO_DECODE_BLOCK_FILTER_H_
-#define CORVIN_STUDIO_DECODE_BLOCK_FILTER_H_
+#ifndef CORVIN_STUDIO_DECODE_SPAN_FILTER_H_
+#define CORVIN_STUDIO_DECODE_SPAN_FILTER_H_
 
 #include <cstdint>
 #include <vector>
@@ -16,14 +16,14 @@
 
 namespace corvin::studio {
 
-/// Bytes that an item reads from its first block's start, and frames that it makes.
-inline std::size_t item_bytes(const DecodePlan& plan) { return plan.hop_bytes + plan.block_bytes; }
+/// Bytes that an item reads from its first span's start, and frames that it makes.
+inline std::size_t item_bytes(const DecodePlan& plan) { return plan.hop_bytes + plan.span_bytes; }
 inline std::size_t item_frames(const DecodePlan& plan) { return 2 * plan.hop_frames; }
 
 /// The scratch memory of one thread. `plan` and the kernels outlive it.
-class BlockFilter {
+class SpanFilter {
  public:
-  BlockFilter(const DecodePlan& plan, const Kernels& kernels);
+  SpanFilter(const DecodePlan& plan, const Kernels& kernels);
 
   /// Filters 1 .. items_at_once() items side by side.
   /// @param in   in[items]: item_bytes() bytes each
@@ -48,4 +48,4 @@ class BlockFilter {
 
 }  // namespace corvin::studio
 
-#endif  // CORVIN_STUDIO_DECODE_BLOCK_FILTER_H_
+#endif  // CORVIN_STUDIO_DECODE_SPAN_FILTER_H_

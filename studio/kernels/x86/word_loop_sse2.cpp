@@ -4,7 +4,7 @@
 // The SSE2 build: a vector per channel, the two channels' steps in turn, so that one computes while
 // the other waits for its last decision.
 
-#include "studio/kernels/block_loop.h"
+#include "studio/kernels/word_loop.h"
 
 #include "studio/kernels/x86/begin_sse2.inc"
 
@@ -45,7 +45,7 @@ struct Channel {
   __m128i base_c;
   __m128d first;
   __m128 rest[2];
-  // Within a block.
+  // Within a word.
   __m128i pair_first;
   __m128i rounded;
   __m128i next_a;
@@ -53,13 +53,13 @@ struct Channel {
   __m128d next_first;
   __m128 next_rest[2];
 
-  explicit Channel(const BlockLoopState& state, int channel)
+  explicit Channel(const WordLoopState& state, int channel)
       : base_a(row(state.base_a[channel])),
         base_c(row(state.base_c[channel])),
         first(_mm_load_pd(state.first[channel])),
         rest{_mm_load_ps(state.rest[channel]), _mm_load_ps(state.rest[channel] + 4)} {}
 
-  void save(BlockLoopState& state, int channel) const {
+  void save(WordLoopState& state, int channel) const {
     _mm_store_si128(reinterpret_cast<__m128i*>(state.base_a[channel]), base_a);
     _mm_store_si128(reinterpret_cast<__m128i*>(state.base_c[channel]), base_c);
     _mm_store_pd(state.first[channel], first);
@@ -68,7 +68,7 @@ struct Channel {
   }
 
   // Rounds the state. Whether it is in bounds.
-  inline bool round(const BlockLoopTables& tables) {
+  inline bool round(const WordLoopTables& tables) {
     const __m128i integers = _mm_cvtps_epi32(_mm_cvtpd_ps(first));
     pair_first = _mm_shuffle_epi32(_mm_packs_epi32(integers, integers), 0x00);
     rounded = _mm_packs_epi32(_mm_cvtps_epi32(rest[0]), _mm_cvtps_epi32(rest[1]));
@@ -80,7 +80,7 @@ struct Channel {
 
   // The next bases, but for all bits.
   template <int kTaps>
-  inline void make_bases(const BlockLoopTables& tables, const double* in) {
+  inline void make_bases(const WordLoopTables& tables, const double* in) {
     const __m128d scale = _mm_set1_pd(1 << kInputFraction);
     constexpr int kPairs = kTaps / 2 + 1;
     Sums a{_mm_setzero_si128(), _mm_setzero_si128()};
@@ -104,7 +104,7 @@ struct Channel {
 
   // The next state, but for all bits.
   template <int kTaps>
-  inline void make_state(const BlockLoopTables& tables, const double* in) {
+  inline void make_state(const WordLoopTables& tables, const double* in) {
     next_first = _mm_mul_pd(_mm_load_pd(tables.first_by_input[0]), _mm_set1_pd(in[0]));
     for (int j = 1; j <= kTaps; ++j) {
       next_first = _mm_add_pd(
@@ -114,8 +114,8 @@ struct Channel {
       const __m128d x = j == 0 ? _mm_unpacklo_pd(first, first) : _mm_unpackhi_pd(first, first);
       next_first = _mm_add_pd(next_first, _mm_mul_pd(_mm_load_pd(tables.first_by_state[j]), x));
     }
-    alignas(16) float x[2 + kBlockRest + 2];
-    _mm_store_ps(x + kBlockRest, _mm_cvtpd_ps(first));
+    alignas(16) float x[2 + kWordRest + 2];
+    _mm_store_ps(x + kWordRest, _mm_cvtpd_ps(first));
     _mm_store_ps(x, rest[0]);
     _mm_store_ps(x + 4, rest[1]);
     for (int half = 0; half < 2; ++half) {
@@ -124,7 +124,7 @@ struct Channel {
         one = _mm_add_ps(one, term(tables.rest_by_input[j], half, static_cast<float>(in[j])));
       }
       for (int j = 0; j < 2; ++j) {
-        one = _mm_add_ps(one, term(tables.rest_by_state[j], half, x[kBlockRest + j]));
+        one = _mm_add_ps(one, term(tables.rest_by_state[j], half, x[kWordRest + j]));
       }
       __m128 other = term(tables.rest_by_state[2], half, x[0]);
       for (int j = 3; j < 6; ++j) {
@@ -137,7 +137,7 @@ struct Channel {
     }
   }
 
-  inline void take_a(const BlockLoopTables& tables, unsigned byte) {
+  inline void take_a(const WordLoopTables& tables, unsigned byte) {
     next_a = _mm_sub_epi16(next_a, row(tables.second[byte]));
     next_c = _mm_sub_epi16(next_c, row(tables.third[byte]));
     next_first = _mm_add_pd(next_first, _mm_load_pd(tables.first_by_a[byte]));
@@ -146,7 +146,7 @@ struct Channel {
     }
   }
 
-  inline void take_c(const BlockLoopTables& tables, unsigned byte) {
+  inline void take_c(const WordLoopTables& tables, unsigned byte) {
     base_a = next_a;
     base_c = _mm_sub_epi16(next_c, row(tables.second[byte]));
     first = _mm_add_pd(next_first, _mm_load_pd(tables.first_by_c[byte]));
@@ -159,14 +159,14 @@ struct Channel {
   static inline __m128i magnitude(__m128i v) {
     return _mm_max_epi16(v, _mm_subs_epi16(_mm_setzero_si128(), v));
   }
-  static inline __m128 term(const float (&by)[kBlockRest], int half, float value) {
+  static inline __m128 term(const float (&by)[kWordRest], int half, float value) {
     return _mm_mul_ps(_mm_load_ps(by + 4 * half), _mm_set1_ps(value));
   }
 };
 
-// Decision kBit of a sub-block.
+// Decision kBit of a half.
 template <int kBit>
-inline void decide(const BlockLoopTables& tables, __m128i& base, __m128i& next) {
+inline void decide(const WordLoopTables& tables, __m128i& base, __m128i& next) {
   const __m128i minus = _mm_srai_epi16(everywhere<kBit>(base), 15);
   const __m128i own = _mm_sub_epi16(_mm_xor_si128(row(tables.own[kBit]), minus), minus);
   const __m128i other = _mm_sub_epi16(_mm_xor_si128(row(tables.next[kBit]), minus), minus);
@@ -174,9 +174,9 @@ inline void decide(const BlockLoopTables& tables, __m128i& base, __m128i& next) 
   next = _mm_sub_epi16(next, other);
 }
 
-// All decisions of a sub-block, of both channels in turn.
+// All decisions of a half, of both channels in turn.
 template <int kBit = 0>
-inline void decide_all(const BlockLoopTables& tables, __m128i& left, __m128i& left_next,
+inline void decide_all(const WordLoopTables& tables, __m128i& left, __m128i& left_next,
                        __m128i& right, __m128i& right_next) {
   decide<kBit>(tables, left, left_next);
   decide<kBit>(tables, right, right_next);
@@ -191,16 +191,16 @@ inline unsigned byte_of(__m128i base) {
 }
 
 template <int kTaps>
-std::size_t loop(const BlockLoopTables& tables, BlockLoopState& state, const double* const* in,
-                 std::size_t blocks, bool checked, std::uint8_t* const* out) {
+std::size_t loop(const WordLoopTables& tables, WordLoopState& state, const double* const* in,
+                 std::size_t words, bool checked, std::uint8_t* const* out) {
   Channel left(state, 0);
   Channel right(state, 1);
   std::size_t done = 0;
-  for (; done < blocks; ++done) {
+  for (; done < words; ++done) {
     const bool left_locked = left.round(tables);
     const bool right_locked = right.round(tables);
     if ((checked || done > 0) && !(left_locked && right_locked)) break;
-    const std::size_t at = kBlockSamples * done;
+    const std::size_t at = kWordSamples * done;
     left.make_bases<kTaps>(tables, in[0] + at);
     right.make_bases<kTaps>(tables, in[1] + at);
     decide_all(tables, left.base_a, left.base_c, right.base_a, right.base_c);
@@ -225,14 +225,14 @@ std::size_t loop(const BlockLoopTables& tables, BlockLoopState& state, const dou
   return done;
 }
 
-std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const double* const* in,
-                std::size_t blocks, bool checked, std::uint8_t* const* out) {
-  return tables.taps == 4 ? loop<4>(tables, state, in, blocks, checked, out)
-                          : loop<6>(tables, state, in, blocks, checked, out);
+std::size_t run(const WordLoopTables& tables, WordLoopState& state, const double* const* in,
+                std::size_t words, bool checked, std::uint8_t* const* out) {
+  return tables.taps == 4 ? loop<4>(tables, state, in, words, checked, out)
+                          : loop<6>(tables, state, in, words, checked, out);
 }
 
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const BlockLoopVariant block_loop_sse2 = {kSse2, run};
+extern const WordLoopVariant word_loop_sse2 = {kSse2, run};
 }

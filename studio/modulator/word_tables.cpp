@@ -7,11 +7,11 @@
 //   X' = A^8 X + G (u - v),      y = O X + (I + H)(u - v) but for the quantiser's own v
 //
 // Row i of O is 1 A^i, column j of G is A^(7-j) B, and H is strictly lower triangular with
-// h_(i-j), h_m = 1 A^(m-1) B. Bits act on the q-th sub-block after theirs by
+// h_(i-j), h_m = 1 A^(m-1) B. Bits act on the q-th half after theirs by
 //
 //   R_q = O A^(8(q-1)) G.
 
-#include "studio/modulator/block_tables.h"
+#include "studio/modulator/word_tables.h"
 
 #include <algorithm>
 #include <cmath>
@@ -82,7 +82,7 @@ void set_product(std::int16_t (*by_pair)[2][16], int element, int y, double valu
 
 double bit_sign(int byte, int bit) { return (byte >> (kBits - 1 - bit) & 1) != 0 ? 1.0 : -1.0; }
 
-// Response to the samples from `first` on of a sub-block whose bits are interpolated from them.
+// Response to the samples from `first` on of a half whose bits are interpolated from them.
 template <int kRows>
 void add_inputs(const Matrix<kRows, kBits>& by_value, const Interpolation& interpolation, int first,
                 double (*sums)[kRows]) {
@@ -97,8 +97,8 @@ void add_inputs(const Matrix<kRows, kBits>& by_value, const Interpolation& inter
 
 }  // namespace
 
-void make_block_tables(const ShaperDesign& shaper, const Interpolation& interpolation,
-                       BlockLoopTables& tables) {
+void make_word_tables(const ShaperDesign& shaper, const Interpolation& interpolation,
+                      WordLoopTables& tables) {
   const Square a = step_matrix(shaper);
   const Square a2 = a * a;
   const Square a4 = a2 * a2;
@@ -140,9 +140,9 @@ void make_block_tables(const ShaperDesign& shaper, const Interpolation& interpol
       tables.next[bit][i] = nearest_even(r1.at[y][bit] * kBase);
     }
   }
-  double input_a[kBlockMaxTaps + 2][kBits] = {};
-  double input_c[kBlockMaxTaps + 3][kBits] = {};
-  double input_state[kBlockMaxTaps + 1][kOrder] = {};
+  double input_a[kWordMaxTaps + 2][kBits] = {};
+  double input_c[kWordMaxTaps + 3][kBits] = {};
+  double input_state[kWordMaxTaps + 1][kOrder] = {};
   add_inputs(r2, interpolation, 0, input_a);
   add_inputs(r1, interpolation, 1, input_a);
   add_inputs(own, interpolation, 2, input_a);
@@ -177,7 +177,7 @@ void make_block_tables(const ShaperDesign& shaper, const Interpolation& interpol
   }
   for (int i = 0; i < 16; ++i) {
     tables.bound_first[i] = nearest(shaper.bound[i % 2] * kState);
-    tables.bound_rest[i] = nearest(shaper.bound[2 + i % kBlockRest] * kState);
+    tables.bound_rest[i] = nearest(shaper.bound[2 + i % kWordRest] * kState);
   }
   for (int byte = 0; byte < 256; ++byte) {
     for (int i = 0; i < kBits; ++i) {

@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The modulator's loop in blocks of sixteen bits, two sub-blocks of eight, for a pair of channels.
+// The modulator's loop in words of sixteen bits, two halves of eight, for a pair of channels.
 //
-// The loop is linear but for the decisions, so what a sub-block of bits sees is known beforehand
-// except for the bits of that sub-block and the one before: its base, eight quantiser inputs y.
-// With each decision the base's later lanes and the next sub-block's base change by fixed columns.
+// The loop is linear but for the decisions, so what a half sees is known beforehand
+// except for the bits of that half and the one before: its base, eight quantiser inputs y.
+// With each decision the base's later lanes and the next half's base change by fixed columns.
 // All this needs few bits, since errors of y are shaped away like those of the quantiser: int16
 // with seven fractional bits, wrapping, and odd, so that no y is 0. What must be exact is the
-// state: it moves once in a block, by matrices for state and input and by tables for the bits, its
+// state: it moves once in a word, by matrices for state and input and by tables for the bits, its
 // first two elements in double (they hold the charge that the bits still owe) and the others in
 // float.
 //
 // The bits are a function of the input alone: every rounding and the order of all additions of
 // floating-point numbers is given below and no operation is fused.
 
-#ifndef CORVIN_STUDIO_KERNELS_BLOCK_LOOP_H_
-#define CORVIN_STUDIO_KERNELS_BLOCK_LOOP_H_
+#ifndef CORVIN_STUDIO_KERNELS_WORD_LOOP_H_
+#define CORVIN_STUDIO_KERNELS_WORD_LOOP_H_
 
 #include <algorithm>
 #include <cstddef>
@@ -27,58 +27,58 @@
 
 namespace corvin::studio {
 
-inline constexpr int kBlockSamples = 2;    ///< input samples of a block
-inline constexpr int kBlockRest = 8;       ///< float elements of a state, behind the two doubles
-inline constexpr int kBlockMaxTaps = 6;    ///< of the last interpolation
+inline constexpr int kWordSamples = 2;     ///< input samples of a word
+inline constexpr int kWordRest = 8;        ///< float elements of a state, behind the two doubles
+inline constexpr int kWordMaxTaps = 6;     ///< of the last interpolation
 inline constexpr int kBaseFraction = 7;    ///< fractional bits of y
 inline constexpr int kStateFraction = 10;  ///< of states
 inline constexpr int kInputFraction = 13;
-/// Fractional bits of the matrices that make the bases of the sub-blocks a and c from states and
+/// Fractional bits of the matrices that make the bases of the halves a and c from states and
 /// inputs, so that both products agree.
 inline constexpr int kStateToA = 9, kInputToA = 6, kShiftA = 12;
 inline constexpr int kStateToC = 8, kInputToC = 5, kShiftC = 11;
 
 /// Numbers of one loop. States are weighted (x_i c_i) and times 2^kStateFraction. Inputs are the
-/// samples s_0 ... of a block, s_0 the first that its first bits depend on. A byte holds the bits
-/// of a sub-block as they are written: the earliest in the most significant place.
-struct BlockLoopTables {
+/// samples s_0 ... of a word, s_0 the first that its first bits depend on. A byte holds the bits
+/// of a half as they are written: the earliest in the most significant place.
+struct WordLoopTables {
   int taps = 4;  ///< of the interpolation: 4 or 6
-  /// What decision i subtracts if +1 and adds if -1, from the sub-block's own base and from the
+  /// What decision i subtracts if +1 and adds if -1, from the half's own base and from the
   /// next one's. Even. Like all rows of 16 twice the same, once per channel.
   alignas(64) std::int16_t own[8][16];
   std::int16_t next[8][16];
-  /// Bases of the sub-blocks a and c of the next block, from pairs of elements and of inputs as
+  /// Bases of the halves a and c of the next word, from pairs of elements and of inputs as
   /// multiply-add instructions take them: [pair][y odd][y / 2][which of the pair].
-  std::int16_t state_to_a[5][2][16], input_to_a[(kBlockMaxTaps + 2) / 2][2][16];
-  std::int16_t state_to_c[5][2][16], input_to_c[(kBlockMaxTaps + 4) / 2][2][16];
-  /// What the bits of a sub-block subtract from the bases two and three sub-blocks on. Even.
+  std::int16_t state_to_a[5][2][16], input_to_a[(kWordMaxTaps + 2) / 2][2][16];
+  std::int16_t state_to_c[5][2][16], input_to_c[(kWordMaxTaps + 4) / 2][2][16];
+  /// What the bits of a half subtract from the bases two and three halves on. Even.
   alignas(64) std::int16_t second[256][8], third[256][8];
-  /// The next state: [element][state or input], and by the bytes of the sub-blocks a and c.
-  alignas(64) double first_by_state[2][2], first_by_input[kBlockMaxTaps + 1][2];
+  /// The next state: [element][state or input], and by the bytes of the halves a and c.
+  alignas(64) double first_by_state[2][2], first_by_input[kWordMaxTaps + 1][2];
   double first_by_a[256][2], first_by_c[256][2];
-  alignas(64) float rest_by_state[10][kBlockRest], rest_by_input[kBlockMaxTaps + 1][kBlockRest];
-  alignas(64) float rest_by_a[256][kBlockRest], rest_by_c[256][kBlockRest];
+  alignas(64) float rest_by_state[10][kWordRest], rest_by_input[kWordMaxTaps + 1][kWordRest];
+  alignas(64) float rest_by_a[256][kWordRest], rest_by_c[256][kWordRest];
   /// Bounds of a loop in lock, of the rounded state.
   /// bound_first holds the first two elements' in turn, bound_rest the others'.
   alignas(64) std::int16_t bound_first[16], bound_rest[16];
 };
 
-/// Both channels at the begin of a block.
-struct BlockLoopState {
+/// Both channels at the begin of a word.
+struct WordLoopState {
   alignas(64) double first[2][2] = {};
-  float rest[2][kBlockRest] = {};
+  float rest[2][kWordRest] = {};
   std::int16_t base_a[2][8] = {};  ///< odd
-  std::int16_t base_c[2][8] = {};  ///< but for what the bits of sub-block a take
+  std::int16_t base_c[2][8] = {};  ///< but for what the bits of half a take
 };
 
 struct RoundedState {
-  std::int16_t at[2 + kBlockRest];
+  std::int16_t at[2 + kWordRest];
 };
 
 /// A channel's state as the bases and the check see it.
-inline RoundedState rounded_state(const BlockLoopState& state, int channel) {
+inline RoundedState rounded_state(const WordLoopState& state, int channel) {
   RoundedState rounded;
-  for (int i = 0; i < 2 + kBlockRest; ++i) {
+  for (int i = 0; i < 2 + kWordRest; ++i) {
     const float value =
         i < 2 ? static_cast<float>(state.first[channel][i]) : state.rest[channel][i - 2];
     // Added and taken away again, it leaves the nearest integer.
@@ -89,15 +89,15 @@ inline RoundedState rounded_state(const BlockLoopState& state, int channel) {
   return rounded;
 }
 
-inline bool in_lock(const BlockLoopTables& tables, const RoundedState& state) {
-  for (int i = 0; i < 2 + kBlockRest; ++i) {
+inline bool in_lock(const WordLoopTables& tables, const RoundedState& state) {
+  for (int i = 0; i < 2 + kWordRest; ++i) {
     const int bound = i < 2 ? tables.bound_first[i] : tables.bound_rest[i - 2];
     if (std::abs(int{state.at[i]}) > bound) return false;
   }
   return true;
 }
 
-/// Runs blocks, per channel:
+/// Runs words, per channel:
 ///
 ///   X = saturate16(nearest(float(state)));   stop if a |X_i| > bound_i
 ///   s = float(sample), S = nearest(sample x 2^kInputFraction)
@@ -113,25 +113,25 @@ inline bool in_lock(const BlockLoopTables& tables, const RoundedState& state) {
 ///          + by_a + by_c, in this order, in float with x_1 and x_2 rounded
 ///
 /// Everything integer wraps; sums of products are 32 bits wide. Roundings go to the nearest, ties
-/// to even. |float(state)| stays below 2^22, since it is within the bounds one block before.
+/// to even. |float(state)| stays below 2^22, since it is within the bounds one word before.
 ///
-/// @param in       in[2]: s_0 of the first block; 2 x blocks + taps + 6 samples are read, those
+/// @param in       in[2]: s_0 of the first word; 2 x words + taps + 6 samples are read, those
 ///                 beyond what the formulas name for nothing, but finite
-/// @param checked  false: the first block runs whatever its state is
-/// @param out      out[2], 2 x blocks bytes
-/// @return         blocks done; fewer when a state at the begin of the next one is out of bounds
-using BlockLoop = std::size_t (*)(const BlockLoopTables& tables, BlockLoopState& state,
-                                  const double* const* in, std::size_t blocks, bool checked,
-                                  std::uint8_t* const* out);
+/// @param checked  false: the first word runs whatever its state is
+/// @param out      out[2], 2 x words bytes
+/// @return         words done; fewer when a state at the begin of the next one is out of bounds
+using WordLoop = std::size_t (*)(const WordLoopTables& tables, WordLoopState& state,
+                                 const double* const* in, std::size_t words, bool checked,
+                                 std::uint8_t* const* out);
 
-struct BlockLoopVariant {
+struct WordLoopVariant {
   InstructionSet set;
-  BlockLoop run = nullptr;
+  WordLoop run = nullptr;
 };
 
 template <>
-std::span<const BlockLoopVariant* const> builds<BlockLoopVariant>();
+std::span<const WordLoopVariant* const> builds<WordLoopVariant>();
 
 }  // namespace corvin::studio
 
-#endif  // CORVIN_STUDIO_KERNELS_BLOCK_LOOP_H_
+#endif  // CORVIN_STUDIO_KERNELS_WORD_LOOP_H_

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 
-#include "studio/decode/block_filter.h"
+#include "studio/decode/span_filter.h"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ std::size_t bit_rows(const DecodePlan& plan) {
 
 }  // namespace
 
-BlockFilter::BlockFilter(const DecodePlan& plan, const Kernels& kernels)
+SpanFilter::SpanFilter(const DecodePlan& plan, const Kernels& kernels)
     : plan_(plan),
       kernels_(kernels),
       columns_(2 * kernels.spectral->lanes),
@@ -30,7 +30,7 @@ BlockFilter::BlockFilter(const DecodePlan& plan, const Kernels& kernels)
       work_(plan.shape.forward.points * columns_),
       result_(plan.shape.inverse.points * columns_) {}
 
-void BlockFilter::run(const std::uint8_t* const* in, double* const* out, std::size_t items) {
+void SpanFilter::run(const std::uint8_t* const* in, double* const* out, std::size_t items) {
   const std::size_t lanes = items_at_once();
   for (std::size_t lane = 0; lane < lanes; ++lane) {
     const bool used = lane < items;
@@ -49,7 +49,7 @@ void BlockFilter::run(const std::uint8_t* const* in, double* const* out, std::si
                          places_.data());
 }
 
-void BlockFilter::fold() {
+void SpanFilter::fold() {
   const std::size_t taps = plan_.fold_taps.size();
   const std::size_t decimation = plan_.fold_boxcars->decimation();
   const std::size_t points = plan_.shape.forward.points;

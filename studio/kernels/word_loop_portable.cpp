@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The plain reference: one channel after the other in each block.
+// The plain reference: one channel after the other in each word.
 
 #include <algorithm>
 
-#include "studio/kernels/block_loop.h"
+#include "studio/kernels/word_loop.h"
 
 namespace corvin::studio {
 namespace {
@@ -26,8 +26,8 @@ void subtract(std::int16_t (&from)[8], const std::int16_t* row) {
   for (int i = 0; i < 8; ++i) from[i] = static_cast<std::int16_t>(word(from[i]) - word(row[i]));
 }
 
-// A sub-block's bits. Nobody can predict them, so the sign goes into the rows without a branch.
-unsigned decide(const BlockLoopTables& tables, std::int16_t (&base)[8], std::int16_t (&next)[8]) {
+// A half's bits. Nobody can predict them, so the sign goes into the rows without a branch.
+unsigned decide(const WordLoopTables& tables, std::int16_t (&base)[8], std::int16_t (&next)[8]) {
   unsigned bits = 0;
   for (int i = 0; i < 8; ++i) {
     const std::uint16_t minus = base[i] < 0 ? 0xffff : 0;
@@ -52,9 +52,9 @@ std::uint32_t products(const std::int16_t (*by_pair)[2][16], const std::int16_t*
   return sum;
 }
 
-void run_block(const BlockLoopTables& tables, BlockLoopState& state, int channel,
-               const RoundedState& rounded, const double* in, std::uint8_t* out) {
-  std::int16_t input[kBlockMaxTaps + 4];
+void run_word(const WordLoopTables& tables, WordLoopState& state, int channel,
+              const RoundedState& rounded, const double* in, std::uint8_t* out) {
+  std::int16_t input[kWordMaxTaps + 4];
   for (int j = 0; j < tables.taps + 4; ++j) input[j] = rounded_input(in[j]);
   const int pairs = tables.taps / 2 + 1;
   std::int16_t next_a[8], next_c[8];
@@ -86,9 +86,9 @@ void run_block(const BlockLoopTables& tables, BlockLoopState& state, int channel
     for (int j = 0; j < 2; ++j) sum += tables.first_by_state[j][i] * state.first[channel][j];
     first[i] = sum + tables.first_by_a[a][i] + tables.first_by_c[c][i];
   }
-  float rest[kBlockRest];
+  float rest[kWordRest];
   const float* const x = state.rest[channel];
-  for (int i = 0; i < kBlockRest; ++i) {
+  for (int i = 0; i < kWordRest; ++i) {
     float one = tables.rest_by_input[0][i] * static_cast<float>(in[0]);
     for (int j = 1; j <= tables.taps; ++j) {
       one += tables.rest_by_input[j][i] * static_cast<float>(in[j]);
@@ -102,26 +102,26 @@ void run_block(const BlockLoopTables& tables, BlockLoopState& state, int channel
     rest[i] = one + other + tables.rest_by_a[a][i] + tables.rest_by_c[c][i];
   }
   std::copy(first, first + 2, state.first[channel]);
-  std::copy(rest, rest + kBlockRest, state.rest[channel]);
+  std::copy(rest, rest + kWordRest, state.rest[channel]);
 }
 
-std::size_t run(const BlockLoopTables& tables, BlockLoopState& state, const double* const* in,
-                std::size_t blocks, bool checked, std::uint8_t* const* out) {
-  for (std::size_t block = 0; block < blocks; ++block) {
+std::size_t run(const WordLoopTables& tables, WordLoopState& state, const double* const* in,
+                std::size_t words, bool checked, std::uint8_t* const* out) {
+  for (std::size_t word = 0; word < words; ++word) {
     const RoundedState rounded[2] = {rounded_state(state, 0), rounded_state(state, 1)};
-    if ((checked || block > 0) && !(in_lock(tables, rounded[0]) && in_lock(tables, rounded[1]))) {
-      return block;
+    if ((checked || word > 0) && !(in_lock(tables, rounded[0]) && in_lock(tables, rounded[1]))) {
+      return word;
     }
     for (int channel = 0; channel < 2; ++channel) {
-      run_block(tables, state, channel, rounded[channel], in[channel] + kBlockSamples * block,
-                out[channel] + kBlockSamples * block);
+      run_word(tables, state, channel, rounded[channel], in[channel] + kWordSamples * word,
+               out[channel] + kWordSamples * word);
     }
   }
-  return blocks;
+  return words;
 }
 
 }  // namespace
 
-extern const BlockLoopVariant block_loop_portable = {kPortable, run};
+extern const WordLoopVariant word_loop_portable = {kPortable, run};
 
 }  // namespace corvin::studio
