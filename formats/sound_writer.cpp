@@ -22,7 +22,8 @@ constexpr std::uint64_t kOneBitHeaderBytes = 2048;
 
 class Fields {
  public:
-  explicit Fields(ByteOrder order) : order_(order) {}
+  // Room for every header, so that only a long tag has to move it.
+  explicit Fields(ByteOrder order) : order_(order) { bytes_.reserve(kOneBitHeaderBytes); }
 
   Fields& Text(std::string_view text) {
     bytes_.insert(bytes_.end(), text.begin(), text.end());
