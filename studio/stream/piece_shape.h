@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The pieces that a conversion cuts its stream into. A piece covers the same span of every channel
+// The pieces that a conversion cuts its stream into. A piece covers the same stretch of each channel
 // and consists of work items, which the first stage of a plan makes several of side by side. An
-// item reads two overlapping blocks, so neighbouring items, and neighbouring pieces, share what
+// item reads two overlapping spans, so neighbouring items, and neighbouring pieces, share what
 // they read.
 
 #ifndef CORVIN_STUDIO_STREAM_PIECE_SHAPE_H_
@@ -20,12 +20,12 @@ namespace corvin::studio {
 /// Items that the widest build of a kernel runs side by side.
 inline constexpr std::size_t kWidestVector = 8;
 
-/// What a plan says of the blocks of one channel.
-struct BlockShape {
-  std::size_t block = 0;  ///< elements that a block reads
-  std::size_t hop = 0;    ///< from a block to the next one
-  std::size_t lead = 0;   ///< silent elements before the stream's first
-  std::size_t out = 0;    ///< that an item makes
+/// What a plan says of the spans of one channel.
+struct SpanShape {
+  std::size_t size = 0;  ///< elements that a span reads
+  std::size_t hop = 0;   ///< from a span to the next one
+  std::size_t lead = 0;  ///< silent elements before the stream's first
+  std::size_t out = 0;   ///< that an item makes
 };
 
 /// Counts are of one channel: of `In` for what is read, and of whatever the stages make.
@@ -41,17 +41,17 @@ struct PieceShape {
   std::size_t out;        ///< that a piece makes
   std::size_t delay = 0;  ///< of what is made: comes out with a later piece
 
-  PieceShape(const BlockShape& blocks, std::size_t channel_count, bool low_latency)
+  PieceShape(const SpanShape& spans, std::size_t channel_count, bool low_latency)
       : channels(channel_count),
         // As many as make whole vectors of every width with this number of channels, so that a
         // piece is the same on every processor.
         items(low_latency ? 1 : kWidestVector / std::gcd(kWidestVector, channels)),
-        in((2 * items - 1) * blocks.hop + blocks.block),
-        in_step(2 * blocks.hop),
+        in((2 * items - 1) * spans.hop + spans.size),
+        in_step(2 * spans.hop),
         in_stride((in + kGrain - 1) / kGrain * kGrain),
-        lead(blocks.lead),
-        shared(blocks.block - blocks.hop),
-        out(items * blocks.out) {}
+        lead(spans.lead),
+        shared(spans.size - spans.hop),
+        out(items * spans.out) {}
 
   /// Has all items of a piece made: run(in, out, count) makes `count` of them, at most `width`.
   /// @param from  from[channels][in_stride]
