@@ -92,7 +92,12 @@ typedef struct corvin_decoder_settings {
   double pass_hz;       /**< the response is flat up to here; 0: 5 % of half the PCM rate below
                               stop_hz. Default 0 */
   double stop_hz;       /**< and closed from here on; at least 3 % of half the PCM rate above
-                              pass_hz; 0: half the PCM rate. Default 0 */
+                              pass_hz; 0: half the PCM rate. Default 0. Where both are 0, the band
+                              ends below the noise of the source's modulator: flat to 20 kHz and
+                              closed from 32 kHz for DSD64 (-0.02 dB at 22 kHz), 40 and 60 kHz for
+                              DSD128, as far as half the PCM rate lies above that; above DSD128 and
+                              at lower PCM rates it is the full band. The full band of any pair:
+                              pass_hz = 0, stop_hz = pcm_rate / 2 */
   double gain_db;       /**< -120..60. Default 0 */
   uint64_t reserved[8]; /**< 0 */
 } corvin_decoder_settings;
@@ -145,8 +150,8 @@ CORVIN_API int corvin_decoder_push_planar(corvin_decoder* decoder, const uint8_t
 
 /** Ends the input: the rest of the output can now be pulled. What comes before the first and after
  *  the last sample counts as silence, the byte 0x69 over and over: a tone at an eighth of the DSD
- *  rate, which only 768 kHz PCM from 2.8224 MHz DSD has in its band. An incomplete last block
- *  counts as far as all its channels reach. Calling it again does nothing.
+ *  rate, which only the full band of 768 kHz PCM from 2.8224 MHz DSD has in it. An incomplete last
+ *  block counts as far as all its channels reach. Calling it again does nothing.
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Since 0.1. */
 CORVIN_API int corvin_decoder_finish(corvin_decoder* decoder);

@@ -10,6 +10,7 @@
 #include <numeric>
 
 #include "studio/math/exact_math.h"
+#include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
 #include "studio/plan/spectral_shape.h"
 
@@ -17,8 +18,6 @@ namespace corvin::studio {
 namespace {
 
 constexpr double kAttenuationDb = 160;
-constexpr double kFullBandwidth = 0.95;
-constexpr double kNarrowestTransition = 0.03;
 // Rows on either side of the steep kernel for the spread that the correction of the droop adds to
 // it: without them the error at the spans' seams is -192 dB of full scale instead of -201.
 constexpr double kSpread = 20;
@@ -138,13 +137,10 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   const auto pcm = pcm_family(config.pcm_rate);
   if (!dsd || !pcm) return std::nullopt;
   const double half = config.pcm_rate / 2.0;
-  if (config.stop_hz == 0) config.stop_hz = half;
-  if (config.pass_hz == 0) config.pass_hz = config.stop_hz - (1 - kFullBandwidth) * half;
-  // Written so that a NaN fails.
-  if (!(config.pass_hz > 0 && config.stop_hz <= half &&
-        config.stop_hz - config.pass_hz >= kNarrowestTransition * half)) {
-    return std::nullopt;
-  }
+  const auto band = choose_band({config.pass_hz, config.stop_hz}, half, sound_band(*dsd, half));
+  if (!band) return std::nullopt;
+  config.pass_hz = band->pass_hz;
+  config.stop_hz = band->stop_hz;
 
   // Both families' transforms run at the DSD family's own multiple of 88.2k or 96k.
   const unsigned total = 1u << (dsd->doublings - pcm->doublings - 1);

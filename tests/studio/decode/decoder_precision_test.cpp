@@ -102,16 +102,25 @@ TEST(DecoderPrecision, BlocksAreADirectConvolution) {
 TEST(DecoderPrecision, BytesAreTheCommittedOnesFromEveryBuild) {
   struct Case {
     std::uint32_t dsd, pcm, format, dither, phase;
+    double stop_hz;
     std::uint64_t checksum;
   };
   constexpr Case kCases[] = {
-      {2822400, 44100, CORVIN_S24, CORVIN_DITHER_TPDF, CORVIN_LINEAR_PHASE, 0xcbeb468644f4b7c4},
-      {2822400, 48000, CORVIN_S16, CORVIN_DITHER_SHAPED, CORVIN_LINEAR_PHASE, 0x776ab3a55adb4847},
-      {2822400, 192000, CORVIN_S32, CORVIN_DITHER_TPDF, CORVIN_LINEAR_PHASE, 0x6e2fb95580d4fb8f},
-      {2822400, 352800, CORVIN_F32, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 0x869be82f3fe82ca0},
-      {3072000, 176400, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 0xd8ca118c9c72e699},
-      {11289600, 96000, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 0xb12e5af07c4b0b5b},
-      {22579200, 88200, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_MINIMUM_PHASE, 0xe1b86451ed032d4a},
+      {2822400, 44100, CORVIN_S24, CORVIN_DITHER_TPDF, CORVIN_LINEAR_PHASE, 0, 0xcbeb468644f4b7c4},
+      {2822400, 48000, CORVIN_S16, CORVIN_DITHER_SHAPED, CORVIN_LINEAR_PHASE, 0,
+       0x776ab3a55adb4847},
+      {2822400, 192000, CORVIN_S32, CORVIN_DITHER_TPDF, CORVIN_LINEAR_PHASE, 96000,
+       0x6e2fb95580d4fb8f},
+      {2822400, 352800, CORVIN_F32, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 176400,
+       0x869be82f3fe82ca0},
+      {3072000, 176400, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 88200,
+       0xd8ca118c9c72e699},
+      {11289600, 96000, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_LINEAR_PHASE, 0, 0xb12e5af07c4b0b5b},
+      {22579200, 88200, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_MINIMUM_PHASE, 0,
+       0xe1b86451ed032d4a},
+      {2822400, 352800, CORVIN_S24, CORVIN_DITHER_TPDF, CORVIN_LINEAR_PHASE, 0, 0x2af082ce94cbc024},
+      {5644800, 768000, CORVIN_F64, CORVIN_DITHER_NONE, CORVIN_MINIMUM_PHASE, 0,
+       0xb7e0d23d22264757},
   };
   for (const Case& test : kCases) {
     DecoderSettings settings;
@@ -120,6 +129,7 @@ TEST(DecoderPrecision, BytesAreTheCommittedOnesFromEveryBuild) {
     settings.format = test.format;
     settings.dither = test.dither;
     settings.phase = test.phase;
+    settings.stop_hz = test.stop_hz;
     settings.seed = 0x123456789abcdef;
     const Bytes data = Random(13).bytes(300000);
     for (std::uint32_t mask : kernel_masks()) {

@@ -57,10 +57,7 @@ TEST(Decoder, LevelAndTimeAreExact) {
     };
     EXPECT_NEAR(level(0x77), 1.0, 1e-7);  // six of eight: 1e-6 dB
     EXPECT_NEAR(level(0x11), -1.0, 1e-7);
-    // The idle pattern's own tone is at an eighth of the DSD rate.
-    if (pcm < dsd / 4) {
-      EXPECT_NEAR(level(kIdle), 0.0, 1e-7);
-    }
+    EXPECT_NEAR(level(kIdle), 0.0, 1e-7);
 
     // One bit of silence flipped: the difference must be symmetric about that bit's time.
     const double ratio = static_cast<double>(dsd) / pcm;
@@ -221,6 +218,9 @@ TEST(Decoder, RefusesWhatItCannotDo) {
   EXPECT_EQ(status([](S& s) { s.stop_hz = 30000; }), CORVIN_E_UNSUPPORTED);
   EXPECT_EQ(status([](S& s) { s.pass_hz = 21900; }), CORVIN_E_UNSUPPORTED);
   EXPECT_EQ(status([](S& s) { s.stop_hz = 1e-3; }), CORVIN_E_UNSUPPORTED);
+  // The whole of the edges that are asked for, none of the default's.
+  EXPECT_EQ(status([](S& s) { s.pcm_rate = 352800, s.pass_hz = 100000; }), CORVIN_OK);
+  EXPECT_EQ(status([](S& s) { s.pcm_rate = 352800, s.stop_hz = 20000; }), CORVIN_OK);
   EXPECT_EQ(status([](S& s) { s.size = sizeof s.size - 1; }), CORVIN_E_ARGUMENT);
 
   Decoder decoder;

@@ -45,8 +45,8 @@ std::string curves() {
 
 TEST(Quality, EveryPairKeepsItsPromise) {
   std::string text = "dsd_rate,pcm_rate,phase,pass_hz,stop_hz,ripple_db,stop_db,alias_db,taps\n";
-  const auto add = [&](std::uint32_t dsd_rate, std::uint32_t pcm_rate, Phase phase = Phase::kLinear,
-                       double pass_hz = 0, double stop_hz = 0) {
+  const auto add = [&](std::uint32_t dsd_rate, std::uint32_t pcm_rate, Phase phase, double pass_hz,
+                       double stop_hz) {
     const auto plan = make_decode_plan({dsd_rate, pcm_rate, pass_hz, stop_hz, phase});
     const bool minimum = phase == Phase::kMinimum;
     ASSERT_TRUE(plan.has_value()) << dsd_rate << " to " << pcm_rate;
@@ -63,14 +63,25 @@ TEST(Quality, EveryPairKeepsItsPromise) {
   for (std::uint32_t dsd_base : {44100u, 48000u}) {
     for (std::uint32_t dsd = 64; dsd <= 512; dsd *= 2) {
       for (std::uint32_t pcm_base : {44100u, 48000u}) {
-        for (std::uint32_t pcm = 1; pcm <= 16; pcm *= 2) add(dsd_base * dsd, pcm_base * pcm);
+        for (std::uint32_t pcm = 1; pcm <= 16; pcm *= 2) {
+          add(dsd_base * dsd, pcm_base * pcm, Phase::kLinear, 0, pcm_base * pcm / 2.0);
+        }
       }
     }
   }
-  for (double pass_hz : {0.9 * 22050, 20000.0}) add(2822400, 44100, Phase::kLinear, pass_hz);
+  for (double pass_hz : {0.9 * 22050, 20000.0}) add(2822400, 44100, Phase::kLinear, pass_hz, 0);
   add(2822400, 352800, Phase::kLinear, 40000, 60000);
-  for (std::uint32_t pcm_rate : {44100u, 48000u}) add(2822400, pcm_rate, Phase::kMinimum);
-  add(3072000, 44100, Phase::kMinimum);
+  for (std::uint32_t pcm_rate : {44100u, 48000u}) add(2822400, pcm_rate, Phase::kMinimum, 0, 0);
+  add(3072000, 44100, Phase::kMinimum, 0, 0);
+  // The band that is passed unless another is asked for, where that is not the full one: below the
+  // noise of the stream's modulator, at every PCM rate that reaches it.
+  for (std::uint32_t dsd_rate : {2822400u, 3072000u, 5644800u, 6144000u}) {
+    for (std::uint32_t pcm = dsd_rate < 5000000 ? 2 : 4; pcm <= 16; pcm *= 2) {
+      for (std::uint32_t base : {44100u, 48000u}) {
+        add(dsd_rate, base * pcm, Phase::kLinear, 0, 0);
+      }
+    }
+  }
   testing::expect_committed(text, "decode.csv", kRounding);
 }
 

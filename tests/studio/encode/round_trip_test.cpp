@@ -102,6 +102,50 @@ TEST(RoundTrip, LeavesTheModulatorsNoiseAlone) {
   }
 }
 
+// In dBFS, away from the ends, where a modulator takes over from the silence around the stream.
+double peak_of(const DecoderSettings& settings, const Bytes& bits) {
+  const std::vector<double> out = channel_of(decode(settings, bits), 1, 0);
+  double peak = 0;
+  for (std::size_t i = out.size() / 10; i < out.size() * 9 / 10; ++i) {
+    peak = std::max(peak, std::fabs(out[i]));
+  }
+  return 20 * std::log10(peak);
+}
+
+// Silence of DSD64 has peaks of -14 dBFS at 88.2k and of 0 dBFS at 705.6k, all of it the noise that
+// the modulator moved out of the way: what is passed by default ends below that.
+TEST(RoundTrip, SilenceIsSilentAtEveryPcmRate) {
+  struct Case {
+    std::uint32_t dsd_rate;
+    double silence_db;
+  };
+  for (const auto& [dsd_rate, silence_db] :
+       {Case{2822400, -60}, Case{3072000, -60}, Case{5644800, -80}}) {
+    EncoderSettings encoder;
+    encoder.channels = 1;
+    encoder.format = CORVIN_F64;
+    encoder.dsd_rate = dsd_rate;
+    const Bytes silence = encode(encoder, as_f64(std::vector<double>(8000)));
+    const Bytes tone = encode(encoder, as_f64(sine(1000, 44100, 0.5, 8000)));
+    for (std::uint32_t pcm_rate :
+         {44100u, 88200u, 96000u, 176400u, 192000u, 352800u, 384000u, 705600u, 768000u}) {
+      DecoderSettings decoder;
+      decoder.dsd_rate = dsd_rate;
+      decoder.pcm_rate = pcm_rate;
+      decoder.channels = 1;
+      decoder.format = CORVIN_F64;
+      EXPECT_LT(peak_of(decoder, silence), silence_db) << dsd_rate << " to " << pcm_rate;
+      EXPECT_NEAR(peak_of(decoder, tone), -6.02, 0.05) << dsd_rate << " to " << pcm_rate;
+      // The full band is one setting away.
+      decoder.stop_hz = pcm_rate / 2.0;
+      const double rise = dsd_rate == 5644800 ? 100000 : 80000;
+      if (pcm_rate > 2 * rise) {
+        EXPECT_GT(peak_of(decoder, silence), -20) << dsd_rate << " to " << pcm_rate;
+      }
+    }
+  }
+}
+
 // Whatever the two rates, PCM frame m and the bit at its time mean the same moment. Every ratio of
 // the transform, every factor of the interpolation.
 TEST(RoundTrip, EveryPairOfRatesKeepsTimeAndLevel) {

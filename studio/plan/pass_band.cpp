@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+
+#include "studio/plan/pass_band.h"
+
+namespace corvin::studio {
+namespace {
+
+constexpr double kFullBandwidth = 0.95;
+constexpr double kNarrowestTransition = 0.03;
+
+// The noise of a modulator rises by some 100 dB within an octave from the end of the band that it
+// is made for: at the upper edges the library's own are at -90 dB in docs/quality/encode_spectra.csv,
+// and closing there leaves peaks of -75 dBFS of the loudest. A tenth above the lower edge 0.02 dB
+// are missing. One transition for all PCM rates: 3 % of 384 kHz is 11.5 kHz.
+constexpr PassBand kDsd64 = {20000, 32000};
+constexpr PassBand kDsd128 = {40000, 60000};
+
+}  // namespace
+
+PassBand full_band(double half_hz) { return {kFullBandwidth * half_hz, half_hz}; }
+
+PassBand sound_band(const RateFamily& dsd, double half_hz) {
+  if (dsd.doublings > 7) return full_band(half_hz);
+  const PassBand band = dsd.doublings == 6 ? kDsd64 : kDsd128;
+  return band.stop_hz < half_hz ? band : full_band(half_hz);
+}
+
+std::optional<PassBand> choose_band(const PassBand& wanted, double half_hz, const PassBand& usual) {
+  PassBand band = wanted;
+  if (band.pass_hz == 0 && band.stop_hz == 0) band = usual;
+  if (band.stop_hz == 0) band.stop_hz = half_hz;
+  if (band.pass_hz == 0) band.pass_hz = band.stop_hz - (1 - kFullBandwidth) * half_hz;
+  // Written so that a NaN fails.
+  if (!(band.pass_hz > 0 && band.stop_hz <= half_hz &&
+        band.stop_hz - band.pass_hz >= kNarrowestTransition * half_hz)) {
+    return std::nullopt;
+  }
+  return band;
+}
+
+}  // namespace corvin::studio
