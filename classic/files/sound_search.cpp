@@ -22,12 +22,33 @@ using corvin::formats::MakeChunkId;
 
 constexpr ChunkId kUncompressed = MakeChunkId("DSD ");
 
+/// What four bytes have to be for the identifier of a chunk.
+bool IsPrintable(const ChunkId& id) {
+  return std::all_of(id.begin(), id.end(), [](std::uint8_t c) { return c >= ' ' && c <= '~'; });
+}
+
 /// What the property chunk of a DSDIFF file tells.
 struct Properties {
   std::uint32_t rate_hz = 0;
   std::uint16_t channels = 0;
   std::optional<ChunkId> sound_id;  ///< identifier of the sound chunk; none before "CMPR"
 };
+
+/// The compression type and a name, which is padded to an even size. Files disagree on whether the
+/// size counts the pad byte, and on whether there is one: the identifier that follows decides.
+bool ReadCompression(ChunkCursor& cursor, std::uint64_t size, Properties& found) {
+  const std::uint64_t body = cursor.position();
+  ChunkId compression;
+  std::uint8_t length;
+  if (!cursor.Read(compression.data(), compression.size()) || !cursor.Read(length)) return false;
+  const std::uint64_t padded = (compression.size() + 1 + length + 1) / 2 * 2;
+  found.sound_id = compression;
+  if (size >= padded) return cursor.SeekTo(body + std::min(size, cursor.file_size()));
+  ChunkId next;
+  if (cursor.SeekTo(body + padded) && cursor.Read(next.data(), next.size()) && IsPrintable(next))
+    return cursor.StepBack(next.size());
+  return size >= compression.size() && cursor.SeekTo(body + size);
+}
 
 /// Walks the sub-chunks. They are counted off by their declared sizes and read by their contents:
 /// our own files declare stereo sizes for every channel count. False ends the search.
@@ -36,7 +57,8 @@ bool WalkProperties(ChunkCursor& cursor, std::uint64_t size, Properties& found) 
   if (size == 0) return cursor.Read(type.data(), type.size());
   if (size > cursor.left() || !cursor.Read(type.data(), type.size())) return false;
   std::uint64_t remaining = size - std::min<std::uint64_t>(size, type.size());
-  while (remaining > 0) {
+  // Less is left over where a pad byte is not counted.
+  while (remaining >= kChunkHeaderBytes) {
     ChunkHeader chunk;
     if (!cursor.ReadHeader(chunk)) return false;
     if (found.sound_id == chunk.id) return cursor.StepBack(kChunkHeaderBytes);
@@ -45,16 +67,11 @@ bool WalkProperties(ChunkCursor& cursor, std::uint64_t size, Properties& found) 
     } else if (chunk.id == MakeChunkId("CHNL")) {
       if (!cursor.Read(found.channels) || !cursor.Skip(4ull * found.channels)) return false;
     } else if (chunk.id == MakeChunkId("CMPR")) {
-      ChunkId compression;
-      // The name follows; files disagree on whether its padding is counted, but not on the end.
-      if (chunk.size < compression.size() || !cursor.Read(compression.data(), compression.size()) ||
-          !cursor.Skip(chunk.size - compression.size()))
-        return false;
-      found.sound_id = compression;
+      if (!ReadCompression(cursor, chunk.size, found)) return false;
     } else if (chunk.size > remaining || !cursor.Skip(chunk.size)) {
       return false;
     }
-    remaining -= std::min(remaining, kChunkHeaderBytes);
+    remaining -= kChunkHeaderBytes;
     remaining -= std::min(remaining, chunk.size);
   }
   return true;

@@ -253,7 +253,6 @@ TEST(DsdToPcm, MalformedHeadersEndInTheirFailureValue) {
       {"DSDIFF properties past the end", dsdiff({.properties_size = 1 << 20}), 0},
       {"DSDIFF sub-chunk past its chunk",
        dsdiff({.properties_first = DsdiffChunk("ABSS", {}, 5000)}), 0},
-      {"DSDIFF compression size of 2", dsdiff({.compression_size = 2}), 0},
       {"1bit without channels", one_bit({.stated_channels = 0}), -1},
       {"1bit of 200 channels", one_bit({.stated_channels = 200}), -1},
       {"1bit rate of 0", one_bit({}, 0), -1},
@@ -300,6 +299,21 @@ TEST(SoundSearch, CutAnywhereFindsNothingBeyondTheFile) {
         }
       }
       ASSERT_LE(found, 1);
+  const Bytes start = DsdiffChunk("ABSS", Bytes(8));
+  const auto named = [&](const DsdiffOptions& options) {
+    files.push_back(DsdiffFile(2, kDsd64, sound, options));
+  };
+  // A pad byte that the size leaves out, in front of a sub-chunk and at the end of the properties;
+  // a size that leaves out the whole name; a length of the name that lies.
+  named({.compression_size = 19, .properties_last = start});
+  named({.compression_size = 19, .before_sound = start});
+  named({.compression_size = 2});
+  named({.name_length = 200});
+  // No pad byte at all.
+  Bytes unpadded = DsdiffFile(2, kDsd64, sound, {.compression_size = 19, .properties_size = 73});
+  const auto sound_chunk = unpadded.end() - static_cast<long>(sound.size()) - 12;
+  unpadded.erase(sound_chunk - 1);
+  files.push_back(unpadded);
     }
   }
 }
