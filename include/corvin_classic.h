@@ -81,8 +81,9 @@ CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
  *                       -1 when the file cannot be opened, its header or an argument is out of
  *                       range (nothing is written), resources run out, or `progress` cancelled
  *                       (`output` then holds the PCM up to there)
- *  The length is pcmRate x samples / DSD rate frames, rounded down. The filter's delay is taken
- *  out: the first frame belongs to the first sample.
+ *  The length is pcmRate x samples / DSD rate frames, rounded down; of a file that is cut short the
+ *  samples that are there count. The filter's delay is taken out: the first frame belongs to the
+ *  first sample.
  *  Threads: reentrant; starts its own threads and ends them before it returns. Since 0.1. */
 CORVIN_API int DSDtoPCM(const char* path, void* output, CorvinProgressCallback progress,
                         void* progressData, int reserved1, int reserved2, int pcmRate, int bits,

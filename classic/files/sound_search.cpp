@@ -77,6 +77,16 @@ bool WalkProperties(ChunkCursor& cursor, std::uint64_t size, Properties& found) 
   return true;
 }
 
+/// DSF sound of which `left` bytes are there: a group of blocks that is cut counts as a whole.
+DsdSound WithinFile(DsdSound sound, std::uint64_t left) {
+  const std::uint64_t group = std::uint64_t{sound.block_bytes} * sound.channels;
+  const std::uint64_t groups = group > 0 ? left / group + (left % group != 0) : 0;
+  const std::uint64_t per_channel = groups * sound.block_bytes;
+  if (sound.sample_count / 8 > per_channel) sound.sample_count = per_channel * 8;
+  sound.bytes = sound.sample_count / 8 * sound.channels;
+  return sound;
+}
+
 }  // namespace
 
 SoundSearch::SoundSearch(std::FILE* file) : file_(file) {
@@ -126,12 +136,9 @@ std::optional<DsdSound> SoundSearch::NextDsf() {
       format.rate_hz = word(16);
       format.sample_count = Load<std::uint64_t>(ByteOrder::kLittle, &body[24]);
       format.block_bytes = word(32);
-      // No channel holds more than the file.
-      format.bytes =
-          std::min(format.sample_count / 8, cursor.file_size()) * std::min(format.channels, 255u);
     } else if (chunk.id == MakeChunkId("data")) {
       if (!dsf_format_) break;
-      return dsf_format_;
+      return WithinFile(*dsf_format_, cursor.left());
     } else if (chunk.size > kChunkHeaderBytes - 1 && !cursor.Skip(chunk.size - kChunkHeaderBytes)) {
       break;
     }
@@ -149,12 +156,17 @@ std::optional<DsdSound> SoundSearch::FindDsdiff() {
     if (chunk.id == MakeChunkId("PROP")) {
       if (!WalkProperties(cursor, chunk.size, properties)) break;
     } else if (properties.sound_id == chunk.id) {
-      if (chunk.id != kUncompressed || chunk.size > cursor.left()) break;
+      if (chunk.id != kUncompressed) break;
       DsdSound sound;
-      sound.bytes = chunk.size;
       sound.channels = properties.channels;
       sound.rate_hz = properties.rate_hz;
-      if (sound.channels > 0) sound.sample_count = chunk.size * 8 / sound.channels;
+      sound.bytes = chunk.size;
+      if (sound.channels > 0) {
+        // A file that is cut short still has sound, to its last byte of every channel.
+        if (chunk.size > cursor.left())
+          sound.bytes = cursor.left() / sound.channels * sound.channels;
+        sound.sample_count = sound.bytes * 8 / sound.channels;
+      }
       return sound;
     } else if (!cursor.Skip(chunk.id == MakeChunkId("FVER") ? 4 : chunk.size)) {
       break;

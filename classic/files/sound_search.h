@@ -13,8 +13,8 @@
 
 /// Sound data at the stream's position, with what its headers say of it, unchecked.
 struct DsdSound {
-  std::uint64_t bytes = 0;         ///< all channels, within the file unless it is a DSF cut short
-  std::uint64_t sample_count = 0;  ///< per channel
+  std::uint64_t bytes = 0;         ///< all channels, within the file but for a DSF's last group
+  std::uint64_t sample_count = 0;  ///< per channel, of those bytes
   std::uint32_t channels = 0;
   std::uint32_t rate_hz = 0;
   bool dsf = false;               ///< in blocks of one channel; else one byte per channel in turn

@@ -43,6 +43,9 @@ done
 
 # What is left of a file that was cut short is worth having.
 head -c 40000 a.dsf >half.dsf
-for engine in studio classic; do
-  try corvin convert half.dsf -o half.wav -y --engine $engine | cut -d, -f1-3
+head -c 40000 b.dff >half.dff
+for half in half.dsf half.dff; do
+  for engine in studio classic; do
+    try corvin convert $half -o half.wav -y --engine $engine | cut -d, -f1-4
+  done
 done
