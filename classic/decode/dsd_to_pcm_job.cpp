@@ -45,6 +45,14 @@ int BatchFor(const RatePlan& plan, int channels, int workers, int ring_depth) {
   return static_cast<int>(std::max(1LL, std::min(kSamples / samples, kBytes / block_bytes)));
 }
 
+/// Bytes per channel that a source of halves is asked for.
+int PlanarBytes(const RatePlan& plan, int block_samples) {
+  constexpr int kMost = 1 << 20;
+  const bool two_families = plan.interpolation > 1;
+  const int bytes = plan.polyphase && !two_families ? block_samples / 8 : block_samples;
+  return two_families || bytes < 1 ? plan.block_samples / 8 : std::min(bytes, kMost);
+}
+
 }  // namespace
 
 CDSDtoPCM2::CDSDtoPCM2(CorvinReadCallback readProc, void* readData, void* output, int channels,
@@ -55,8 +63,8 @@ CDSDtoPCM2::CDSDtoPCM2(CorvinReadCallback readProc, void* readData, void* output
     CheckArguments(inBuffer != nullptr, channels, blockSamples, dsdRate, pcmRate, bits,
                    interleaved);
     channels_ = channels;
-    const Source source{readProc, readData,    inBuffer, 2LL * blockSamples,
-                        lsbFirst, interleaved, totalBits};
+    const Source source{readProc, readData,    inBuffer,     2LL * blockSamples,
+                        lsbFirst, interleaved, blockSamples, totalBits};
     const Sink sink{output, outBuffer, bits, bigEndian};
     const auto lock = DesignLock();
     DEFTAPS = (tapsHint & 0x80) != 0 ? 4096 : 1024;
@@ -82,8 +90,16 @@ int CDSDtoPCM2::Translate(bool (*progress)(void*), void* data) {
 
 int CDSDtoPCM2::Translate2() { return writer_ ? writer_->Wait() : -1; }
 
-void CDSDtoPCM2::BuildPipeline(const Source& source, const Sink& sink, int dsd_rate, int pcm_rate) {
+void CDSDtoPCM2::BuildPipeline(const Source& given, const Sink& sink, int dsd_rate, int pcm_rate) {
   const RatePlan& plan = filter_.plan;
+  Source source = given;
+  if (source.read && !source.memory && !source.interleaved && channels_ == 2) {
+    planar_ = std::make_unique<PlanarSource>(source.read, source.data,
+                                             PlanarBytes(plan, source.block_samples));
+    source.read = PlanarSource::Read;
+    source.data = planar_.get();
+    source.interleaved = true;
+  }
   const int workers = static_cast<int>(GetCPU_GPU_Cores(channels_));
   const int ring_depth = workers * 4;
   const int batch = BatchFor(plan, channels_, workers, ring_depth);

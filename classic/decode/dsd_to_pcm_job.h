@@ -14,6 +14,7 @@
 #include "classic/decode/fallback_output.h"
 #include "classic/decode/fallback_stage.h"
 #include "classic/decode/pcm_writer.h"
+#include "classic/decode/planar_source.h"
 #include "classic/decode/polyphase_output.h"
 #include "classic/decode/polyphase_stage.h"
 #include "corvin.h"
@@ -27,13 +28,17 @@ class CORVIN_API CDSDtoPCM2 {
   /// @param readProc      source; null with `inBuffer`
   /// @param output        FILE* for the PCM; ignored with `outBuffer`
   /// @param channels      1..8; two at most come out
-  /// @param blockSamples  with `inBuffer` its bytes per channel; otherwise not used: the bytes that
-  ///                      come out do not depend on the source's blocks
+  /// @param blockSamples  with `inBuffer` its bytes per channel; otherwise samples per channel in a
+  ///                      delivery that is not interleaved. The bytes that come out do not depend on
+  ///                      the source's blocks
   /// @param dsdRate       Hz, up to 98304000
   /// @param pcmRate       Hz, dsdRate / 16384 .. dsdRate
   /// @param lsbFirst      earliest sample of a byte in its least significant bit
   /// @param bits          8, 16, 24 or 32
-  /// @param interleaved   one byte per channel in turn; false: two halves (1 or 2 channels)
+  /// @param interleaved   one byte per channel in turn; false (1 or 2 channels): two halves of what
+  ///                      each call of `readProc` delivers. It is asked for `blockSamples` samples of
+  ///                      each channel, or for a block of the plan where the rates are of two
+  ///                      families; for `blockSamples` bytes where they have no plan
   /// @param totalBits     samples per channel in the source
   /// @param tapsHint      a set top bit presets DEFTAPS to 4096 instead of 1024; the design then
   ///                      overwrites it
@@ -65,6 +70,7 @@ class CORVIN_API CDSDtoPCM2 {
     long long memory_bytes;
     bool lsb_first;
     bool interleaved;
+    int block_samples;
     unsigned long long total_bits;
   };
   struct Sink {
@@ -80,6 +86,7 @@ class CORVIN_API CDSDtoPCM2 {
 
   ConversionFilter filter_;
   int channels_ = 0;
+  std::unique_ptr<PlanarSource> planar_;
   std::unique_ptr<CDiskReaderDec> reader_;
   std::unique_ptr<CDiskWriterDec> writer_;
   std::array<std::unique_ptr<CFormatChangeDec>, kMaxChannels> fallback_stages_;

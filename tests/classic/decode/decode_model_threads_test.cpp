@@ -218,4 +218,78 @@ TEST(Decode, OneChannelAndTheFirstTwoOfMore) {
   }
 }
 
+/// Stereo in memory that is delivered in halves of any size, or in blocks as they stand.
+struct Halves {
+  std::vector<std::uint8_t> left, right;
+  std::size_t half;  ///< bytes of each channel in a delivery, at most
+  std::size_t at = 0;
+
+  static int Read(void* buffer, int size, void* data) {
+    auto& self = *static_cast<Halves*>(data);
+    const std::size_t count =
+        std::min({static_cast<std::size_t>(size) / 2, self.left.size() - self.at, self.half});
+    auto* const to = static_cast<std::uint8_t*>(buffer);
+    std::memcpy(to, self.left.data() + self.at, count);
+    std::memcpy(to + count, self.right.data() + self.at, count);
+    self.at += count;
+    return static_cast<int>(2 * count);
+  }
+};
+
+std::vector<std::uint8_t> Decoded(CorvinReadCallback read, void* data, const DecodePair& pair,
+                                  bool interleaved, std::size_t bytes) {
+  const corvin::testing::StreamPointer file(std::tmpfile());
+  {
+    CDSDtoPCM2 job(read, data, file.get(), 2, 4096, pair.dsd_rate, pair.pcm_rate, false, 16,
+                   interleaved, 8 * bytes, 1, 0, false, nullptr, nullptr);
+    EXPECT_EQ(job.Translate2(), 0);
+  }
+  return corvin::testing::ReadBack(file.get());
+}
+
+// A callback that delivers the channels one behind the other gives what interleaved bytes give,
+// however short its deliveries are and wherever they end.
+TEST(DecodeJob, HalvesOfEachDeliveryAreTheChannels) {
+  using corvin::testing::PackBits;
+  using corvin::testing::RandomBits;
+  for (const auto& [dsd_rate, pcm_rate] :
+       {std::pair{2822400, 88200}, {2822400, 48000}, {2822400, 32000}}) {
+    DecodePair pair{};
+    pair.dsd_rate = dsd_rate;
+    pair.pcm_rate = pcm_rate;
+    for (const std::size_t bytes : {300, 150001}) {
+      const auto left = PackBits(RandomBits(8 * bytes, 1), false);
+      const auto right = PackBits(RandomBits(8 * bytes, 2), false);
+      ByteSource turns{corvin::testing::Interleave({left, right})};
+      const auto expected = Decoded(ByteSource::Read, &turns, pair, true, bytes);
+      EXPECT_EQ(expected.size() % 4, 0u);
+      for (const std::size_t half : {1000000, 331}) {
+        Halves source{left, right, half};
+        EXPECT_TRUE(Decoded(Halves::Read, &source, pair, false, bytes) == expected)
+            << pcm_rate << " Hz, " << bytes << " bytes by " << half;
+      }
+    }
+  }
+}
+
+// What is asked for are blocks of the source, so that one that stands in halves of them can be
+// handed on as it is.
+TEST(DecodeJob, AsksForBlocksOfHalves) {
+  for (const auto& [pcm_rate, half] :
+       {std::pair{88200, 4096 / 8}, {48000, 2352 / 8}, {32000, 4096}}) {
+    struct Host {
+      int size = 0;
+      static int Read(void*, int size, void* data) {
+        static_cast<Host*>(data)->size = size;
+        return 0;
+      }
+    } host;
+    DecodePair pair{};
+    pair.dsd_rate = 2822400;
+    pair.pcm_rate = pcm_rate;
+    Decoded(Host::Read, &host, pair, false, 0);
+    EXPECT_EQ(host.size, 2 * half) << pcm_rate;
+  }
+}
+
 }  // namespace
