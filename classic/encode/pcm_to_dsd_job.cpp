@@ -19,6 +19,8 @@ constexpr int kMaxDsdRate = 98304000;
 constexpr int kMaxRatio = 4096;
 constexpr int kDsfBlockBytes = 4096;
 constexpr float kPollSeconds = 0.5f;
+/// Enough to make waking the modulator worth it.
+constexpr int kBatchSamples = 65536;
 
 /// Half a filter's length in units of `divisor` of its taps, rounded in single precision: hosts
 /// expect the delay that this gives.
@@ -27,12 +29,10 @@ int HalfLength(int taps, int divisor, float unit) {
   return static_cast<int>(std::floor(x + 0.5f));
 }
 
-/// How many of the plan's blocks the threads hand over at once: enough samples to make waking the
-/// modulator worth it, and whole bytes of them.
-int BatchFor(int block_outputs) {
-  constexpr int kSamples = 65536;
+/// How many of the plan's blocks the threads hand over at once: about `samples`, and whole bytes.
+int BatchFor(int block_outputs, int samples) {
   const int whole_bytes = 8 / std::gcd(8, block_outputs);
-  return std::max(1, kSamples / block_outputs / whole_bytes) * whole_bytes;
+  return std::max(1, samples / block_outputs / whole_bytes) * whole_bytes;
 }
 
 /// Four blocks a worker, but no more than a share of the job's memory holds.
@@ -67,7 +67,9 @@ CPCMtoDSD::CPCMtoDSD(CorvinReadCallback read, void* readData, std::FILE* out, in
     const int taps = DEFTAPS_PCMtoDSD;
     const int block_outputs = static_cast<int>(static_cast<long long>(plan_.block_frames) *
                                                plan_.interpolation / plan_.decimation);
-    const int batch = BatchFor(block_outputs);
+    // That writer halves each block that it gets: its blocks are those of the plan.
+    const bool halves = interleavedWriter && outBuffer;
+    const int batch = BatchFor(block_outputs, halves ? 1 : kBatchSamples);
     const int batch_frames = plan_.block_frames * batch;
     const int batch_outputs = block_outputs * batch;
     const int workers = static_cast<int>(GetCPU_GPU_Cores(channels));

@@ -14,6 +14,7 @@
 #include <numbers>
 #include <vector>
 
+#include "classic/encode/pcm_to_dsd_job.h"
 #include "classic/files/dsd_header.h"
 #include "corvin.h"
 #include "tests/support/at_once.h"
@@ -120,6 +121,40 @@ TEST(PcmToDsd, FilesByteForByte) {
       const std::uint8_t byte = k < sound_bytes ? sound[k % half * 2 + k / half] : 0xEE;
       ASSERT_EQ(memory[k], byte) << k;
     }
+  }
+}
+
+// Interleaved sound in memory: the first half of each block of the plan goes to the buffer's first
+// half, the second half to its second. The delay that is dropped shortens the first block.
+TEST(PcmToDsd, InterleavedMemoryIsHalvedBlockByBlock) {
+  struct Row {
+    Job job;
+    std::size_t block;  ///< bytes that the plan's blocks hold, of both channels
+    std::size_t delay;  ///< bytes dropped, of both channels
+  };
+  const Row rows[] = {
+      {{.mode = 1, .frames = 2001}, 320 * 64 / 8 * 2, 2 * 64},
+      {{.mode = 1, .frames = 2001, .pcm_rate = 96000}, 160 * 147 / 5 / 8 * 2, 2 * 59}};
+  for (const auto& [job, block, delay] : rows) {
+    Bytes pcm = Pcm(job);
+    const Bytes file = Encoded(job);
+    const Bytes sound(file.begin() + 150, file.end());
+    Bytes expected(sound.size());
+    std::size_t half = 0;
+    for (std::size_t at = 0, end = block - delay; at < sound.size(); at = end, end += block) {
+      const std::size_t count = (std::min(end, sound.size()) - at) / 2;
+      const auto from = sound.begin() + static_cast<long>(at);
+      std::copy_n(from, count, expected.begin() + static_cast<long>(half));
+      std::copy_n(from + static_cast<long>(count), count,
+                  expected.begin() + static_cast<long>(sound.size() / 2 + half));
+      half += count;
+    }
+    Bytes memory(sound.size());
+    CPCMtoDSD encoder(nullptr, nullptr, nullptr, 2, job.dsd_rate, static_cast<int>(job.pcm_rate),
+                      false, job.bits, true, job.frames, 1, 0, reinterpret_cast<char*>(pcm.data()),
+                      static_cast<int>(pcm.size()), reinterpret_cast<char*>(memory.data()));
+    EXPECT_EQ(encoder.Translate2(), 0u);
+    EXPECT_TRUE(memory == expected) << job.pcm_rate;
   }
 }
 
