@@ -24,5 +24,9 @@ install(FILES "${PROJECT_BINARY_DIR}/CorvinConfig.cmake"
 file(RELATIVE_PATH corvin_pc_prefix
   "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" corvin_pc_prefix "${corvin_pc_prefix}")
+set(corvin_pc_platform "")
+if(APPLE)
+  set(corvin_pc_platform " -framework CoreFoundation")
+endif()
 configure_file(cmake/corvin.pc.in "${PROJECT_BINARY_DIR}/corvin.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/corvin.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -19,6 +19,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86)$" OR
 endif()
 
 find_package(Threads REQUIRED)
+# Texts of tags and the wait that keeps a host's run loop alive.
+set(corvin_platform_libraries "$<$<PLATFORM_ID:Darwin>:-framework CoreFoundation>")
 
 function(corvin_add_part folder)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/*.cpp")
@@ -26,7 +28,8 @@ function(corvin_add_part folder)
   target_include_directories(corvin_${folder} PUBLIC
     "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
   target_compile_definitions(corvin_${folder} PRIVATE CORVIN_BUILDING)
-  target_link_libraries(corvin_${folder} PRIVATE corvin_flags PUBLIC Threads::Threads)
+  target_link_libraries(corvin_${folder} PRIVATE corvin_flags
+    PUBLIC Threads::Threads ${corvin_platform_libraries})
   set_target_properties(corvin_${folder} PROPERTIES
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden
@@ -37,5 +40,6 @@ endfunction()
 # Links every part's objects into `target`.
 function(corvin_link_parts target)
   get_property(parts GLOBAL PROPERTY CORVIN_PARTS)
-  target_link_libraries(${target} PRIVATE ${parts} corvin_flags Threads::Threads)
+  target_link_libraries(${target} PRIVATE ${parts} corvin_flags Threads::Threads
+    ${corvin_platform_libraries})
 endfunction()
