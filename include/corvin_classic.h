@@ -54,8 +54,8 @@ typedef struct DSD_INFO {
  *  @param info  the record to fill. All fields but `format` and the tail of `compressionName` are
  *               reset first; `format` keeps the caller's value when the file is of no known kind,
  *               so set it to 0 before the call to tell "unknown" from a kind
- *  @return      -1 when the file cannot be opened, 0 in every other case; what a malformed file
- *               does not tell stays 0
+ *  @return      -1 when the file cannot be opened or an argument is null, 0 in every other case;
+ *               what a malformed file does not tell stays 0
  *  Threads: reentrant. Since 0.1. */
 CORVIN_API int DSDInfo(const char* path, DSD_INFO* info);
 
@@ -275,24 +275,24 @@ typedef struct dsd2pcm_state dsd2pcm_state;
  *  Threads: any number at once, the first call too. Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_init(void);
 
-/** Brings a converter back to how dsd2pcm_init() made it.
- *  @param state  not null
+/** Brings a converter back to how dsd2pcm_init() made it; null is allowed.
  *  Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API void dsd2pcm_reset(dsd2pcm_state* state);
 
 /** Creates a converter that goes on exactly as `state` would.
- *  @param state  not null; is not changed
- *  @return  to be released by dsd2pcm_destroy(); null when memory runs out. Since 0.1. */
+ *  @param state  is not changed
+ *  @return  to be released by dsd2pcm_destroy(); null for null or when memory runs out
+ *  Since 0.1. */
 CORVIN_API dsd2pcm_state* dsd2pcm_clone(const dsd2pcm_state* state);
 
-/** Converts bytes of one channel. Any division of a stream into calls gives the same floats.
+/** Converts bytes of one channel. Any division of a stream into calls gives the same floats. With a
+ *  null pointer nothing is read, written or changed.
  *  @param state       the channel's converter
  *  @param samples     bytes to read and floats to write, 0 or more
- *  @param src         src[0], src[src_stride]...: eight samples each; may be null for 0 samples
+ *  @param src         src[0], src[src_stride]...: eight samples each
  *  @param src_stride  bytes from one to the next, the channel count for interleaved data
  *  @param lsbfirst    not 0 when the earliest sample is in the least significant bit, as in DSF
- *  @param dst         dst[0], dst[dst_stride]... are written, others left; may be null for 0
- *                     samples
+ *  @param dst         dst[0], dst[dst_stride]... are written, others left
  *  @param dst_stride  floats from one to the next
  *  Threads: converters are independent, each takes one call at a time. Real time: never allocates,
  *  locks or blocks. Since 0.1. */

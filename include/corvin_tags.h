@@ -76,14 +76,14 @@ typedef struct DSD_TAG {
  *  @param path  the file
  *  @param tag   emptied first, also when the file cannot be opened
  *  @return      -1 when the file cannot be opened, when it is a "1bit" file or a DSF file without a
- *               tag; 0 in every other case, including a file of no known kind (`format` is then 0)
- *               and a tag that cannot be read
+ *               tag, and for a null pointer; 0 in every other case, including a file of no known
+ *               kind (`format` is then 0) and a tag that cannot be read
  *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API int DSDTag(const char* path, DSD_TAG* tag);
 
 /** Empties a record: releases its pictures and zeroes every field.
- *  @param tag  not null. Its pictures are those that the library allocated: a host that has put in
- *              memory of its own takes it out before
+ *  @param tag  null is allowed. Its pictures are those that the library allocated: a host that has
+ *              put in memory of its own takes it out before
  *  Threads: reentrant for different records. Since 0.1. */
 CORVIN_API void DSDTagClear(DSD_TAG* tag);
 
@@ -94,8 +94,8 @@ CORVIN_API void DSDTagClear(DSD_TAG* tag);
  *                 skipped. Pictures replace those held before the call
  *  @return        0 when the block holds at least one frame, known or not; 1 when there is no
  *                 ID3v2.3 header (2.2 and 2.4 are not read), or no frame; -1 when header or block
- *                 end early or memory runs out. Except when memory runs out, the record is
- *                 untouched unless 0 is returned
+ *                 end early, memory runs out or a pointer is null. Except when memory runs out, the
+ *                 record is untouched unless 0 is returned
  *  Memory: at most a few times what the stream really holds. Threads: reentrant for different
  *  streams and records. Since 0.1. */
 CORVIN_API int Read_id3tag_v2(FILE* stream, DSD_TAG* tag);
@@ -106,8 +106,8 @@ CORVIN_API int Read_id3tag_v2(FILE* stream, DSD_TAG* tag);
  *  @param stream  left behind the block; need not be seekable
  *  @param tag     is not changed
  *  @return  bytes written: the size of the block, 10 for an empty record, unless the stream's error
- *           flag is set; -1 without writing when memory runs out or the block would exceed the 256
- *           MiB that an ID3v2 header can state
+ *           flag is set; -1 without writing when memory runs out, a pointer is null or the block
+ *           would exceed the 256 MiB that an ID3v2 header can state
  *  Threads: reentrant for different streams. Since 0.1. */
 CORVIN_API int Write_id3tag_v2(FILE* stream, const DSD_TAG* tag);
 
@@ -117,7 +117,8 @@ CORVIN_API int id3tag_write_v2(FILE* stream, const DSD_TAG* tag);
 /** Copies a text without its byte-order mark: FF FE, FE FF or EF BB BF.
  *  @param src  src[len]
  *  @param dst  receives what follows the mark; may be `src`
- *  @return     bytes copied; 0, and nothing is copied, when there is no mark or `len` is below 4
+ *  @return     bytes copied; 0, and nothing is copied, when there is no mark, `len` is below 4 or a
+ *              pointer is null
  *  Threads: reentrant. Real time: never allocates, locks or blocks. Since 0.1. */
 CORVIN_API int CutUnicodeBOM(const unsigned char* src, int len, unsigned char* dst);
 

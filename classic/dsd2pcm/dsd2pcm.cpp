@@ -62,12 +62,14 @@ dsd2pcm_state* dsd2pcm_init(void) {
 }
 
 void dsd2pcm_reset(dsd2pcm_state* state) {
+  if (state == nullptr) return;
   // The whole ring alike: the older half is not reversed here, which is heard for the first bytes.
   std::memset(state->fifo, corvin::formats::kSilence, sizeof state->fifo);
   state->fifopos = 0;
 }
 
 dsd2pcm_state* dsd2pcm_clone(const dsd2pcm_state* state) {
+  if (state == nullptr) return nullptr;
   auto* copy = static_cast<dsd2pcm_state*>(std::malloc(sizeof(dsd2pcm_state)));
   if (copy != nullptr) *copy = *state;
   return copy;
@@ -77,6 +79,7 @@ void dsd2pcm_destroy(dsd2pcm_state* state) { std::free(state); }
 
 void dsd2pcm_translate(dsd2pcm_state* state, size_t samples, const unsigned char* src,
                        ptrdiff_t src_stride, int lsbfirst, float* dst, ptrdiff_t dst_stride) {
+  if (state == nullptr || src == nullptr || dst == nullptr) return;
   dsd2pcm_state ring = *state;  // a copy that `dst` cannot alias
   std::uint32_t p = ring.fifopos;
   const auto at = [&ring](std::uint32_t position) -> std::uint8_t& {

@@ -142,6 +142,7 @@ void QueryOneBit(std::FILE* file, DSD_INFO& info) {
 
 extern "C" int DSDInfo(const char* path, DSD_INFO* info) {
   using namespace corvin::formats;
+  if (info == nullptr) return -1;
   info->channels = 0;
   info->samplingFrequency = 0;
   info->bitsPerSample = 0;

@@ -114,6 +114,7 @@ int ReadDsfTag(std::FILE* file, DSD_TAG& tag) {
 
 extern "C" int DSDTag(const char* path, DSD_TAG* tag) {
   using namespace corvin::formats;
+  if (tag == nullptr) return -1;
   DSDTagClear(tag);
   const InputFile file = OpenInputFile(path);
   if (!file) return -1;

@@ -185,6 +185,7 @@ int ReadTag(std::FILE* stream, DSD_TAG& tag) {
 }  // namespace corvin::formats
 
 extern "C" int Read_id3tag_v2(FILE* stream, DSD_TAG* tag) {
+  if (stream == nullptr || tag == nullptr) return corvin::formats::kFailed;
   try {
     return corvin::formats::ReadTag(stream, *tag);
   } catch (const std::bad_alloc&) {

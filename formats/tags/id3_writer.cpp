@@ -133,6 +133,7 @@ std::vector<std::uint8_t> MakeId3Block(const DSD_TAG& tag) {
 extern "C" {
 
 int id3tag_write_v2(FILE* stream, const DSD_TAG* tag) {
+  if (stream == nullptr || tag == nullptr) return -1;
   const std::uint64_t frames_size = FramesSize(*tag);
   if (frames_size > kLargestSize) return -1;
   const auto size = static_cast<std::size_t>(frames_size);

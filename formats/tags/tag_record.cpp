@@ -61,6 +61,7 @@ DSD_PICTURE* DSD_TAG::PictureAlloc(int count, int dataBytes, bool keep) {
 }
 
 extern "C" void DSDTagClear(DSD_TAG* tag) {
+  if (tag == nullptr) return;
   ReleaseAllPictures(*tag);
   std::memset(static_cast<void*>(tag), 0, sizeof *tag);
 }

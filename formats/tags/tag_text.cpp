@@ -116,7 +116,7 @@ void StoreText(TextEncoding encoding, ByteSpan text, std::span<char> field) {
 
 extern "C" int CutUnicodeBOM(const unsigned char* src, int len, unsigned char* dst) {
   // Shorter ones hold no character behind a UTF-16 mark.
-  if (len < 4) return 0;
+  if (src == nullptr || dst == nullptr || len < 4) return 0;
   int mark = 0;
   if ((src[0] == 0xff && src[1] == 0xfe) || (src[0] == 0xfe && src[1] == 0xff)) mark = 2;
   if (src[0] == 0xef && src[1] == 0xbb && src[2] == 0xbf) mark = 3;

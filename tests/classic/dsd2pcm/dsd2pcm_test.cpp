@@ -172,4 +172,18 @@ TEST(Dsd2Pcm, FirstConvertersOfSeveralThreads) {
   for (auto& result : running) EXPECT_EQ(result.get(), alone);
 }
 
+TEST(Dsd2Pcm, NullPointersChangeNothing) {
+  dsd2pcm_reset(nullptr);
+  dsd2pcm_destroy(nullptr);
+  EXPECT_EQ(dsd2pcm_clone(nullptr), nullptr);
+  const Bytes bytes = RandomBytes(40, 3);
+  const Converter state = NewConverter();
+  float out = 7;
+  dsd2pcm_translate(nullptr, 1, bytes.data(), 1, 0, &out, 1);
+  dsd2pcm_translate(state.get(), 1, nullptr, 1, 0, &out, 1);
+  dsd2pcm_translate(state.get(), 1, bytes.data(), 1, 0, nullptr, 1);
+  EXPECT_EQ(out, 7);
+  EXPECT_EQ(Translate(state.get(), bytes), Translate(NewConverter().get(), bytes));
+}
+
 }  // namespace

@@ -65,6 +65,8 @@ TEST(DsdInfo, WhatIsNoDsdFileLeavesTheKindAndNoFigures) {
   EXPECT_EQ(QueryPath(::testing::TempDir().c_str(), 7, -1), nothing);
   ASSERT_EQ(mkfifo(absent.path(), 0600), 0);
   EXPECT_EQ(QueryPath(absent.path(), 7, -1), nothing) << "without waiting for a writer";
+  EXPECT_EQ(QueryPath(nullptr, 7, -1), nothing);
+  EXPECT_EQ(DSDInfo(TempFile(Dsdiff({})).path(), nullptr), -1);
 }
 
 // Hosts may rely on a damaged first word being made good by the record.

@@ -141,6 +141,15 @@ TEST(DsdTag, DsdiffCommentsAndNames) {
   }
 }
 
+TEST(DsdTag, NullPointersFail) {
+  DSDTagClear(nullptr);
+  EXPECT_EQ(DSDTag(TempFile(DsdiffFile(2, 2822400, Bytes(4))).path(), nullptr), -1);
+  TagRecord tag;
+  tag.year = 1999;
+  EXPECT_EQ(DSDTag(nullptr, &tag), -1);
+  EXPECT_EQ(tag.year, 0) << "emptied first";
+}
+
 TEST(DsdTag, CutAtEveryByte) {
   const Bytes chunks =
       Joined({CommentChunk({{2001, 0, 0, "comment"}}),

@@ -165,6 +165,16 @@ TEST(Id3Reader, CutAtEveryByte) {
   }
 }
 
+TEST(Id3Reader, NullPointersFail) {
+  TagRecord tag;
+  const StreamPointer stream(std::tmpfile());
+  EXPECT_EQ(Read_id3tag_v2(nullptr, &tag), -1);
+  EXPECT_EQ(Read_id3tag_v2(stream.get(), nullptr), -1);
+  unsigned char text[8] = "\377\376abcd";
+  EXPECT_EQ(CutUnicodeBOM(nullptr, 8, text), 0);
+  EXPECT_EQ(CutUnicodeBOM(text, 8, nullptr), 0);
+}
+
 TEST(Id3Reader, CutsTheMarkOffATextOfFourBytes) {
   const std::pair<std::string, std::string> rows[] = {{"\377\376ab", "ab"},
                                                       {"\376\377abc", "abc"},

@@ -72,6 +72,8 @@ TEST(Id3Writer, RecordsThatMakeNoBlockOrNoPicture) {
     return Write_id3tag_v2(stream.get(), &tag);
   };
   EXPECT_EQ(with_size(-5), 10);
+  EXPECT_EQ(Write_id3tag_v2(nullptr, &tag), -1);
+  EXPECT_EQ(Write_id3tag_v2(stream.get(), nullptr), -1);
   // Measured only: the size has 28 bits, so no byte of the data is touched.
   EXPECT_EQ(with_size(1 << 27), -1);
   EXPECT_EQ(with_size(INT32_MAX), -1);
