@@ -24,10 +24,10 @@ using namespace corvin::studio;
 // The stages over one batch. `cycles/sample` is the first decile of all batches, per one-bit sample
 // of one channel.
 void UpSample(benchmark::State& state, std::uint32_t mask) {
-  const EncodePlan plan =
-      make_encode_chain(static_cast<std::uint32_t>(state.range(0)),
-                        static_cast<std::uint32_t>(state.range(1)), ModulatorGrade::kStandard)
-          ->plan;
+  const EncodePlan plan = make_encode_chain({static_cast<std::uint32_t>(state.range(0)),
+                                             static_cast<std::uint32_t>(state.range(1))},
+                                            ModulatorGrade::kStandard)
+                              ->plan;
   UpSampler sampler(plan, choose_kernels(mask));
   const std::size_t items = sampler.items_at_once();
   std::vector<double> frames(items * item_frames(plan), 0.1);
@@ -53,9 +53,9 @@ void UpSample(benchmark::State& state, std::uint32_t mask) {
 
 void Chain(benchmark::State& state) {
   for (auto _ : state) {
-    benchmark::DoNotOptimize(make_encode_chain(static_cast<std::uint32_t>(state.range(0)),
-                                               static_cast<std::uint32_t>(state.range(1)),
-                                               ModulatorGrade::kStandard));
+    benchmark::DoNotOptimize(make_encode_chain(
+        {static_cast<std::uint32_t>(state.range(0)), static_cast<std::uint32_t>(state.range(1))},
+        ModulatorGrade::kStandard));
   }
 }
 

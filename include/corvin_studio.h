@@ -232,7 +232,14 @@ typedef struct corvin_encoder_settings {
                              pushed. Default 0 */
   double gain_db;       /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up
                              to 3 dB above that, what is louder meets a limiter. Default 0 */
-  uint64_t reserved[8]; /**< 0 */
+  double pass_hz;       /**< the response is flat up to here; 0: 5 % of the highest stop_hz below
+                             stop_hz. Default 0 */
+  double stop_hz;       /**< and closed from here on; at least 3 % of the highest stop_hz above
+                             pass_hz; 0: the highest, which is half the lower one of the PCM rate
+                             and an eighth of the DSD rate. Default 0 */
+  uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t reserved0;   /**< 0 */
+  uint64_t reserved[5]; /**< 0 */
 } corvin_encoder_settings;
 
 /** What came out so far, to the end of the piece of the stream that the last pull ended in. */
@@ -247,8 +254,9 @@ typedef struct corvin_encoder_report {
                            limiter; 1.0 = full scale */
 } corvin_encoder_report;
 
-/** Converts one PCM stream to DSD. The band that it passes is flat to 95 % of half the lower one of
- *  the PCM rate and an eighth of the DSD rate, and closed from that half on. */
+/** Converts one PCM stream to DSD. The band that it passes unless another is asked for is flat to
+ *  95 % of half the lower one of the PCM rate and an eighth of the DSD rate, and closed from that
+ *  half on. */
 typedef struct corvin_encoder corvin_encoder;
 
 /** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */

@@ -33,6 +33,7 @@ corvin_encoder_settings encoder_settings(std::uint32_t pcm_rate, std::uint32_t f
   result.threads = settings.threads;
   result.kernel_mask = settings.kernel_mask;
   result.gain_db = settings.gain_db;
+  result.phase = settings.phase;
   return result;
 }
 
@@ -124,9 +125,12 @@ std::uint32_t rate_between(const RateFamily& source, const RateFamily& target) {
 
 int convert_to_dsd(const corvin_pcm_source& source, formats::SoundWriter& target,
                    const corvin_convert_settings& settings, corvin_convert_report& report) {
+  corvin_encoder_settings encoding_settings =
+      encoder_settings(source.pcm_rate, source.format, target.format(), settings);
+  encoding_settings.pass_hz = settings.pass_hz;
+  encoding_settings.stop_hz = settings.stop_hz;
   std::unique_ptr<Encoder> encoder;
-  const int status = Encoder::create(
-      encoder_settings(source.pcm_rate, source.format, target.format(), settings), encoder);
+  const int status = Encoder::create(encoding_settings, encoder);
   if (status != CORVIN_OK) return status;
   const std::size_t frame_bytes = sample_bytes(source.format) * target.format().channels;
   Encoding encoding(*encoder, target, frame_bytes, std::numeric_limits<std::uint64_t>::max());

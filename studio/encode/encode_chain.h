@@ -19,9 +19,9 @@ struct EncodeChain {
   EncodePlan plan;
 };
 
-/// Nothing when a rate is not supported. `kernel_mask` is the modulator's.
-std::optional<EncodeChain> make_encode_chain(std::uint32_t pcm_rate, std::uint32_t dsd_rate,
-                                             ModulatorGrade grade,
+/// Nothing when a rate or an edge is not supported. The plan is that of `config` with the
+/// modulator's response; `kernel_mask` is the modulator's.
+std::optional<EncodeChain> make_encode_chain(EncodePlanConfig config, ModulatorGrade grade,
                                              std::uint32_t kernel_mask = ~std::uint32_t{0});
 
 }  // namespace corvin::studio

@@ -22,9 +22,14 @@ constexpr std::uint64_t kUnknown = std::numeric_limits<std::uint64_t>::max();
 
 int Encoder::create(const corvin_encoder_settings& settings, std::unique_ptr<Encoder>& encoder) {
   if (!in_range(settings)) return CORVIN_E_ARGUMENT;
-  auto chain =
-      make_encode_chain(settings.pcm_rate, settings.dsd_rate,
-                        static_cast<ModulatorGrade>(settings.modulator), settings.kernel_mask);
+  EncodePlanConfig config;
+  config.pcm_rate = settings.pcm_rate;
+  config.dsd_rate = settings.dsd_rate;
+  config.pass_hz = settings.pass_hz;
+  config.stop_hz = settings.stop_hz;
+  config.phase = settings.phase == CORVIN_MINIMUM_PHASE ? Phase::kMinimum : Phase::kLinear;
+  auto chain = make_encode_chain(config, static_cast<ModulatorGrade>(settings.modulator),
+                                 settings.kernel_mask);
   if (!chain) return CORVIN_E_UNSUPPORTED;
   encoder.reset(new Encoder(settings, std::move(*chain), choose_kernels(settings.kernel_mask)));
   return CORVIN_OK;

@@ -3,6 +3,7 @@
 
 #include "studio/encode/encoder_settings.h"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -27,7 +28,8 @@ bool in_range(const corvin_encoder_settings& s) {
   return s.channels >= 1 && s.channels <= kMostChannels && s.format <= CORVIN_F64 &&
          s.modulator <= CORVIN_MODULATOR_BEST && s.bit_order <= CORVIN_LSB_FIRST &&
          s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.threads <= kMostThreads &&
-         s.gain_db >= kLeastGainDb && s.gain_db <= kMostGainDb;
+         s.gain_db >= kLeastGainDb && s.gain_db <= kMostGainDb && s.phase <= CORVIN_MINIMUM_PHASE &&
+         s.pass_hz >= 0 && s.stop_hz >= 0 && std::isfinite(s.pass_hz) && std::isfinite(s.stop_hz);
 }
 
 }  // namespace corvin::studio

@@ -176,9 +176,7 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   plan.steep_taps = steep.size();
   plan.shape = make_spectral_shape(sizes.forward, sizes.inverse);
   const bool minimum = config.phase == Phase::kMinimum;
-  const std::vector<double> steep_bins =
-      minimum ? bin_response(steep, make_fft_plan(kMinimumPhaseGrid * sizes.forward), config.phase)
-              : bin_response(steep, plan.shape.forward, config.phase);
+  const std::vector<double> steep_bins = bin_response(steep, plan.shape.forward, config.phase);
 
   // Rows that an output needs before and after its own time.
   const double reach = static_cast<double>(steep.size() - 1);

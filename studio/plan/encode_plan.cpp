@@ -10,16 +10,15 @@
 #include <numeric>
 
 #include "studio/math/exact_math.h"
+#include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
 #include "studio/plan/spectral_shape.h"
-#include "studio/plan/steep_filter.h"
 
 namespace corvin::studio {
 namespace {
 
 // What the corrections of the droop lift near the cut, by up to 6 dB, stays below -150 dB.
 constexpr double kAttenuationDb = 162;
-constexpr double kBandwidth = 0.95;
 // Frames on either side of the steep kernel for the spread that the correction of the droop adds.
 constexpr double kSpread = 20;
 // Full scale is 50 % modulation.
@@ -78,17 +77,31 @@ std::vector<double> phase_taps(const Boxcars& boxcars, std::size_t depth) {
   return taps;
 }
 
+// The steep filter on the bins that both transforms share. A minimum phase belongs to a rate: that of
+// the higher one, on whose circle the band has an end. On the frames' own, where it reaches up to
+// half the rate, nothing would come before an event at the frames but much between them.
+std::vector<double> steep_response(const EncodePlan& plan, const std::vector<double>& steep,
+                                   double row_rate) {
+  const EncodePlanConfig& config = plan.config;
+  if (config.phase == Phase::kLinear || row_rate <= config.pcm_rate) {
+    return bin_response(steep, plan.shape.forward, config.phase);
+  }
+  return bin_response(kaiser_low_pass(row_rate, config.pass_hz, config.stop_hz, kAttenuationDb),
+                      plan.shape.inverse, config.phase);
+}
+
 void fill_response(EncodePlan& plan, const std::vector<double>& steep, double advance) {
   const double rate = plan.config.pcm_rate;
   const double points = static_cast<double>(plan.shape.forward.points);
   const double row_rate = rate * static_cast<double>(plan.shape.inverse.points) / points;
-  const std::vector<double> bins = bin_response(steep, plan.shape.forward, Phase::kLinear);
+  const std::vector<double> bins = steep_response(plan, steep, row_rate);
   const std::size_t kept = std::min(plan.shape.forward.points, plan.shape.inverse.points);
   for (std::size_t bin = 0; bin < kept / 2; ++bin) {
     const double hz = static_cast<double>(bin) * rate / points;
     double droop = plan.boxcars.amplitude(hz / (row_rate * static_cast<double>(plan.factor())));
     if (plan.config.response) droop *= plan.config.response(8 * hz / plan.config.dsd_rate);
-    set_bin(plan.shape, bin, bins[2 * bin] * kFullScale / (points * droop), 0, advance);
+    const double scale = kFullScale / (points * droop);
+    set_bin(plan.shape, bin, bins[2 * bin] * scale, bins[2 * bin + 1] * scale, advance);
   }
 }
 
@@ -101,15 +114,20 @@ std::uint64_t samples_of(std::uint64_t frames, std::uint32_t pcm_rate, std::uint
   return frames / in * out + (frames % in * out + in - 1) / in;
 }
 
-std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config) {
+std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& wanted) {
+  EncodePlanConfig config = wanted;
   const auto pcm = pcm_family(config.pcm_rate);
   const auto dsd = dsd_family(config.dsd_rate);
   if (!pcm || !dsd) return std::nullopt;
 
   const double modulator_rate = config.dsd_rate / 8.0;
-  const double stop = std::min<double>(config.pcm_rate, modulator_rate) / 2;
+  const double half = std::min<double>(config.pcm_rate, modulator_rate) / 2;
+  const auto band = choose_band({config.pass_hz, config.stop_hz}, half, full_band(half));
+  if (!band) return std::nullopt;
+  config.pass_hz = band->pass_hz;
+  config.stop_hz = band->stop_hz;
   const std::vector<double> steep =
-      kaiser_low_pass(config.pcm_rate, kBandwidth * stop, stop, kAttenuationDb);
+      kaiser_low_pass(config.pcm_rate, config.pass_hz, config.stop_hz, kAttenuationDb);
   const TransformShape sizes = transform_shape(*pcm, *dsd, steep.size());
   const double frames_per_row = static_cast<double>(sizes.in) / static_cast<double>(sizes.out);
   const double row_rate = config.pcm_rate / frames_per_row;
@@ -117,8 +135,6 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config) {
   const bool wide = pcm->base > dsd->base;
   EncodePlan plan{
       .config = config,
-      .pass_hz = kBandwidth * stop,
-      .stop_hz = stop,
       .shape = make_spectral_shape(sizes.forward, sizes.inverse),
       .steep_taps = steep.size(),
       .boxcars = Boxcars(factor, interpolation_order(factor, wide),
@@ -129,21 +145,24 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config) {
       .hop_frames = 0,
       .hop_samples = 0,
   };
-  const double length = plan.boxcars.order() * (factor - 1.0) + 1;
-  plan.depth = static_cast<std::size_t>(std::ceil(length / factor));
+  const double short_length = plan.boxcars.order() * (factor - 1.0) + 1;
+  plan.depth = static_cast<std::size_t>(std::ceil(short_length / factor));
   plan.taps = phase_taps(plan.boxcars, plan.depth);
 
   // Sample 0 of a span belongs to time 0, and the row that it begins at to this earlier one, in
   // frames: the centre of the taps lies between them.
-  const double centre = static_cast<double>(plan.depth - 1) - (length - 1) / 2 / factor;
+  const double centre = static_cast<double>(plan.depth - 1) - (short_length - 1) / 2 / factor;
   const double row_time = -centre * frames_per_row;
-  const double reach = static_cast<double>(steep.size() / 2) + kSpread;
-  plan.lead_frames = static_cast<std::size_t>(std::ceil(reach - row_time));
+  const bool minimum = config.phase == Phase::kMinimum;
+  const auto length = static_cast<double>(steep.size() - 1);
+  const double past = (minimum ? length : length / 2) + kSpread;
+  const double future = (minimum ? 0 : length / 2) + kSpread;
+  plan.lead_frames = static_cast<std::size_t>(std::ceil(past - row_time));
   const double first = static_cast<double>(plan.lead_frames) + row_time;
   plan.shape.first_row = static_cast<std::size_t>(std::floor(first / frames_per_row));
   fill_response(plan, steep, first - static_cast<double>(plan.shape.first_row) * frames_per_row);
 
-  const double last = static_cast<double>(sizes.forward) - 1 - reach - first;
+  const double last = static_cast<double>(sizes.forward) - 1 - future - first;
   const double rows = last / frames_per_row + 1 - static_cast<double>(plan.depth - 1);
   plan.shape.hop = static_cast<std::size_t>(rows) / sizes.out * sizes.out;
   plan.hop_frames = plan.shape.hop / sizes.out * sizes.in;
@@ -156,8 +175,8 @@ std::string EncodePlan::describe() const {
   std::snprintf(line, sizeof line,
                 "transform: %u Hz, %zu to %zu points, %zu taps, flat to %.0f Hz, closed from %.0f "
                 "Hz, %zu frames a block\n",
-                config.pcm_rate, shape.forward.points, shape.inverse.points, steep_taps, pass_hz,
-                stop_hz, hop_frames);
+                config.pcm_rate, shape.forward.points, shape.inverse.points, steep_taps,
+                config.pass_hz, config.stop_hz, hop_frames);
   std::string text = line;
   if (factor() > 1) {
     std::snprintf(line, sizeof line, "interpolation: by %zu, order %u, %zu taps a phase\n",

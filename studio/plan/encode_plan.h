@@ -25,12 +25,16 @@
 
 #include "studio/kernels/spectral.h"
 #include "studio/plan/boxcars.h"
+#include "studio/plan/steep_filter.h"
 
 namespace corvin::studio {
 
 struct EncodePlanConfig {
   std::uint32_t pcm_rate = 44100;
   std::uint32_t dsd_rate = 2822400;
+  double pass_hz = 0;  ///< flat to here; 0 = 5 % of the highest stop_hz below stop_hz
+  double stop_hz = 0;  ///< closed from here; 0 = half the lower of the PCM and the modulator's rate
+  Phase phase = Phase::kLinear;
   /// Amplitude of the modulator's own interpolation, which puts its input k on bit 8k, at a
   /// frequency given as a part of its input rate; none: 1.
   std::function<double(double)> response = {};
@@ -40,10 +44,7 @@ struct EncodePlanConfig {
 std::uint64_t samples_of(std::uint64_t frames, std::uint32_t pcm_rate, std::uint32_t dsd_rate);
 
 struct EncodePlan {
-  EncodePlanConfig config;
-  double pass_hz;  ///< flat up to here: 95 % of stop_hz
-  double stop_hz;  ///< closed from here on: half the lower one of the PCM and the modulator's rate
-
+  EncodePlanConfig config;  ///< with the defaults filled in
   SpectralShape shape;
   std::size_t steep_taps;
   Boxcars boxcars;           ///< of the short interpolation; by 1: there is none
@@ -63,8 +64,9 @@ struct EncodePlan {
   std::string describe() const;
 };
 
-/// The plan, or nothing when a rate is not supported: 44.1k..768k of both families to DSD64..512 of
-/// both.
+/// The plan, or nothing when a rate or an edge is not supported: 44.1k..768k of both families to
+/// DSD64..512 of both; 0 < pass < stop <= half the lower of the PCM and the modulator's rate, with a
+/// transition of 3 % of that half at least.
 std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config);
 
 }  // namespace corvin::studio

@@ -63,18 +63,22 @@ void make_minimum_phase(const FftPlan& plan, std::vector<double>& rows) {
 
 std::vector<double> bin_response(const std::vector<double>& taps, const FftPlan& plan,
                                  Phase phase) {
-  const std::size_t points = plan.points;
+  const bool minimum = phase == Phase::kMinimum;
+  // The cepstrum of a steep filter is longer than its taps: on the transform's own grid it would
+  // fold back onto itself.
+  const std::size_t step = minimum ? 4 : 1;
+  const FftPlan finer = minimum ? make_fft_plan(step * plan.points) : FftPlan{};
+  const FftPlan& grid = minimum ? finer : plan;
+  const std::size_t points = grid.points;
   std::vector<double> rows(2 * points);
   for (std::size_t i = 0; i < taps.size(); ++i) {
     rows[2 * ((i + points - taps.size() / 2) % points)] = taps[i];
   }
-  spectral_portable.to_bins(plan, rows.data());
-  const bool minimum = phase == Phase::kMinimum;
-  if (minimum) make_minimum_phase(plan, rows);
-  const std::size_t step = minimum ? kMinimumPhaseGrid : 1;
+  spectral_portable.to_bins(grid, rows.data());
+  if (minimum) make_minimum_phase(grid, rows);
   std::vector<double> bins;
   for (std::size_t bin = 0; bin <= points / 2; bin += step) {
-    const std::size_t place = plan.position(bin);
+    const std::size_t place = grid.position(bin);
     bins.push_back(rows[2 * place]);
     bins.push_back(minimum ? rows[2 * place + 1] : 0.0);
   }

@@ -20,11 +20,9 @@ enum class Phase { kLinear, kMinimum };
 /// filter design using the I0-sinh window function", ISCAS 1974.
 std::vector<double> kaiser_low_pass(double rate, double pass, double stop, double attenuation_db);
 
-/// The response of `taps` on bins 0 .. points / 2 of a transform of `points` points, as (real,
-/// imaginary) pairs: time 0 is the middle tap for linear phase, and the first sample of the
-/// minimum-phase kernel of the same magnitude otherwise. `plan` is the transform of
-/// kMinimumPhaseGrid x points for minimum phase, of `points` for linear.
-inline constexpr std::size_t kMinimumPhaseGrid = 4;
+/// The response of `taps` on bins 0 .. plan.points / 2 of the transform `plan`, as (real, imaginary)
+/// pairs: time 0 is the middle tap for linear phase, and the first sample of the minimum-phase
+/// kernel of the same magnitude otherwise.
 std::vector<double> bin_response(const std::vector<double>& taps, const FftPlan& plan, Phase phase);
 
 }  // namespace corvin::studio

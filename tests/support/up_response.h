@@ -42,11 +42,11 @@ class UpResponse {
     constexpr int kPassPoints = 300;
     constexpr int kStopPoints = 400;
     constexpr int kBandPoints = 24;
-    const double stop = plan_.stop_hz;
+    const double stop = plan_.config.stop_hz;
     const double nyquist = plan_.config.dsd_rate / 16.0;
     Figures result;
     result.ripple_db = largest(0, kPassPoints, [&](int i) {
-      const double hz = plan_.pass_hz * i / kPassPoints;
+      const double hz = plan_.config.pass_hz * i / kPassPoints;
       return std::fabs(to_db(gain(hz) * own(hz)));
     });
     // Up to half the transform's output rate its own skirt, denser near the edge; then the images
@@ -68,7 +68,7 @@ class UpResponse {
     result.image_db = std::max({skirt_db, image_db, alias_db});
     result.own_image_db = largest(1, 4, [&](int k) {
       return largest(-kBandPoints, kBandPoints, [&](int i) {
-        const double hz = k * 2 * nyquist + plan_.pass_hz * i / kBandPoints;
+        const double hz = k * 2 * nyquist + plan_.config.pass_hz * i / kBandPoints;
         return hz < 8 * nyquist ? to_db(own(hz)) : -400;
       });
     });

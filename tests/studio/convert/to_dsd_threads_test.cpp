@@ -52,6 +52,9 @@ TEST(ConvertToDsd, IsTheEncoderIntoEveryContainer) {
     encoder.pcm_rate = 48000;
     encoder.format = CORVIN_S16;
     encoder.gain_db = 6;
+    encoder.pass_hz = channels == 2 ? 19000 : 0;
+    encoder.stop_hz = channels == 6 ? 21000 : 0;
+    encoder.phase = channels == 1 ? CORVIN_LINEAR_PHASE : CORVIN_MINIMUM_PHASE;
     Pcm pcm{random.bytes(2 * channels * 20001), 2 * channels};
     const Bytes expected = encode(encoder, pcm.data);
     const std::uint64_t samples = Encoder(encoder).samples(20001);
@@ -59,6 +62,9 @@ TEST(ConvertToDsd, IsTheEncoderIntoEveryContainer) {
       for (const std::uint32_t threads : {0u, 2u}) {
         ConvertSettings settings;
         settings.gain_db = 6;
+        settings.pass_hz = encoder.pass_hz;
+        settings.stop_hz = encoder.stop_hz;
+        settings.phase = encoder.phase;
         settings.threads = threads;
         MemoryStream stream;
         Writer writer(stream.callbacks(), writer_settings(container, channels));

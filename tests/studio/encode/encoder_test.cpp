@@ -261,6 +261,13 @@ TEST(Encoder, RefusesWhatItCannotDo) {
   EXPECT_EQ(status([](S& s) { s.block_bytes = 0; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.threads = 65; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([&](S& s) { s.gain_db = nan; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([](S& s) { s.phase = 2; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([&](S& s) { s.pass_hz = nan; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([](S& s) { s.stop_hz = -1; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([](S& s) { s.pass_hz = 21900; }), CORVIN_E_UNSUPPORTED);
+  EXPECT_EQ(status([](S& s) { s.stop_hz = 22051; }), CORVIN_E_UNSUPPORTED);
+  // Half the modulator's rate bounds the band where that is the lower one.
+  EXPECT_EQ(status([](S& s) { s.pcm_rate = 768000, s.stop_hz = 176401; }), CORVIN_E_UNSUPPORTED);
   EXPECT_EQ(status([](S& s) { s.size = sizeof s.size - 1; }), CORVIN_E_ARGUMENT);
 
   EncoderSettings settings;

@@ -27,7 +27,7 @@ TEST(EncodeQuality, EveryPairKeepsItsPromise) {
       for (std::uint32_t pcm_base : {44100u, 48000u}) {
         for (std::uint32_t pcm = 1; pcm <= 16; pcm *= 2) {
           const auto chain =
-              make_encode_chain(pcm_base * pcm, dsd_base * dsd, ModulatorGrade::kStandard);
+              make_encode_chain({pcm_base * pcm, dsd_base * dsd}, ModulatorGrade::kStandard);
           ASSERT_TRUE(chain.has_value());
           const EncodePlan& plan = chain->plan;
           const UpResponse::Figures figures = UpResponse(plan).figures();
@@ -35,14 +35,40 @@ TEST(EncodeQuality, EveryPairKeepsItsPromise) {
           EXPECT_LE(figures.image_db, -150) << plan.describe();
           char line[160];
           std::snprintf(line, sizeof line, "%u,%u,%.1f,%.1f,%.7f,%.1f,%.1f,%zu\n",
-                        plan.config.pcm_rate, plan.config.dsd_rate, plan.pass_hz, plan.stop_hz,
-                        figures.ripple_db, figures.image_db, figures.own_image_db, plan.steep_taps);
+                        plan.config.pcm_rate, plan.config.dsd_rate, plan.config.pass_hz,
+                        plan.config.stop_hz, figures.ripple_db, figures.image_db,
+                        figures.own_image_db, plan.steep_taps);
           text += line;
         }
       }
     }
   }
   testing::expect_committed(text, "encode.csv", -158);
+}
+
+// Edges that are asked for, as narrow and as wide as can be, in either phase; every ratio of the
+// transform and a PCM rate above the modulator's.
+TEST(EncodeQuality, OwnEdgesKeepTheSamePromise) {
+  for (const Phase phase : {Phase::kLinear, Phase::kMinimum}) {
+    for (const EncodePlanConfig& config :
+         {EncodePlanConfig{44100, 2822400, 0, 0, phase},
+          EncodePlanConfig{48000, 2822400, 20000, 22000, phase},
+          EncodePlanConfig{44100, 3072000, 18000, 0, phase},
+          EncodePlanConfig{176400, 2822400, 20000, 32000, phase},
+          EncodePlanConfig{192000, 5644800, 0, 48000, phase},
+          EncodePlanConfig{705600, 2822400, 20000, 0.03 * 176400 + 20000, phase},
+          EncodePlanConfig{96000, 22579200, 0.97 * 48000, 48000, phase}}) {
+      const auto chain = make_encode_chain(config, ModulatorGrade::kStandard);
+      ASSERT_TRUE(chain.has_value()) << config.pcm_rate << " to " << config.dsd_rate;
+      const EncodePlan& plan = chain->plan;
+      const UpResponse::Figures figures = UpResponse(plan).figures();
+      EXPECT_LE(figures.ripple_db, phase == Phase::kMinimum ? 1e-5 : 1e-6) << plan.describe();
+      EXPECT_LE(figures.image_db, -150) << plan.describe();
+      if (config.stop_hz != 0) {
+        EXPECT_EQ(plan.config.stop_hz, config.stop_hz);
+      }
+    }
+  }
 }
 
 // One row of the noise table: what a grade leaves in the band up to 20 kHz and in its wide one.

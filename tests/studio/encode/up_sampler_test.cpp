@@ -103,6 +103,52 @@ TEST(UpSampler, ItemsComeOutTheSameInEveryLaneOfEveryBuild) {
   }
 }
 
+// A single frame: in minimum phase nothing comes before it but for the short filter's reach, and the
+// energy right behind it; in linear phase as much before as behind.
+TEST(UpSampler, MinimumPhaseStartsAtTheEventWithTheSameLevel) {
+  for (const Pair& pair : {Pair{44100, 2822400}, Pair{48000, 2822400}, Pair{352800, 2822400}}) {
+    double level[2];
+    for (const Phase phase : {Phase::kLinear, Phase::kMinimum}) {
+      EncodePlanConfig config;
+      config.pcm_rate = pair.pcm;
+      config.dsd_rate = pair.dsd;
+      config.phase = phase;
+      const EncodePlan plan = *make_encode_plan(config);
+      const double samples_per_frame = pair.dsd / 8.0 / pair.pcm;
+      const std::size_t event = plan.hop_frames;  // in the middle, at the seam of two spans
+      std::vector<double> in(item_frames(plan));
+      in[plan.lead_frames + event] = 1;
+      UpSampler sampler(plan, choose_kernels(0));
+      std::vector<double> out(item_samples(plan));
+      const double* from[] = {in.data()};
+      double* to[] = {out.data()};
+      sampler.run(from, to, 1);
+      double before = 0, energy = 0, moment = 0, sum = 0;
+      for (std::size_t k = 0; k < out.size(); ++k) {
+        const double seconds =
+            (static_cast<double>(k) - static_cast<double>(event) * samples_per_frame) * 8 /
+            pair.dsd;
+        const double power = out[k] * out[k];
+        if (seconds < -4.0 / std::min(pair.pcm, pair.dsd / 8)) before += power;
+        energy += power;
+        moment += power * seconds;
+        sum += out[k];
+      }
+      level[phase == Phase::kMinimum] = sum / samples_per_frame;
+      if (phase == Phase::kMinimum) {
+        EXPECT_LT(before / energy, 1e-12) << pair.pcm;
+        EXPECT_GT(moment / energy, 0) << pair.pcm;
+        EXPECT_LT(moment / energy, 0.3e-3) << pair.pcm;
+      } else {
+        EXPECT_GT(before / energy, 1e-4) << pair.pcm;
+        EXPECT_NEAR(moment / energy, 0, 1e-8) << pair.pcm;
+      }
+    }
+    EXPECT_NEAR(level[0], 0.5, 1e-6) << pair.pcm;
+    EXPECT_NEAR(level[1], level[0], 1e-6) << pair.pcm;
+  }
+}
+
 // Sound near both ends of the band against the sum that defines it: frames times the continuous
 // kernel that the bins describe, then the short filter's taps.
 TEST(UpSampler, BlocksAreADirectConvolution) {
@@ -114,7 +160,7 @@ TEST(UpSampler, BlocksAreADirectConvolution) {
                                   static_cast<double>(plan.shape.inverse.points);
     const auto sound = [&](double frame) {
       return 0.6 * std::sin(2 * M_PI * 0.02 * frame) +
-             0.4 * std::sin(2 * M_PI * 0.98 * plan.pass_hz / pair.pcm * frame);
+             0.4 * std::sin(2 * M_PI * 0.98 * plan.config.pass_hz / pair.pcm * frame);
     };
     std::vector<double> in(item_frames(plan));
     for (std::size_t i = 0; i < in.size(); ++i) in[i] = sound(static_cast<double>(i));
