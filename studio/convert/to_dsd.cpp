@@ -14,6 +14,7 @@
 #include "studio/encode/encoder.h"
 #include "studio/encode/encoder_settings.h"
 #include "studio/pcm/sample_format.h"
+#include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
 
 namespace corvin::studio {
@@ -153,6 +154,12 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
   decoding.pcm_rate = rate_between(*from, *to);
   decoding.format = CORVIN_F64;
   decoding.gain_db = 0;
+  if (decoding.pass_hz == 0 && decoding.stop_hz == 0) {
+    // The source's noise is of no use to anybody, the target's modulator least of all.
+    const PassBand band = sound_band(*from, decoding.pcm_rate / 2.0);
+    decoding.pass_hz = band.pass_hz;
+    decoding.stop_hz = band.stop_hz;
+  }
 
   std::unique_ptr<Encoder> encoder;
   const int status =

@@ -137,7 +137,7 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   const auto pcm = pcm_family(config.pcm_rate);
   if (!dsd || !pcm) return std::nullopt;
   const double half = config.pcm_rate / 2.0;
-  const auto band = choose_band({config.pass_hz, config.stop_hz}, half, sound_band(*dsd, half));
+  const auto band = choose_band({config.pass_hz, config.stop_hz}, half, decoder_band(*dsd, half));
   if (!band) return std::nullopt;
   config.pass_hz = band->pass_hz;
   config.stop_hz = band->stop_hz;

@@ -31,7 +31,7 @@ struct DecodePlanConfig {
   std::uint32_t dsd_rate = 2822400;
   std::uint32_t pcm_rate = 44100;
   double pass_hz = 0;  ///< flat to here; 0 = 5 % of half the PCM rate below stop_hz
-  double stop_hz = 0;  ///< closed from here; 0 = half the PCM rate; both 0: sound_band()
+  double stop_hz = 0;  ///< closed from here; 0 = half the PCM rate; both 0: decoder_band()
   Phase phase = Phase::kLinear;
   bool lsb_first = false;
   unsigned row_stride_12 = 12;  ///< of the integer filter's table, see BitFirVariant

@@ -20,9 +20,13 @@ struct PassBand {
 /// All that a transition of 5 % leaves below `half_hz`, half the rate that bounds the band.
 PassBand full_band(double half_hz);
 
-/// The band that DSD of a rate becomes PCM of: what lies below the noise that its modulator moved
-/// out of the way, or the full band where that is narrower or the noise far above hearing.
+/// What lies below the noise that the modulator of DSD of a rate moved out of the way, or the full
+/// band where that is narrower.
 PassBand sound_band(const RateFamily& dsd, double half_hz);
+
+/// The band that becomes PCM: the same up to DSD128, the full one above, where the noise lies far
+/// beyond hearing and what PCM of such rates is wanted for.
+PassBand decoder_band(const RateFamily& dsd, double half_hz);
 
 /// The band `wanted`, in which a stop_hz of 0 means `half_hz`, a pass_hz of 0 the transition of the
 /// full band, and both 0 `usual`. Nothing unless 0 < pass_hz < stop_hz <= half_hz with a transition

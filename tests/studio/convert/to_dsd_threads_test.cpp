@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <complex>
 #include <limits>
 
 #include "tests/support/sound_files.h"
@@ -112,6 +113,73 @@ TEST(ConvertToDsd, DsdOfAnotherRateSoundsAsBefore) {
     for (std::size_t i = 2000; i + 2000 < kFrames; ++i)
       worst = std::max(worst, std::fabs(after[i] - before[i]));
     EXPECT_LT(worst, 1e-4) << rate;
+  }
+}
+
+// Amplitude of a tone in the middle of a signal at 352.8 kHz, through a Hann window.
+double tone_in(const std::vector<double>& signal, double hz) {
+  std::complex<double> sum = 0;
+  double weights = 0;
+  const std::size_t edge = signal.size() / 8;
+  const auto count = static_cast<double>(signal.size() - 2 * edge);
+  for (std::size_t i = edge; i < signal.size() - edge; ++i) {
+    const double weight = 1 - std::cos(2 * kPi * (static_cast<double>(i - edge) + 0.5) / count);
+    sum += weight * signal[i] * std::polar(1.0, -2 * kPi * hz * static_cast<double>(i) / 352800);
+    weights += weight;
+  }
+  return 2 * std::abs(sum) / weights;
+}
+
+// Through another rate go the tones that lie below the noise of the source's modulator, and that
+// noise does not. Tones that lie in the target's own noise come out of it, give or take 2.5 dB.
+TEST(ConvertToDsd, AnotherRateKeepsTheSourcesBandAndNotItsNoise) {
+  struct Case {
+    std::uint32_t from, to;
+    std::vector<double> kept_hz, gone_hz;
+  };
+  const std::vector<double> tones = {1000, 20000, 30000, 39000, 79000, 130000};
+  constexpr double kAmplitude = 0.1;
+  for (const Case& test : {Case{2822400, 5644800, {1000, 20000}, {39000}},
+                           Case{5644800, 2822400, {1000, 20000, 30000, 39000}, {}},
+                           Case{5644800, 3072000, {1000, 20000, 30000, 39000}, {}},
+                           Case{5644800, 11289600, {1000, 20000, 30000, 39000}, {79000}},
+                           Case{11289600, 5644800, {1000, 20000, 39000, 79000}, {}},
+                           Case{11289600, 22579200, {1000, 39000, 79000}, {130000}},
+                           Case{22579200, 11289600, {1000, 39000, 130000}, {}}}) {
+    SCOPED_TRACE(std::to_string(test.from) + " to " + std::to_string(test.to));
+    std::vector<double> in(35280);
+    for (double hz : tones) {
+      const std::vector<double> one = sine(hz, 352800, kAmplitude, in.size());
+      for (std::size_t i = 0; i < in.size(); ++i) in[i] += one[i];
+    }
+    EncoderSettings encoder;
+    encoder.channels = 1;
+    encoder.format = CORVIN_F64;
+    encoder.pcm_rate = 352800;
+    encoder.dsd_rate = test.from;
+    MemoryFile file(
+        file_of(writer_settings(CORVIN_DSF, 1, test.from), encode(encoder, as_f64(in))));
+    MemoryStream target;
+    Writer writer(target.callbacks(), writer_settings(CORVIN_DSF, 1, test.to));
+    ConvertSettings settings;
+    settings.threads = 1;
+    EXPECT_EQ(convert_dsd_rate(file, writer, settings).overloads, 0u);
+    MemoryFile made(target.bytes);
+    DecoderSettings decoder;
+    decoder.channels = 1;
+    decoder.format = CORVIN_F64;
+    decoder.dsd_rate = test.to;
+    decoder.pcm_rate = 352800;
+    decoder.stop_hz = 176400;
+    const std::vector<double> out = channel_of(decode(decoder, read_all(made)), 1, 0);
+    for (double hz : test.kept_hz) {
+      const double level_db = 20 * std::log10(tone_in(out, hz) / kAmplitude);
+      const double noisy_hz = test.to < 5000000 ? 20000 : test.to < 10000000 ? 40000 : 80000;
+      EXPECT_LT(std::fabs(level_db), hz > noisy_hz ? 2.5 : 0.001) << hz << ": " << level_db;
+    }
+    for (double hz : test.gone_hz) {
+      EXPECT_LT(20 * std::log10(tone_in(out, hz) / kAmplitude), -60) << hz;
+    }
   }
 }
 
