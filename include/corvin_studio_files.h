@@ -308,8 +308,8 @@ CORVIN_API int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_wri
 
 /** Converts a file's sound to DSD of the writer's rate, another one as a rule, and finishes the
  *  writer. On the way it is PCM of a 32nd of the lower one of both rates. Unless pass_hz or stop_hz
- *  ask for edges up to half of that, what is kept ends below the noise of the source's modulator and
- *  where the PCM ends: flat up to, and closed from, in kHz at the rates of the 44.1 kHz family:
+ *  ask for edges up to half of that, what is kept ends below the noise of the source's modulator
+ *  and where the PCM ends: flat up to, and closed from, in kHz at the rates of the 44.1 kHz family:
  *
  *      from      to DSD64       to DSD128      to DSD256       to DSD512
  *      DSD64     20, 32         20, 32         20, 32          20, 32
@@ -317,8 +317,8 @@ CORVIN_API int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_wri
  *      DSD256    41.9, 44.1     83.8, 88.2     80, 120         80, 120
  *      DSD512    41.9, 44.1     83.8, 88.2     167.6, 176.4    160, 240
  *
- *  `phase` holds for both filters on the way. The number of samples is the target's rate x samples /
- *  the source's rate, rounded up.
+ *  `phase` holds for both filters on the way. The number of samples is the target's rate x samples
+ *  / the source's rate, rounded up.
  *  @return  as corvin_convert_to_dsd(), and the `readable` of the file's info. Tags are not copied
  *  Since 0.1. */
 CORVIN_API int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,

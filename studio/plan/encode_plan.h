@@ -65,8 +65,8 @@ struct EncodePlan {
 };
 
 /// The plan, or nothing when a rate or an edge is not supported: 44.1k..768k of both families to
-/// DSD64..512 of both; 0 < pass < stop <= half the lower of the PCM and the modulator's rate, with a
-/// transition of 3 % of that half at least.
+/// DSD64..512 of both; 0 < pass < stop <= half the lower of the PCM and the modulator's rate, with
+/// a transition of 3 % of that half at least.
 std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& config);
 
 }  // namespace corvin::studio

@@ -103,8 +103,8 @@ TEST(UpSampler, ItemsComeOutTheSameInEveryLaneOfEveryBuild) {
   }
 }
 
-// A single frame: in minimum phase nothing comes before it but for the short filter's reach, and the
-// energy right behind it; in linear phase as much before as behind.
+// A single frame: in minimum phase nothing comes before it but for the short filter's reach, and
+// the energy right behind it; in linear phase as much before as behind.
 TEST(UpSampler, MinimumPhaseStartsAtTheEventWithTheSameLevel) {
   for (const Pair& pair : {Pair{44100, 2822400}, Pair{48000, 2822400}, Pair{352800, 2822400}}) {
     double level[2];
