@@ -78,8 +78,8 @@ std::vector<double> phase_taps(const Boxcars& boxcars, std::size_t depth) {
 }
 
 // The steep filter on the bins that both transforms share. A minimum phase belongs to a rate: that
-// of the higher one, on whose circle the band has an end. On the frames' own, where it reaches up to
-// half the rate, nothing would come before an event at the frames but much between them.
+// of the higher one, on whose circle the band has an end. On the frames' own, where it reaches up
+// to half the rate, nothing would come before an event at the frames but much between them.
 std::vector<double> steep_response(const EncodePlan& plan, const std::vector<double>& steep,
                                    double row_rate) {
   const EncodePlanConfig& config = plan.config;

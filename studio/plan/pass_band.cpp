@@ -13,8 +13,8 @@ constexpr double kNarrowestTransition = 0.03;
 // By DSD rate. The noise of a modulator rises by some 100 dB within an octave from the end of the
 // band that it is made for: at the upper edges the library's own are at -90 dB in
 // docs/quality/encode_spectra.csv, and closing there leaves peaks of -75 dBFS of the loudest. A
-// tenth above the lower edge 0.02 dB are missing. One transition for all PCM rates: 3 % of 384 kHz is
-// 11.5 kHz.
+// tenth above the lower edge 0.02 dB are missing. One transition for all PCM rates: 3 % of 384 kHz
+// is 11.5 kHz.
 constexpr PassBand kSoundBands[] = {
     {20000, 32000}, {40000, 60000}, {80000, 120000}, {160000, 240000}};
 constexpr unsigned kLeastDoublings = 6;

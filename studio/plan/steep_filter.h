@@ -21,8 +21,8 @@ enum class Phase { kLinear, kMinimum };
 std::vector<double> kaiser_low_pass(double rate, double pass, double stop, double attenuation_db);
 
 /// The response of `taps` on bins 0 .. plan.points / 2 of the transform `plan`, as (real,
-/// imaginary) pairs: time 0 is the middle tap for linear phase, and the first sample of the minimum-phase
-/// kernel of the same magnitude otherwise.
+/// imaginary) pairs: time 0 is the middle tap for linear phase, and the first sample of the
+/// minimum-phase kernel of the same magnitude otherwise.
 std::vector<double> bin_response(const std::vector<double>& taps, const FftPlan& plan, Phase phase);
 
 }  // namespace corvin::studio
