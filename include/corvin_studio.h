@@ -65,7 +65,8 @@ typedef enum corvin_phase {
 typedef enum corvin_dither {
   CORVIN_DITHER_NONE = 0,
   CORVIN_DITHER_TPDF = 1,  /**< triangular, two steps wide; integer formats only, else ignored */
-  CORVIN_DITHER_SHAPED = 2 /**< triangular with its noise moved to where the ear hears least */
+  CORVIN_DITHER_SHAPED = 2 /**< triangular with its noise moved to where the ear hears least; begins
+                              anew every 16384 frames of the whole */
 } corvin_dither;
 
 /** What a decoder is made of. */

@@ -13,7 +13,7 @@
 namespace corvin::studio {
 namespace {
 
-constexpr std::size_t kChunkFrames = 1024;  // a power of two: see write()
+constexpr std::size_t kChunkFrames = 1024;  // a power of two: see in_chunks()
 
 // One key for each channel and each 2^32 frames.
 std::uint32_t dither_key(std::uint64_t seed, std::size_t channel, std::uint64_t frame) {
@@ -48,6 +48,7 @@ void SampleOutput::reset() { std::fill(shaped_.begin(), shaped_.end(), DitherSha
 void SampleOutput::quantise(const double* const* in, std::uint64_t first, std::size_t count,
                             QuantiseTally& tally) {
   const auto index = static_cast<std::uint32_t>(first);
+  if (first % kShapedFrames == 0) reset();
   for (std::size_t c = 0; c < channels_; ++c) {
     const std::uint32_t key = dither_key(seed_, c, first);
     std::int32_t* out = &integers_[c * kChunkFrames];
@@ -72,19 +73,36 @@ void SampleOutput::write_chunk(const double* const* in, std::uint64_t first, std
   pack_floats(in, channels_, count, gain_, bytes, out);
 }
 
-void SampleOutput::write(const double* const* in, std::uint64_t first, std::size_t count,
-                         std::uint8_t* out, QuantiseTally& tally) {
+// Cuts rows into what the scratch memory holds: chunk(first, count), of rows_.
+template <typename Chunk>
+void SampleOutput::in_chunks(const double* const* in, std::uint64_t first, std::size_t count,
+                             Chunk chunk) {
   std::copy(in, in + channels_, rows_.begin());
   while (count > 0) {
-    // Chunks end on multiples of their size, so none crosses a multiple of 2^32 frames.
+    // Chunks end on multiples of their size, so none crosses a multiple of 2^32 frames or one at
+    // which shaping begins anew.
     const std::size_t part =
         std::min(count, kChunkFrames - static_cast<std::size_t>(first % kChunkFrames));
-    write_chunk(rows_.data(), first, part, out, tally);
+    chunk(first, part);
     for (const double*& row : rows_) row += part;
     first += part;
     count -= part;
-    out += part * frame_bytes();
   }
+}
+
+void SampleOutput::write(const double* const* in, std::uint64_t first, std::size_t count,
+                         std::uint8_t* out, QuantiseTally& tally) {
+  in_chunks(in, first, count, [&](std::uint64_t at, std::size_t part) {
+    write_chunk(rows_.data(), at, part, out, tally);
+    out += part * frame_bytes();
+  });
+}
+
+void SampleOutput::pass_over(const double* const* in, std::uint64_t first, std::size_t count) {
+  QuantiseTally uncounted;
+  in_chunks(in, first, count, [&](std::uint64_t at, std::size_t part) {
+    quantise(rows_.data(), at, part, uncounted);
+  });
 }
 
 }  // namespace corvin::studio

@@ -29,19 +29,31 @@ class SampleOutput {
   /// Whether samples depend on those before, so that one object has to write them all in order.
   bool is_serial() const { return shaper_.has_value(); }
 
+  /// Samples depend on none before the last multiple of this index: there shaping begins anew, so
+  /// that a stream can be entered in its middle. The errors that nothing answers any more then add
+  /// 0.4 dB to the noise at 3 kHz; with spans half as long, 0.7 dB.
+  std::size_t memory_frames() const { return is_serial() ? kShapedFrames : 1; }
+
   /// Writes `count` frames from index `first` of the stream on, interleaved, and adds them to a
   /// tally, which counts before the gain.
   /// @param in  in[channels]
   void write(const double* const* in, std::uint64_t first, std::size_t count, std::uint8_t* out,
              QuantiseTally& tally);
 
+  /// Has samples shape those behind them without being written themselves.
+  void pass_over(const double* const* in, std::uint64_t first, std::size_t count);
+
   double gain() const { return gain_; }
 
   void reset();
 
  private:
+  static constexpr std::size_t kShapedFrames = 16384;
+
   void quantise(const double* const* in, std::uint64_t first, std::size_t count,
                 QuantiseTally& tally);
+  template <typename Chunk>
+  void in_chunks(const double* const* in, std::uint64_t first, std::size_t count, Chunk chunk);
   void write_chunk(const double* const* in, std::uint64_t first, std::size_t count,
                    std::uint8_t* out, QuantiseTally& tally);
 
