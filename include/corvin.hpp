@@ -127,6 +127,8 @@ class Decoder {
   }
 
   void reset() { check(corvin_decoder_reset(handle_.get())); }
+  void seek(std::uint64_t sample) { check(corvin_decoder_seek(handle_.get(), sample)); }
+  std::uint64_t preroll() const { return corvin_decoder_preroll(handle_.get()); }
   std::uint64_t latency() const { return corvin_decoder_latency(handle_.get()); }
   std::uint64_t frames(std::uint64_t samples) const {
     return corvin_decoder_frames(handle_.get(), samples);

@@ -69,38 +69,51 @@ typedef enum corvin_dither {
                               anew every 16384 frames of the whole */
 } corvin_dither;
 
+/** Sound around a stretch that is pushed along with it, for the filters to hear in place of silence.
+ *  It makes no frames. */
+typedef enum corvin_context {
+  CORVIN_CONTEXT_NONE = 0,
+  CORVIN_CONTEXT_BEFORE = 1, /**< what comes before the stretch */
+  CORVIN_CONTEXT_BEHIND = 2, /**< what follows behind its `length`, which is set */
+  CORVIN_CONTEXT_BOTH = 3
+} corvin_context;
+
 /** What a decoder is made of. */
 typedef struct corvin_decoder_settings {
-  size_t size;          /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
-  uint32_t dsd_rate;    /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
-  uint32_t pcm_rate;    /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
-  uint32_t channels;    /**< 1..64. Default 2 */
-  uint32_t bit_order;   /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
-  uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
+  size_t size;           /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
+  uint32_t dsd_rate;     /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
+  uint32_t pcm_rate;     /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
+  uint32_t channels;     /**< 1..64. Default 2 */
+  uint32_t bit_order;    /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
+  uint32_t block_bytes;  /**< bytes of one channel before the next channel's follow in
                               corvin_decoder_push(): 1 for byte-interleaved, 4096 for DSF; up to
                               1048576. Default 1 */
-  uint32_t format;      /**< corvin_sample_format. Default CORVIN_S24 */
-  uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
-  uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
-  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
-  uint32_t low_latency; /**< not 0: hand out each piece at once instead of gathering several to
+  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t threads;      /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
+  uint32_t low_latency;  /**< not 0: hand out each piece at once instead of gathering several to
                               fill the processor's vectors; up to eight times the work. Default 0 */
-  uint32_t kernel_mask; /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
+  uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
                               0 the plain ones only. Changes the speed alone. Default all bits */
-  uint64_t length;      /**< samples per channel to convert; what follows is taken and dropped.
+  uint64_t length;       /**< samples per channel to convert; what follows is taken and dropped.
                               0: all that is pushed, whole bytes. Default 0 */
-  uint64_t seed;        /**< of the dither. Default 0 */
-  double pass_hz;       /**< the response is flat up to here; 0: 5 % of half the PCM rate below
+  uint64_t seed;         /**< of the dither. Default 0 */
+  double pass_hz;        /**< the response is flat up to here; 0: 5 % of half the PCM rate below
                               stop_hz. Default 0 */
-  double stop_hz;       /**< and closed from here on; at least 3 % of half the PCM rate above
+  double stop_hz;        /**< and closed from here on; at least 3 % of half the PCM rate above
                               pass_hz; 0: half the PCM rate. Default 0. Where both are 0, the band
                               ends below the noise of the source's modulator: flat to 20 kHz and
                               closed from 32 kHz for DSD64 (-0.02 dB at 22 kHz), 40 and 60 kHz for
                               DSD128, as far as half the PCM rate lies above that; above DSD128 and
                               at lower PCM rates it is the full band. The full band of any pair:
                               pass_hz = 0, stop_hz = pcm_rate / 2 */
-  double gain_db;       /**< -120..60. Default 0 */
-  uint64_t reserved[8]; /**< 0 */
+  double gain_db;        /**< -120..60. Default 0 */
+  uint64_t first_sample; /**< where in a whole, such as an album, the first sample of the stretch to
+                              convert stands; up to 2^60. Default 0 */
+  uint32_t context;      /**< corvin_context. Default CORVIN_CONTEXT_NONE */
+  uint32_t reserved0;    /**< 0 */
+  uint64_t reserved[6];  /**< 0 */
 } corvin_decoder_settings;
 
 /** What came out so far. */
@@ -111,7 +124,21 @@ typedef struct corvin_decoder_report {
   double peak;     /**< largest absolute sample after the gain, before limiting; 1.0 = full scale */
 } corvin_decoder_report;
 
-/** Converts one DSD stream to PCM. */
+/** Converts one DSD stream to PCM.
+ *
+ *  The stream may be a stretch of a whole, such as a track of an album. Frames are those of the
+ *  whole: from its sample `a` to its sample `b` it makes the frames from corvin_decoder_frames(a) to
+ *  corvin_decoder_frames(b). With the sound around it they are bit for bit what converting the whole
+ *  makes of the stretch, wherever it is cut, so stretches that follow each other make the whole. For
+ *  that, set each one's `first_sample`, `length` and `context`, and push what comes before and up to
+ *  corvin_decoder_preroll() bytes of what follows.
+ *
+ *  Bytes hold eight samples each, from `first_sample` on; those before are counted back from there.
+ *  Pushing begins corvin_decoder_preroll() bytes before the one that holds the first sample to make
+ *  frames, `first_sample` or that of corvin_decoder_seek(), but not before the stretch's first
+ *  byte; with CORVIN_CONTEXT_BEFORE, not before the byte that holds the whole's first sample, of
+ *  which the bits before that count for nothing. Where a host has less, it pushes silence. The first
+ *  byte pushed begins a block of the input's layout. */
 typedef struct corvin_decoder corvin_decoder;
 
 /** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
@@ -178,16 +205,32 @@ CORVIN_API int corvin_decoder_pull_planar(corvin_decoder* decoder, void* const* 
  *  Since 0.1. */
 CORVIN_API int corvin_decoder_reset(corvin_decoder* decoder);
 
+/** As corvin_decoder_reset(), to go on in the middle of the stretch: the first frame handed out is
+ *  corvin_decoder_frames(sample), and all are bit for bit those of decoding from the start. The
+ *  next byte to push is the one corvin_decoder_preroll() bytes before the one that holds the sample,
+ *  or the stretch's first: see corvin_decoder. That much is taken before any frame comes out.
+ *  @param sample  of the whole, from `first_sample` to the end of `length`
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT; the decoder goes on as it was then
+ *  Real time: without worker threads it never allocates, locks or blocks; pushing what comes before
+ *  may take as long as several pieces. Since 0.1. */
+CORVIN_API int corvin_decoder_seek(corvin_decoder* decoder, uint64_t sample);
+
+/** Returns how many bytes of each channel before the one that holds a sample its frames depend on,
+ *  at most; no more are of use behind a stretch. The same for every sample: DSD64 to 44.1 kHz takes
+ *  about 0.1 s, with shaped dither 0.5 s. 0 for NULL. Since 0.1. */
+CORVIN_API uint64_t corvin_decoder_preroll(const corvin_decoder* decoder);
+
 /** Returns the most frames by which what can be pulled lags behind what was pushed, without worker
  *  threads; 0 for NULL. The frames themselves are not delayed: the first one belongs to the first
  *  sample. Since 0.1. */
 CORVIN_API uint64_t corvin_decoder_latency(const corvin_decoder* decoder);
 
 /** Returns the frames that a stream of `samples` samples per channel makes: pcm_rate x samples /
- *  dsd_rate, rounded down; 0 for NULL. Since 0.1. */
+ *  dsd_rate, rounded down; of a stretch from `a` to `b`, the frames of `b` less those of `a`. 0 for
+ *  NULL. Since 0.1. */
 CORVIN_API uint64_t corvin_decoder_frames(const corvin_decoder* decoder, uint64_t samples);
 
-/** Reports on the frames pulled since create or reset. Peak and clips run ahead of the frames by
+/** Reports on the frames pulled since create, reset or seek. Peak and clips run ahead of the frames by
  *  the rest of a piece at most, and are those of all frames once all are pulled.
  *  @param report  its `size` set; fields beyond that are left untouched
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT

@@ -52,6 +52,14 @@ int corvin_decoder_pull_planar(corvin_decoder* decoder, void* const* out, size_t
 
 int corvin_decoder_reset(corvin_decoder* decoder) { return corvin::studio::reset(decoder); }
 
+int corvin_decoder_seek(corvin_decoder* decoder, uint64_t sample) {
+  return decoder == nullptr ? CORVIN_E_ARGUMENT : decoder->engine->seek(sample);
+}
+
+uint64_t corvin_decoder_preroll(const corvin_decoder* decoder) {
+  return decoder == nullptr ? 0 : decoder->engine->preroll();
+}
+
 uint64_t corvin_decoder_latency(const corvin_decoder* decoder) {
   return decoder == nullptr ? 0 : decoder->engine->latency();
 }

@@ -76,8 +76,9 @@ void DecodeStages::work(Worker& worker, Slot& slot) {
               });
   slot.tally = {};
   if (is_serial_) return;
-  worker.output.write(rows_of(samples, shape_, 0).data(), slot.piece.number * shape_.out,
-                      slot.piece.out, slot.finished.data(), slot.tally);
+  const std::size_t skips = slot.piece.skips;
+  worker.output.write(rows_of(samples, shape_, skips).data(), slot.piece.made + skips,
+                      slot.piece.out - skips, &slot.finished[skips * frame_bytes()], slot.tally);
 }
 
 void DecodeStages::start(const Piece<std::uint8_t>& piece) {
@@ -103,6 +104,10 @@ void DecodeStages::wait_for(std::size_t slot, bool ring_is_full) {
 void DecodeStages::open(std::size_t slot) {
   tally_.peak = std::max(tally_.peak, slots_[slot].tally.peak);
   tally_.clips += slots_[slot].tally.clips;
+  const Piece<std::uint8_t>& piece = slots_[slot].piece;
+  if (!is_serial_ || piece.skips == 0) return;
+  workers_[0].output.pass_over(rows_of(slots_[slot].samples, shape_, 0).data(), piece.made,
+                               piece.skips);
 }
 
 void DecodeStages::write(std::size_t slot, std::size_t first, std::size_t count,
@@ -112,8 +117,8 @@ void DecodeStages::write(std::size_t slot, std::size_t first, std::size_t count,
     std::memcpy(out, &from.finished[first * frame_bytes()], count * frame_bytes());
     return;
   }
-  workers_[0].output.write(rows_of(from.samples, shape_, first).data(),
-                           from.piece.number * shape_.out + first, count, out, tally_);
+  workers_[0].output.write(rows_of(from.samples, shape_, first).data(), from.piece.made + first,
+                           count, out, tally_);
 }
 
 void DecodeStages::reset() {

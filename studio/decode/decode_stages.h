@@ -44,6 +44,7 @@ class DecodeStages final : public PieceStages<std::uint8_t> {
   std::size_t sample_bytes() const { return workers_[0].output.sample_bytes(); }
   std::size_t frame_bytes() const { return workers_[0].output.frame_bytes(); }
   double gain() const { return workers_[0].output.gain(); }
+  std::size_t memory_frames() const { return workers_[0].output.memory_frames(); }
 
   /// Of the frames in open pieces or, when noise is shaped, of those written.
   const QuantiseTally& tally() const { return tally_; }

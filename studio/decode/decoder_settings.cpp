@@ -29,8 +29,10 @@ bool in_range(const corvin_decoder_settings& s) {
   return s.channels >= 1 && s.channels <= kMostChannels && s.bit_order <= CORVIN_LSB_FIRST &&
          s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.format <= CORVIN_F64 &&
          s.dither <= CORVIN_DITHER_SHAPED && s.phase <= CORVIN_MINIMUM_PHASE &&
-         s.threads <= kMostThreads && s.gain_db >= kLeastGainDb && s.gain_db <= kMostGainDb &&
-         s.pass_hz >= 0 && s.stop_hz >= 0 && std::isfinite(s.pass_hz) && std::isfinite(s.stop_hz);
+         s.threads <= kMostThreads && s.first_sample <= kLastPlace &&
+         s.context <= CORVIN_CONTEXT_BOTH && s.gain_db >= kLeastGainDb &&
+         s.gain_db <= kMostGainDb && s.pass_hz >= 0 && s.stop_hz >= 0 && std::isfinite(s.pass_hz) &&
+         std::isfinite(s.stop_hz);
 }
 
 }  // namespace corvin::studio

@@ -13,6 +13,7 @@ namespace corvin::studio {
 inline constexpr std::uint32_t kMostChannels = 64;
 inline constexpr std::uint32_t kMostThreads = 64;
 inline constexpr std::uint32_t kLargestBlock = 1u << 20;
+inline constexpr std::uint64_t kLastPlace = std::uint64_t{1} << 60;  // in a whole; bits fit 64
 inline constexpr double kLeastGainDb = -120;
 inline constexpr double kMostGainDb = 60;
 

@@ -43,6 +43,18 @@ TEST(DecoderThreads, ResetAndDestroyWithWorkInFlight) {
     EXPECT_TRUE(decode(decoder, settings, data) == expected) << pushed;
     decoder.reset();
   }
+  constexpr std::size_t kByte = 200000;
+  for (std::size_t pushed : {300000u, 20000u}) {
+    decoder.push(std::span(data).first(pushed));
+    decoder.seek(8 * kByte / 2);
+    const std::size_t first = kByte - 2 * std::min<std::size_t>(decoder.preroll(), kByte / 2);
+    const Bytes rest(data.begin() + static_cast<std::ptrdiff_t>(first), data.end());
+    const std::size_t skipped = decoder.frames(8 * kByte / 2) * 4;
+    EXPECT_TRUE(decode(decoder, settings, rest) ==
+                Bytes(expected.begin() + static_cast<std::ptrdiff_t>(skipped), expected.end()))
+        << pushed;
+    decoder.reset();
+  }
   for (int i = 0; i < 20; ++i) {
     Decoder abandoned(settings);
     abandoned.push(std::span(data).first(random() % data.size()));
