@@ -4,15 +4,13 @@
 #include "studio/convert/to_dsd.h"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <vector>
 
 #include "formats/bytes/bit_order.h"
-#include "studio/convert/channel_bytes.h"
+#include "studio/convert/encoding.h"
 #include "studio/convert/to_pcm.h"
 #include "studio/encode/encoder.h"
-#include "studio/encode/encoder_settings.h"
 #include "studio/pcm/sample_format.h"
 #include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
@@ -22,85 +20,6 @@ namespace {
 
 constexpr std::size_t kBufferBytes = 1 << 18;
 
-corvin_encoder_settings encoder_settings(std::uint32_t pcm_rate, std::uint32_t format,
-                                         const formats::SoundFormat& target,
-                                         const corvin_convert_settings& settings) {
-  corvin_encoder_settings result = default_encoder_settings();
-  result.pcm_rate = pcm_rate;
-  result.dsd_rate = target.rate_hz;
-  result.channels = target.channels;
-  result.format = format;
-  result.modulator = settings.modulator;
-  result.threads = settings.threads;
-  result.kernel_mask = settings.kernel_mask;
-  result.gain_db = settings.gain_db;
-  result.phase = settings.phase;
-  return result;
-}
-
-// An encoder with its output.
-class Encoding {
- public:
-  /// @param most_bytes  of each channel; what follows is dropped
-  Encoding(Encoder& encoder, formats::SoundWriter& target, std::size_t frame_bytes,
-           std::uint64_t most_bytes)
-      : encoder_(encoder),
-        target_(target),
-        frame_bytes_(frame_bytes),
-        bytes_left_(most_bytes),
-        out_(target.format().channels, kBufferBytes / target.format().channels) {}
-
-  /// False when the target did not go on.
-  bool push(const void* data, std::size_t frames) {
-    const auto* from = static_cast<const std::uint8_t*>(data);
-    while (frames > 0) {
-      std::size_t taken = 0;
-      encoder_.push(from, frames, taken);
-      from += taken * frame_bytes_;
-      frames -= taken;
-      frames_ += taken;
-      if (!drain()) return false;
-    }
-    return true;
-  }
-
-  bool finish() {
-    encoder_.finish();
-    return drain();
-  }
-
-  std::uint64_t frames() const { return frames_; }
-
-  void tell(corvin_convert_report& report) const {
-    corvin_encoder_report encoded = {};
-    encoder_.report(encoded);
-    report.frames = frames_;
-    report.samples = encoded.samples;
-    report.limited = encoded.limited;
-    report.overloads = encoded.overloads;
-    report.peak = encoded.peak;
-  }
-
- private:
-  bool drain() {
-    for (;;) {
-      std::size_t bytes = 0;
-      encoder_.pull_planar(out_.places(), out_.bytes(), bytes);
-      if (bytes == 0) return true;
-      const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, bytes_left_));
-      bytes_left_ -= count;
-      if (count > 0 && !target_.Write(out_.places(), 1, count, false)) return false;
-    }
-  }
-
-  Encoder& encoder_;
-  formats::SoundWriter& target_;
-  std::size_t frame_bytes_;
-  std::uint64_t bytes_left_;
-  std::uint64_t frames_ = 0;
-  ChannelBytes out_;
-};
-
 int read_all(const corvin_pcm_source& source, std::size_t frame_bytes,
              const corvin_convert_settings& settings, Encoding& encoding) {
   const std::size_t frames = std::max<std::size_t>(1, kBufferBytes / frame_bytes);
@@ -108,8 +27,9 @@ int read_all(const corvin_pcm_source& source, std::size_t frame_bytes,
   for (;;) {
     const std::int64_t got = source.read(source.user, buffer.data(), frames);
     if (got < 0 || static_cast<std::uint64_t>(got) > frames) return CORVIN_E_READ;
-    if (got == 0) return encoding.finish() ? CORVIN_OK : CORVIN_E_WRITE;
-    if (!encoding.push(buffer.data(), static_cast<std::size_t>(got))) return CORVIN_E_WRITE;
+    if (got == 0) return encoding.finish();
+    const int status = encoding.push(buffer.data(), static_cast<std::size_t>(got));
+    if (status != CORVIN_OK) return status;
     if (settings.progress != nullptr &&
         settings.progress(settings.progress_user, encoding.frames(), source.frames) != 0) {
       return CORVIN_E_CANCELLED;
@@ -133,8 +53,12 @@ int convert_to_dsd(const corvin_pcm_source& source, formats::SoundWriter& target
   std::unique_ptr<Encoder> encoder;
   const int status = Encoder::create(encoding_settings, encoder);
   if (status != CORVIN_OK) return status;
-  const std::size_t frame_bytes = sample_bytes(source.format) * target.format().channels;
-  Encoding encoding(*encoder, target, frame_bytes, std::numeric_limits<std::uint64_t>::max());
+  const std::size_t channels = target.format().channels;
+  const std::size_t frame_bytes = sample_bytes(source.format) * channels;
+  Encoding encoding(*encoder, channels, frame_bytes,
+                    [&](const std::uint8_t* const* bytes, std::size_t count) {
+                      return target.Write(bytes, 1, count, false) ? CORVIN_OK : CORVIN_E_WRITE;
+                    });
   const int result = read_all(source, frame_bytes, settings, encoding);
   encoding.tell(report);
   report.gain_db = settings.gain_db;
@@ -166,23 +90,29 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
       Encoder::create(encoder_settings(decoding.pcm_rate, CORVIN_F64, format, settings), encoder);
   if (status != CORVIN_OK) return status;
   const std::uint64_t samples = samples_of(file.samples, file.rate_hz, format.rate_hz);
-  Encoding encoding(*encoder, target, sizeof(double) * format.channels, formats::BytesOf(samples));
+  // What follows the last sample is dropped.
+  const std::uint64_t most_bytes = formats::BytesOf(samples);
+  const auto take = [&](const std::uint8_t* const* bytes, std::size_t count) {
+    const auto wanted = static_cast<std::size_t>(
+        std::min<std::uint64_t>(count, most_bytes - target.channel_bytes()));
+    return target.Write(bytes, 1, wanted, false) ? CORVIN_OK : CORVIN_E_WRITE;
+  };
+  Encoding encoding(*encoder, format.channels, sizeof(double) * format.channels, take);
 
   corvin_pcm_sink sink = {};
   sink.size = sizeof sink;
   sink.user = &encoding;
   sink.write = [](void* user, const void* frames, std::size_t count) {
-    return static_cast<Encoding*>(user)->push(frames, count) ? 0 : 1;
+    return static_cast<Encoding*>(user)->push(frames, count) == CORVIN_OK ? 0 : 1;
   };
   int result = convert_to_pcm(source, file, decoding, sink, report);
   if (result == CORVIN_OK) {
     // The PCM ends with the last whole frame, which may lie before the last sample.
     const std::vector<double> silence(format.channels);
-    bool going = true;
-    while (going && encoder->samples_of(encoding.frames()) < samples) {
-      going = encoding.push(silence.data(), 1);
+    while (result == CORVIN_OK && encoder->samples_of(encoding.frames()) < samples) {
+      result = encoding.push(silence.data(), 1);
     }
-    if (!going || !encoding.finish()) result = CORVIN_E_WRITE;
+    if (result == CORVIN_OK) result = encoding.finish();
   }
   encoding.tell(report);
   report.samples = std::min(report.samples, samples);
