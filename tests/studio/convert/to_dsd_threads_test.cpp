@@ -8,42 +8,12 @@
 
 #include <cmath>
 #include <complex>
-#include <limits>
 
+#include "tests/support/pcm_memory.h"
 #include "tests/support/sound_files.h"
 
 namespace corvin::studio {
 namespace {
-
-/// PCM in memory.
-struct Pcm {
-  Bytes data;
-  std::size_t frame_bytes;
-  std::size_t position = 0;
-  std::size_t most_at_once = std::numeric_limits<std::size_t>::max();
-  int calls_left = std::numeric_limits<int>::max();  ///< until reads fail
-
-  corvin_pcm_source source(std::uint32_t rate, std::uint32_t channels, std::uint32_t format) {
-    corvin_pcm_source source = {};
-    source.size = sizeof source;
-    source.pcm_rate = rate;
-    source.channels = channels;
-    source.format = format;
-    source.frames = data.size() / frame_bytes;
-    source.user = this;
-    source.read = [](void* user, void* frames, std::size_t count) -> std::int64_t {
-      Pcm& self = *static_cast<Pcm*>(user);
-      if (self.calls_left-- <= 0) return -1;
-      count = std::min(
-          {count, self.most_at_once, (self.data.size() - self.position) / self.frame_bytes});
-      const std::size_t bytes = count * self.frame_bytes;
-      if (bytes > 0) std::memcpy(frames, &self.data[self.position], bytes);
-      self.position += bytes;
-      return static_cast<std::int64_t>(count);
-    };
-    return source;
-  }
-};
 
 TEST(ConvertToDsd, IsTheEncoderIntoEveryContainer) {
   Random random(30);
