@@ -100,10 +100,10 @@ bool SoundWriter::Flush(std::size_t bytes) {
   return true;
 }
 
-bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3) {
+bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3, bool goes_on) {
   const auto whole = static_cast<std::size_t>(WholeBlocks(held_));
   for (std::size_t c = 0; c < format_.channels && held_ > 0; ++c) {
-    SilenceBehind(samples, lsb_first_, Held(c, held_ - 1));
+    if (!goes_on) SilenceBehind(samples, lsb_first_, Held(c, held_ - 1));
     // Zeros, as DSF asks for: the number of samples keeps them from being heard.
     for (std::size_t i = held_; i < whole; ++i) Held(c, i) = 0;
   }

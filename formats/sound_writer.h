@@ -28,6 +28,9 @@ struct SoundFormat {
 /// The most channels that the container can name; 0 for kUnknown.
 std::uint32_t MostChannels(ContainerKind kind);
 
+/// Whether the container knows samples; else it knows whole bytes.
+constexpr bool StatesSamples(ContainerKind kind) { return kind == kDsf; }
+
 class SoundWriter {
  public:
   /// `sink` outlives the writer. The format is one that the container can state.
@@ -40,10 +43,14 @@ class SoundWriter {
   bool Write(const std::uint8_t* const* in, std::size_t stride, std::size_t bytes, bool lsb_first);
 
   /// Completes the file.
-  /// @param samples  per channel, at most what was written, and in its last byte. DSF alone states
-  ///                 it; in the others silence fills the last byte
+  /// @param samples  per channel, at most what was written, and in its last byte unless the sound
+  ///                 goes on. DSF alone states it; in the others silence fills the last byte
   /// @param id3      an ID3v2 block or nothing; not for kOneBit
-  bool Finish(std::uint64_t samples, ByteSpan id3);
+  /// @param goes_on  in another file: what was written behind the samples stays
+  bool Finish(std::uint64_t samples, ByteSpan id3, bool goes_on = false);
+
+  /// How much `bytes` bytes of a channel are with their last block filled up.
+  std::uint64_t WholeBlocks(std::uint64_t bytes) const;
 
   const SoundFormat& format() const { return format_; }
   std::uint64_t channel_bytes() const { return channel_bytes_; }
@@ -55,7 +62,6 @@ class SoundWriter {
   std::vector<std::uint8_t> DsfHeader(std::uint64_t samples, std::uint64_t id3_bytes) const;
   std::vector<std::uint8_t> DsdiffHeader(std::uint64_t id3_bytes) const;
   std::vector<std::uint8_t> OneBitHeader() const;
-  std::uint64_t WholeBlocks(std::uint64_t bytes) const;
   std::uint64_t SoundBytes() const;
 
   ByteSink& sink_;
