@@ -530,6 +530,22 @@ inline corvin_convert_settings with_progress(corvin_convert_settings settings,
   return settings;
 }
 
+/// What calls `source`, which is not copied.
+inline corvin_pcm_source calls_of(const PcmSource& source) {
+  corvin_pcm_source calls = {};
+  calls.size = sizeof calls;
+  calls.pcm_rate = source.pcm_rate;
+  calls.channels = source.channels;
+  calls.format = source.format;
+  calls.frames = source.frames;
+  calls.user = const_cast<PcmSource*>(&source);
+  calls.read = [](void* user, void* frames, std::size_t count) {
+    const auto& read = static_cast<const PcmSource*>(user)->read;
+    return kept_in<std::int64_t>(-1, [&] { return read(frames, count); });
+  };
+  return calls;
+}
+
 template <class Convert>
 corvin_convert_report reported(const corvin_convert_settings& settings, const Progress& progress,
                                Convert convert) {
@@ -579,18 +595,29 @@ inline corvin_convert_report convert_to_dsd(
 inline corvin_convert_report convert_to_dsd(
     const PcmSource& source, Writer& target,
     const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
-  corvin_pcm_source calls = {};
-  calls.size = sizeof calls;
-  calls.pcm_rate = source.pcm_rate;
-  calls.channels = source.channels;
-  calls.format = source.format;
-  calls.frames = source.frames;
-  calls.user = const_cast<PcmSource*>(&source);
-  calls.read = [](void* user, void* frames, std::size_t count) {
-    const auto& read = static_cast<const PcmSource*>(user)->read;
-    return detail::kept_in<std::int64_t>(-1, [&] { return read(frames, count); });
-  };
-  return convert_to_dsd(calls, target, settings, progress);
+  return convert_to_dsd(detail::calls_of(source), target, settings, progress);
+}
+
+/// Throws CORVIN_E_ARGUMENT also when there are not as many targets as sources.
+inline corvin_convert_report convert_to_dsd_tracks(
+    std::span<const corvin_pcm_source> sources, std::span<Writer> targets,
+    const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
+  if (sources.size() != targets.size()) throw Error(CORVIN_E_ARGUMENT);
+  std::vector<const corvin_pcm_source*> from;
+  for (const corvin_pcm_source& source : sources) from.push_back(&source);
+  std::vector<corvin_writer*> to;
+  for (const Writer& target : targets) to.push_back(target.handle());
+  return detail::reported(settings, progress, [&](const auto* all, auto* report) {
+    return corvin_convert_to_dsd_tracks(from.data(), to.data(), from.size(), all, report);
+  });
+}
+
+inline corvin_convert_report convert_to_dsd_tracks(
+    std::span<const PcmSource> sources, std::span<Writer> targets,
+    const corvin_convert_settings& settings = ConvertSettings(), const Progress& progress = {}) {
+  std::vector<corvin_pcm_source> calls;
+  for (const PcmSource& source : sources) calls.push_back(detail::calls_of(source));
+  return convert_to_dsd_tracks(calls, targets, settings, progress);
 }
 
 inline corvin_convert_report convert_dsd_rate(

@@ -274,7 +274,8 @@ typedef struct corvin_convert_report {
   double peak;        /**< largest absolute sample after the gain, before limiting; 1.0 = full
                            scale */
   double gain_db;     /**< that was applied */
-  uint64_t reserved[8];
+  uint64_t finished;  /**< writers that became files, by corvin_convert_to_dsd() and ..._tracks() */
+  uint64_t reserved[7];
 } corvin_convert_report;
 
 /** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
@@ -305,6 +306,33 @@ CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_s
 CORVIN_API int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target,
                                      const corvin_convert_settings* settings,
                                      corvin_convert_report* report);
+
+/** Converts PCM that goes on from source to source, as an album's tracks do, to DSD that goes on
+ *  from writer to writer: one conversion of the joined PCM, cut into files, whose sound joined
+ *  again is that conversion bit for bit.
+ *  Track k begins with the sample corvin_encoder_samples(frames of the sources before it). DSF
+ *  states that exactly; the rest of a track's last byte and of its last block are the bits that
+ *  come next, with which the following tracks begin. DSDIFF and "1bit" know whole bytes: when one
+ *  of the writers is such, every cut lies at the next whole byte of the conversion, up to seven
+ *  samples later. The last track ends as that of corvin_convert_to_dsd() does.
+ *  @param sources   sources[count], of the same rate, channels and format, read one after the
+ *                   other; such without frames are files without sound
+ *  @param targets   targets[count], all different, without sound so far, of the same rate and
+ *                   channels; containers may differ
+ *  @param count     at least 1
+ *  @param settings  NULL: the defaults. The progress counts the frames of all sources; its total
+ *                   is 0 when one of them says 0
+ *  @param report    as for corvin_convert_to_pcm(), for all tracks together; `finished` of the
+ *                   writers, from the first on, are files
+ *  @return  as corvin_convert_to_dsd(). Writers are finished in order, each as soon as its last
+ *           block is full, be it with the beginnings of several tracks. After a failure those
+ *           that are finished stay files, and no other one is finished; after CORVIN_E_WRITE the
+ *           others that have sound already cannot be finished any more
+ *  Memory depends neither on the lengths nor, but for some bytes each, on the count. Since 0.1. */
+CORVIN_API int corvin_convert_to_dsd_tracks(const corvin_pcm_source* const* sources,
+                                            corvin_writer* const* targets, size_t count,
+                                            const corvin_convert_settings* settings,
+                                            corvin_convert_report* report);
 
 /** Converts a file's sound to DSD of the writer's rate, another one as a rule, and finishes the
  *  writer. On the way it is PCM of a 32nd of the lower one of both rates. Unless pass_hz or stop_hz

@@ -3,8 +3,10 @@
 //
 // The C functions for whole conversions.
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <vector>
 
 #include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
@@ -33,6 +35,55 @@ int reported(corvin_convert_report* report, Conversion conversion) {
 
 bool has_sound(const corvin_writer& writer) {
   return writer.finished || writer.sound->channel_bytes() != 0;
+}
+
+// The arguments of a conversion to tracks, of which each has a source and a writer.
+struct Tracks {
+  std::vector<corvin_pcm_source> sources;
+  std::vector<corvin_writer*> targets;
+
+  // CORVIN_OK when they go together.
+  int adopt(const corvin_pcm_source* const* from, corvin_writer* const* to, std::size_t count) {
+    sources.resize(count);
+    targets.assign(to, to + count);
+    for (std::size_t i = 0; i < count; ++i) {
+      if (!studio::adopt(from[i], sources[i]) || sources[i].read == nullptr || to[i] == nullptr) {
+        return CORVIN_E_ARGUMENT;
+      }
+      const corvin_pcm_source& source = sources[i];
+      if (source.pcm_rate != sources[0].pcm_rate || source.format != sources[0].format ||
+          source.channels != to[0]->settings.channels ||
+          to[i]->settings.channels != to[0]->settings.channels ||
+          to[i]->settings.dsd_rate != to[0]->settings.dsd_rate) {
+        return CORVIN_E_ARGUMENT;
+      }
+    }
+    std::vector<corvin_writer*> sorted = targets;
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) return CORVIN_E_ARGUMENT;
+    const bool fresh = std::none_of(targets.begin(), targets.end(),
+                                    [](const corvin_writer* target) { return has_sound(*target); });
+    return fresh ? CORVIN_OK : CORVIN_E_STATE;
+  }
+};
+
+int convert_tracks(const Tracks& tracks, const corvin_convert_settings& settings,
+                   corvin_convert_report& report) {
+  std::vector<formats::SoundWriter*> sounds;
+  for (corvin_writer* target : tracks.targets) sounds.push_back(&*target->sound);
+  const int status = convert_to_dsd(
+      tracks.sources, sounds,
+      [&](std::size_t track, std::uint64_t samples, bool goes_on) {
+        const int finished = finish(*tracks.targets[track], samples, goes_on);
+        if (finished == CORVIN_OK) ++report.finished;
+        return finished;
+      },
+      settings, report);
+  // Whichever did not take its bytes: none that waits for more becomes a file any more.
+  for (corvin_writer* target : tracks.targets) {
+    if (status == CORVIN_E_WRITE && !target->finished && has_sound(*target)) target->failed = true;
+  }
+  return status;
 }
 
 // What comes behind the last byte of a conversion with `status`.
@@ -74,17 +125,23 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
 
 int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target,
                           const corvin_convert_settings* settings, corvin_convert_report* report) {
+  return corvin_convert_to_dsd_tracks(&source, &target, 1, settings, report);
+}
+
+int corvin_convert_to_dsd_tracks(const corvin_pcm_source* const* sources,
+                                 corvin_writer* const* targets, size_t count,
+                                 const corvin_convert_settings* settings,
+                                 corvin_convert_report* report) {
   corvin_convert_settings known;
-  corvin_pcm_source known_source;
-  if (target == nullptr || !corvin::studio::adopt_settings(settings, known) ||
-      !corvin::studio::adopt(source, known_source) || known_source.read == nullptr ||
-      known_source.channels != target->settings.channels || !corvin::studio::valid(report)) {
+  if (sources == nullptr || targets == nullptr || count == 0 ||
+      !corvin::studio::adopt_settings(settings, known) || !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
-  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
+  corvin::studio::Tracks tracks;
+  const int status = corvin::studio::guarded([&] { return tracks.adopt(sources, targets, count); });
+  if (status != CORVIN_OK) return status;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
-    const int status = corvin::studio::convert_to_dsd(known_source, *target->sound, known, result);
-    return corvin::studio::complete(*target, status, result.samples);
+    return corvin::studio::convert_tracks(tracks, known, result);
   });
 }
 

@@ -6,6 +6,7 @@
 #ifndef CORVIN_STUDIO_C_API_FILE_H_
 #define CORVIN_STUDIO_C_API_FILE_H_
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -37,6 +38,9 @@ namespace corvin::studio {
 
 /// CORVIN_OK when the sound can be read.
 int status_of(formats::Readable readable);
+
+/// Completes the file of a writer that can be finished, as formats::SoundWriter does.
+int finish(corvin_writer& writer, std::uint64_t samples, bool goes_on);
 
 }  // namespace corvin::studio
 

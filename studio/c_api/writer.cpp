@@ -47,6 +47,16 @@ int write(corvin_writer& writer, const std::uint8_t* const* places, std::size_t 
 }
 
 }  // namespace
+
+int finish(corvin_writer& writer, std::uint64_t samples, bool goes_on) {
+  return guarded([&] {
+    writer.finished = true;
+    writer.failed = !writer.sound->Finish(samples, writer.tags, goes_on) ||
+                    (writer.new_file != nullptr && !writer.new_file->Commit());
+    return writer.failed ? CORVIN_E_WRITE : CORVIN_OK;
+  });
+}
+
 }  // namespace corvin::studio
 
 extern "C" {
@@ -125,12 +135,7 @@ int corvin_writer_finish(corvin_writer* writer, uint64_t samples) {
   if (writer->failed) return CORVIN_E_WRITE;
   const std::uint64_t bytes = writer->sound->channel_bytes();
   if (samples / 8 + (samples % 8 != 0) != bytes) return CORVIN_E_ARGUMENT;
-  return corvin::studio::guarded([&] {
-    writer->finished = true;
-    writer->failed = !writer->sound->Finish(samples, writer->tags) ||
-                     (writer->new_file != nullptr && !writer->new_file->Commit());
-    return writer->failed ? CORVIN_E_WRITE : CORVIN_OK;
-  });
+  return corvin::studio::finish(*writer, samples, false);
 }
 
 void corvin_writer_close(corvin_writer* writer) { delete writer; }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "formats/bytes/bit_order.h"
@@ -20,21 +21,38 @@ namespace {
 
 constexpr std::size_t kBufferBytes = 1 << 18;
 
-int read_all(const corvin_pcm_source& source, std::size_t frame_bytes,
-             const corvin_convert_settings& settings, Encoding& encoding) {
+// The frames of all sources; 0 when one does not know.
+std::uint64_t total_frames(std::span<const corvin_pcm_source> sources) {
+  std::uint64_t total = 0;
+  for (const corvin_pcm_source& source : sources) {
+    if (source.frames == 0) return 0;
+    total += source.frames;
+  }
+  return total;
+}
+
+// Reads one source after the other and calls at_end() behind each.
+template <typename AtEnd>
+int read_all(std::span<const corvin_pcm_source> sources, std::size_t frame_bytes,
+             const corvin_convert_settings& settings, Encoding& encoding, AtEnd at_end) {
+  const std::uint64_t total = total_frames(sources);
   const std::size_t frames = std::max<std::size_t>(1, kBufferBytes / frame_bytes);
   std::vector<std::uint8_t> buffer(frames * frame_bytes);
-  for (;;) {
-    const std::int64_t got = source.read(source.user, buffer.data(), frames);
-    if (got < 0 || static_cast<std::uint64_t>(got) > frames) return CORVIN_E_READ;
-    if (got == 0) return encoding.finish();
-    const int status = encoding.push(buffer.data(), static_cast<std::size_t>(got));
-    if (status != CORVIN_OK) return status;
-    if (settings.progress != nullptr &&
-        settings.progress(settings.progress_user, encoding.frames(), source.frames) != 0) {
-      return CORVIN_E_CANCELLED;
+  for (const corvin_pcm_source& source : sources) {
+    for (;;) {
+      const std::int64_t got = source.read(source.user, buffer.data(), frames);
+      if (got < 0 || static_cast<std::uint64_t>(got) > frames) return CORVIN_E_READ;
+      if (got == 0) break;
+      const int status = encoding.push(buffer.data(), static_cast<std::size_t>(got));
+      if (status != CORVIN_OK) return status;
+      if (settings.progress != nullptr &&
+          settings.progress(settings.progress_user, encoding.frames(), total) != 0) {
+        return CORVIN_E_CANCELLED;
+      }
     }
+    at_end();
   }
+  return encoding.finish();
 }
 
 /// The PCM rate between two DSD rates, of the source's family.
@@ -44,22 +62,26 @@ std::uint32_t rate_between(const RateFamily& source, const RateFamily& target) {
 
 }  // namespace
 
-int convert_to_dsd(const corvin_pcm_source& source, formats::SoundWriter& target,
+int convert_to_dsd(std::span<const corvin_pcm_source> sources,
+                   std::span<formats::SoundWriter* const> targets, TrackCuts::Finish finish,
                    const corvin_convert_settings& settings, corvin_convert_report& report) {
+  const corvin_pcm_source& pcm = sources[0];
+  const formats::SoundFormat& format = targets[0]->format();
   corvin_encoder_settings encoding_settings =
-      encoder_settings(source.pcm_rate, source.format, target.format(), settings);
+      encoder_settings(pcm.pcm_rate, pcm.format, format, settings);
   encoding_settings.pass_hz = settings.pass_hz;
   encoding_settings.stop_hz = settings.stop_hz;
   std::unique_ptr<Encoder> encoder;
   const int status = Encoder::create(encoding_settings, encoder);
   if (status != CORVIN_OK) return status;
-  const std::size_t channels = target.format().channels;
-  const std::size_t frame_bytes = sample_bytes(source.format) * channels;
-  Encoding encoding(*encoder, channels, frame_bytes,
-                    [&](const std::uint8_t* const* bytes, std::size_t count) {
-                      return target.Write(bytes, 1, count, false) ? CORVIN_OK : CORVIN_E_WRITE;
-                    });
-  const int result = read_all(source, frame_bytes, settings, encoding);
+  TrackCuts cuts(targets, std::move(finish));
+  const std::size_t frame_bytes = sample_bytes(pcm.format) * format.channels;
+  Encoding encoding(
+      *encoder, format.channels, frame_bytes,
+      [&](const std::uint8_t* const* bytes, std::size_t count) { return cuts.take(bytes, count); });
+  int result = read_all(sources, frame_bytes, settings, encoding,
+                        [&] { cuts.cut(encoder->samples_of(encoding.frames())); });
+  if (result == CORVIN_OK) result = cuts.end();
   encoding.tell(report);
   report.gain_db = settings.gain_db;
   return result;

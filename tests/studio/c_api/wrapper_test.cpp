@@ -133,6 +133,25 @@ TEST(Wrapper, WhatHostsThrowIsAFailure) {
   }
 }
 
+TEST(Wrapper, TracksComeFromCallables) {
+  HostFile hosts[2];
+  std::vector<Writer> writers;
+  for (HostFile& host : hosts) writers.emplace_back(host, writer_settings(CORVIN_DSDIFF, 1));
+  std::int64_t left[] = {300, 20};
+  std::vector<PcmSource> zeros;
+  for (std::int64_t& frames : left) {
+    zeros.push_back({.channels = 1, .format = CORVIN_S16, .read = [&](void* to, std::size_t count) {
+                       const auto now = std::min(frames, static_cast<std::int64_t>(count));
+                       frames -= now;
+                       std::memset(to, 0, 2 * static_cast<std::size_t>(now));
+                       return now;
+                     }});
+  }
+  EXPECT_EQ(convert_to_dsd_tracks(zeros, writers).finished, 2U);
+  EXPECT_EQ(File(hosts[0]).info().samples, 64U * 300);
+  EXPECT_EQ(File(hosts[1]).info().samples, 64U * 20);
+}
+
 TEST(Wrapper, ConversionsCallCallables) {
   HostFile host;
   Writer writer(host, writer_settings(CORVIN_DSF, 1));
