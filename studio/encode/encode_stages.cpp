@@ -48,11 +48,12 @@ EncodeStages::EncodeStages(const corvin_encoder_settings& settings, const Encode
     : shape_(shape(settings, chain.plan)),
       bytes_stride_(shape_.out + 2 * ModulatorStream::kDelay),
       channels_at_once_(channels_at_once(chain.modulator)),
-      slots_(pieces(settings, chain.modulator)) {
+      slots_(pieces(settings, chain.modulator)),
+      search_(chain.modulator.oversampling) {
   for (std::size_t c = 0; c < shape_.channels; c += channels_at_once_) {
     ModulatorConfig config = chain.modulator;
     config.channels = static_cast<int>(std::min(channels_at_once_, shape_.channels - c));
-    modulators_.emplace_back(config);
+    modulators_.emplace_back(config, search_);
   }
   for (Slot& slot : slots_) {
     slot.bytes = AlignedArray<std::uint8_t>(shape_.channels * bytes_stride_);
@@ -89,7 +90,7 @@ void EncodeStages::modulate(std::size_t modulator, std::size_t slot) {
     out[c - first] = &to.bytes[c * bytes_stride_];
   }
   to.tallies[modulator] = {};
-  modulators_[modulator].run(in, to.piece.out, out, to.tallies[modulator]);
+  modulators_[modulator].run(in, to.piece.out, to.length, out, to.tallies[modulator]);
 }
 
 void EncodeStages::work(std::size_t worker, std::size_t job) {
@@ -114,6 +115,7 @@ void EncodeStages::work(std::size_t worker, std::size_t job) {
 
 void EncodeStages::start(const Piece<double>& piece) {
   slots_[piece.slot].piece = piece;
+  slots_[piece.slot].length = length_;
   if (pool_ == nullptr) {
     up_sample(up_samplers_[0], piece.slot);
     for (std::size_t part = 1; part < parts(); ++part) modulate(part - 1, piece.slot);
@@ -147,6 +149,7 @@ void EncodeStages::reset() {
   for (ModulatorStream& modulator : modulators_) modulator.reset();
   std::fill(next_.begin(), next_.end(), 0u);
   std::fill(up_sampled_.begin(), up_sampled_.end(), 0u);
+  length_ = ModulatorStream::kEndless;
   tally_ = {};
 }
 

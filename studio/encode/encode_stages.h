@@ -45,6 +45,9 @@ class EncodeStages final : public PieceStages<double> {
     return &slots_[slot].bytes[channel * bytes_stride_];
   }
 
+  /// The length of the stream in one-bit samples, told before a piece that holds its end.
+  void end(std::uint64_t length) { length_ = length; }
+
   const ModulationTally& tally() const { return tally_; }  ///< of the pieces opened
 
   /// As new, without a piece.
@@ -53,6 +56,7 @@ class EncodeStages final : public PieceStages<double> {
  private:
   struct Slot {
     Piece<double> piece;
+    std::uint64_t length;                  // of the stream, as far as it was known
     AlignedArray<std::uint8_t> bytes;      // [channel][bytes_stride_]
     std::vector<ModulationTally> tallies;  // one for each modulator
   };
@@ -71,7 +75,9 @@ class EncodeStages final : public PieceStages<double> {
   std::vector<Slot> slots_;
   std::vector<AlignedArray<double>> samples_;  // between the stages: one for each piece at work
   std::vector<UpSampler> up_samplers_;         // one for each thread
+  RestSearch search_;
   std::vector<ModulatorStream> modulators_;
+  std::uint64_t length_ = ModulatorStream::kEndless;
   ModulationTally tally_;
 
   std::mutex chain_;                       // over the two below

@@ -83,6 +83,7 @@ int Encoder::push_planar(const void* const* channels, std::size_t frames, std::s
 void Encoder::finish() {
   if (ring_.ending()) return;
   length_samples_ = samples_of(ring_.accepted());
+  stages_.end(length_samples_);
   ring_.end(formats::BytesOf(length_samples_));
 }
 
