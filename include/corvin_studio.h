@@ -310,7 +310,7 @@ CORVIN_API void corvin_encoder_settings_defaults(corvin_encoder_settings* settin
  *  @param settings  copied
  *  @param encoder   receives the handle, NULL on failure
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_UNSUPPORTED, CORVIN_E_MEMORY, CORVIN_E_THREAD
- *  Takes a few milliseconds. Since 0.1. */
+ *  Takes some 20 milliseconds. Since 0.1. */
 CORVIN_API int corvin_encoder_create(const corvin_encoder_settings* settings,
                                      corvin_encoder** encoder);
 

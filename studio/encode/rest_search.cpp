@@ -96,7 +96,7 @@ void RestSearch::make_basis() {
   std::vector<std::vector<double>> open(kNodes, std::vector<double>(rows_));
   for (std::size_t i = 0; i < kNodes; ++i) {
     const double place = (1 - turn(static_cast<std::int64_t>(i), 2 * (kNodes - 1)).cosine) / 2;
-    add(static_cast<std::size_t>(place * (kWindow - 1) + 0.5), 1, open[i].data());
+    add(static_cast<std::size_t>(std::floor(place * (kWindow - 1) + 0.5)), 1, open[i].data());
   }
   double most = 0;
   while (dimensions_ < kMostDimensions && !open.empty()) {
