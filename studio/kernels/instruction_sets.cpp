@@ -18,7 +18,7 @@ std::span<const InstructionSet> instruction_sets() {
 std::uint32_t detected_features() {
   std::uint32_t features = 0;
 #define CORVIN_INSTRUCTION_SET(constant, bit, name, supported) \
-  if (supported) features |= constant.feature;
+  if (supported) features |= (constant).feature;
 #include "instruction_sets.inc"
 #undef CORVIN_INSTRUCTION_SET
   return features;
