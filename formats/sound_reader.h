@@ -33,6 +33,9 @@ class SoundReader {
   std::uint64_t position() const { return position_; }
   bool failed() const { return failed_; }
 
+  ByteSource& source() const { return source_; }
+  const SoundFile& file() const { return file_; }
+
  private:
   const std::uint8_t* Fetch(std::uint64_t offset, std::size_t bytes);
   bool ReadRun(std::uint8_t* const* out, std::size_t stride, std::size_t run, bool reverse);

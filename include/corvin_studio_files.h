@@ -207,7 +207,9 @@ CORVIN_API void corvin_writer_close(corvin_writer* writer);
 /* ---- Whole conversions ----------------------------------------------------------------------- */
 
 /** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's
- *  settings do; each conversion looks at those that concern it. */
+ *  settings do; each conversion looks at those that concern it. Neighbours and a place in a whole
+ *  are for corvin_convert_to_pcm(): the others, which begin a modulator's or a container's bits
+ *  anew, refuse them. */
 typedef struct corvin_convert_settings {
   size_t size;          /**< sizeof(corvin_convert_settings), set by ..._defaults() */
   uint32_t pcm_rate;    /**< of PCM to come, Hz. Default 44100 */
@@ -225,8 +227,16 @@ typedef struct corvin_convert_settings {
   /** Is told, on the caller's thread after each piece of the source, how many of its samples or
    *  frames are read; returns 0 to go on, another value to cancel. NULL: nobody. Default NULL */
   int (*progress)(void* user, uint64_t done, uint64_t total);
-  void* progress_user;   /**< Default NULL */
-  uint64_t reserved[16]; /**< 0 */
+  void* progress_user; /**< Default NULL */
+  /** previous[previous_count], next[next_count]: files whose sound comes before and behind the
+   *  source's, the nearest one first. Default NULL and 0 */
+  corvin_file* const* previous;
+  corvin_file* const* next;
+  size_t previous_count;
+  size_t next_count;
+  uint64_t first_sample; /**< where in the whole the source's first sample stands; up to 2^60.
+                              Default 0 */
+  uint64_t reserved[11]; /**< 0 */
 } corvin_convert_settings;
 
 /** What is to come, for a sink. */
@@ -282,13 +292,29 @@ typedef struct corvin_convert_report {
 CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settings);
 
 /** Converts a file's sound, from its first to its last sample, to PCM.
- *  @param source    left at an unspecified position; not to be used meanwhile
+ *
+ *  The file may be a part of a whole, such as a track of an album. With the files around it, which
+ *  the filters then hear in place of silence, and its place, what comes out is bit for bit what
+ *  converting the whole makes of the part, so the outputs of an album's tracks, joined, are the
+ *  conversion of their joined sound: wherever it is cut, be it within a byte, and whatever the
+ *  containers. Frames are counted in the whole: from its sample `a` to its sample `b` they are
+ *  those from corvin_decoder_frames(a) to corvin_decoder_frames(b), so a part that is shorter than
+ *  a frame may make none.
+ *  Of track k, `previous` are the tracks k - 1, k - 2 and so on, `first_sample` is the sum of the
+ *  samples of all tracks before it, and `next` are k + 1, k + 2 and so on. Only what is nearer than
+ *  corvin_decoder_preroll() bytes is heard: files that lie farther away may be left out. Where the
+ *  neighbours have less than that there is silence.
+ *  @param source    left at an unspecified position, as are its neighbours; none is to be used
+ *                   meanwhile. The same file may come in several places
  *  @param settings  NULL: the defaults
  *  @param report    its `size` set; filled whenever the arguments are valid, for what came so far.
  *                   May be NULL
- *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_THREAD; CORVIN_E_UNSUPPORTED
- *           when there is no plan for the rates; the `readable` of the file's info; CORVIN_E_READ;
- *           CORVIN_E_WRITE when the sink did not go on; CORVIN_E_CANCELLED
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, also when a neighbour has another rate or other channels
+ *           or `previous` hold more than `first_sample` samples; CORVIN_E_MEMORY, CORVIN_E_THREAD;
+ *           CORVIN_E_UNSUPPORTED when there is no plan for the rates; the `readable` of the file's
+ *           info or a neighbour's; CORVIN_E_READ, of a neighbour too: of the sound before the
+ *           source's it comes before the sink has begun; CORVIN_E_WRITE when the sink did not go
+ *           on; CORVIN_E_CANCELLED
  *  Memory does not depend on the length. Since 0.1. */
 CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
                                      const corvin_pcm_sink* sink, corvin_convert_report* report);
@@ -298,8 +324,9 @@ CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_s
  *  @param target    without sound so far
  *  @param settings  NULL: the defaults
  *  @param report    as for corvin_convert_to_pcm()
- *  @return  CORVIN_OK; CORVIN_E_ARGUMENT (also when the channels differ), CORVIN_E_MEMORY,
- *           CORVIN_E_THREAD; CORVIN_E_UNSUPPORTED when there is no plan for the rates;
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT (also when the channels differ, or the settings tell of
+ *           neighbours or a place in a whole), CORVIN_E_MEMORY, CORVIN_E_THREAD;
+ *           CORVIN_E_UNSUPPORTED when there is no plan for the rates;
  *           CORVIN_E_STATE when the writer has sound already; CORVIN_E_READ when the source failed;
  *           CORVIN_E_WRITE, CORVIN_E_CANCELLED. After a failure the writer is not finished
  *  Memory does not depend on the length. Since 0.1. */
@@ -356,9 +383,10 @@ CORVIN_API int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* targe
 /** Copies a file's sound to a writer of the same rate and channel count, bit for bit, and finishes
  *  that. Tags are not copied: corvin_file_get_tags() and corvin_writer_set_tags() do that before.
  *  @param settings  its progress counts; NULL: none
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ), CORVIN_E_MEMORY,
- *           CORVIN_E_STATE when the writer has sound already; the `readable` of the file's info;
- *           CORVIN_E_READ, CORVIN_E_WRITE, CORVIN_E_CANCELLED: the writer is not finished
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ, or the settings tell
+ *           of neighbours or a place in a whole), CORVIN_E_MEMORY, CORVIN_E_STATE when the writer
+ *           has sound already; the `readable` of the file's info; CORVIN_E_READ, CORVIN_E_WRITE,
+ *           CORVIN_E_CANCELLED: the writer is not finished
  *  Since 0.1. */
 CORVIN_API int corvin_convert_copy(corvin_file* source, corvin_writer* target,
                                    const corvin_convert_settings* settings);

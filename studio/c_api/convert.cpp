@@ -22,6 +22,21 @@ bool adopt_settings(const corvin_convert_settings* settings, corvin_convert_sett
   return adopt(settings, known) || settings == nullptr;
 }
 
+// Settings for a conversion that has no use for what stands around its source.
+bool adopt_alone(const corvin_convert_settings* settings, corvin_convert_settings& known) {
+  return adopt_settings(settings, known) && known.previous_count == 0 && known.next_count == 0 &&
+         known.first_sample == 0;
+}
+
+int adopt_neighbours(const corvin_convert_settings& settings, const formats::SoundFile& file,
+                     Neighbours& around) {
+  const int status =
+      adopt_sounds(settings.previous, settings.previous_count, file, around.previous);
+  if (status != CORVIN_OK) return status;
+  if (!fits_before(around.previous, settings.first_sample)) return CORVIN_E_ARGUMENT;
+  return adopt_sounds(settings.next, settings.next_count, file, around.next);
+}
+
 bool valid(const corvin_convert_report* report) { return report == nullptr || is_sized(report); }
 
 // Runs a conversion and hands out the report.
@@ -118,8 +133,10 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
   }
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-    return corvin::studio::convert_to_pcm(*source->source, source->sound, known, known_sink,
-                                          result);
+    corvin::studio::Neighbours around;
+    const int status = corvin::studio::adopt_neighbours(known, source->sound, around);
+    if (status != CORVIN_OK) return status;
+    return corvin::studio::convert_to_pcm(*source->reader, around, known, known_sink, result);
   });
 }
 
@@ -134,7 +151,7 @@ int corvin_convert_to_dsd_tracks(const corvin_pcm_source* const* sources,
                                  corvin_convert_report* report) {
   corvin_convert_settings known;
   if (sources == nullptr || targets == nullptr || count == 0 ||
-      !corvin::studio::adopt_settings(settings, known) || !corvin::studio::valid(report)) {
+      !corvin::studio::adopt_alone(settings, known) || !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
   corvin::studio::Tracks tracks;
@@ -149,7 +166,7 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
                             const corvin_convert_settings* settings,
                             corvin_convert_report* report) {
   corvin_convert_settings known;
-  if (source == nullptr || target == nullptr || !corvin::studio::adopt_settings(settings, known) ||
+  if (source == nullptr || target == nullptr || !corvin::studio::adopt_alone(settings, known) ||
       !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
@@ -159,8 +176,8 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
   if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-    const int status = corvin::studio::convert_dsd_rate(*source->source, source->sound,
-                                                        *target->sound, known, result);
+    const int status =
+        corvin::studio::convert_dsd_rate(*source->reader, *target->sound, known, result);
     return corvin::studio::complete(*target, status, result.samples);
   });
 }
@@ -168,7 +185,7 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
 int corvin_convert_copy(corvin_file* source, corvin_writer* target,
                         const corvin_convert_settings* settings) {
   corvin_convert_settings known;
-  if (source == nullptr || target == nullptr || !corvin::studio::adopt_settings(settings, known)) {
+  if (source == nullptr || target == nullptr || !corvin::studio::adopt_alone(settings, known)) {
     return CORVIN_E_ARGUMENT;
   }
   if (!source->reader) return corvin::studio::status_of(source->sound.readable);

@@ -28,6 +28,29 @@ int status_of(formats::Readable readable) {
   return CORVIN_E_UNSUPPORTED;
 }
 
+int adopt_sounds(corvin_file* const* files, std::size_t count, const formats::SoundFile& file,
+                 Sounds& sounds) {
+  if (count > 0 && files == nullptr) return CORVIN_E_ARGUMENT;
+  for (std::size_t i = 0; i < count; ++i) {
+    corvin_file* one = files[i];
+    if (one == nullptr) return CORVIN_E_ARGUMENT;
+    if (!one->reader) return status_of(one->sound.readable);
+    if (one->sound.rate_hz != file.rate_hz || one->sound.channels != file.channels) {
+      return CORVIN_E_ARGUMENT;
+    }
+    sounds.push_back(&*one->reader);
+  }
+  return CORVIN_OK;
+}
+
+bool fits_before(const Sounds& previous, std::uint64_t first_sample) {
+  for (const formats::SoundReader* one : previous) {
+    if (one->file().samples > first_sample) return false;
+    first_sample -= one->file().samples;
+  }
+  return true;
+}
+
 namespace {
 
 int open_source(std::unique_ptr<formats::ByteSource> source, corvin_file** file) {

@@ -17,6 +17,7 @@
 #include "formats/sound_file.h"
 #include "formats/sound_reader.h"
 #include "formats/sound_writer.h"
+#include "studio/convert/neighbours.h"
 
 struct corvin_file {
   std::unique_ptr<corvin::formats::ByteSource> source;
@@ -38,6 +39,14 @@ namespace corvin::studio {
 
 /// CORVIN_OK when the sound can be read.
 int status_of(formats::Readable readable);
+
+/// A host's list of files, which go together with `file`. CORVIN_E_ARGUMENT when they do not, or
+/// the status of one that cannot be read. Throws std::bad_alloc.
+int adopt_sounds(corvin_file* const* files, std::size_t count, const formats::SoundFile& file,
+                 Sounds& sounds);
+
+/// Whether there is so much sound before a whole's sample `first_sample`.
+bool fits_before(const Sounds& previous, std::uint64_t first_sample);
 
 /// Completes the file of a writer that can be finished, as formats::SoundWriter does.
 int finish(corvin_writer& writer, std::uint64_t samples, bool goes_on);

@@ -87,9 +87,9 @@ int convert_to_dsd(std::span<const corvin_pcm_source> sources,
   return result;
 }
 
-int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file,
-                     formats::SoundWriter& target, const corvin_convert_settings& settings,
-                     corvin_convert_report& report) {
+int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
+                     const corvin_convert_settings& settings, corvin_convert_report& report) {
+  const formats::SoundFile& file = source.file();
   const auto from = dsd_family(file.rate_hz);
   const formats::SoundFormat& format = target.format();
   const auto to = dsd_family(format.rate_hz);
@@ -127,7 +127,7 @@ int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file
   sink.write = [](void* user, const void* frames, std::size_t count) {
     return static_cast<Encoding*>(user)->push(frames, count) == CORVIN_OK ? 0 : 1;
   };
-  int result = convert_to_pcm(source, file, decoding, sink, report);
+  int result = convert_to_pcm(source, {}, decoding, sink, report);
   if (result == CORVIN_OK) {
     // The PCM ends with the last whole frame, which may lie before the last sample.
     const std::vector<double> silence(format.channels);

@@ -10,7 +10,7 @@
 #include <span>
 
 #include "corvin.h"
-#include "formats/sound_file.h"
+#include "formats/sound_reader.h"
 #include "formats/sound_writer.h"
 #include "studio/convert/track_cuts.h"
 
@@ -24,9 +24,8 @@ int convert_to_dsd(std::span<const corvin_pcm_source> sources,
                    const corvin_convert_settings& settings, corvin_convert_report& report);
 
 /// As corvin_convert_dsd_rate(), in the same way, up to the last byte.
-int convert_dsd_rate(formats::ByteSource& source, const formats::SoundFile& file,
-                     formats::SoundWriter& target, const corvin_convert_settings& settings,
-                     corvin_convert_report& report);
+int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
+                     const corvin_convert_settings& settings, corvin_convert_report& report);
 
 }  // namespace corvin::studio
 

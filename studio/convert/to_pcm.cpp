@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "studio/convert/joined_sound.h"
 #include "studio/convert/read_ahead.h"
 #include "studio/decode/decoder.h"
 #include "studio/decode/decoder_settings.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr std::size_t kOutputBytes = 1 << 18;
 
-corvin_decoder_settings decoder_settings(const formats::SoundFile& file,
+corvin_decoder_settings decoder_settings(const formats::SoundFile& file, const Neighbours& around,
                                          const corvin_convert_settings& settings) {
   corvin_decoder_settings result = default_decoder_settings();
   result.dsd_rate = file.rate_hz;
@@ -34,6 +35,9 @@ corvin_decoder_settings decoder_settings(const formats::SoundFile& file,
   result.pass_hz = settings.pass_hz;
   result.stop_hz = settings.stop_hz;
   result.gain_db = settings.gain_db;
+  result.first_sample = settings.first_sample;
+  if (!around.previous.empty()) result.context |= CORVIN_CONTEXT_BEFORE;
+  if (!around.next.empty()) result.context |= CORVIN_CONTEXT_BEHIND;
   return result;
 }
 
@@ -49,7 +53,8 @@ class Conversion {
         frames_(std::max<std::size_t>(1, kOutputBytes / frame_bytes)),
         out_(frames_ * frame_bytes) {}
 
-  int run(ReadAhead& input) {
+  /// @param rest  comes behind `input`
+  int run(ReadAhead& input, JoinedSound& rest) {
     for (auto block = input.next(); !block.empty(); block = input.next()) {
       bytes_read_ += block.size();
       while (!block.empty()) {
@@ -61,11 +66,29 @@ class Conversion {
       if (!tell_progress()) return CORVIN_E_CANCELLED;
     }
     if (input.failed()) return CORVIN_E_READ;
+    while (const std::size_t bytes = rest.next()) {
+      bytes_read_ += bytes * channels_;
+      if (!push_planar(rest.places(), bytes)) return CORVIN_E_WRITE;
+      if (!tell_progress()) return CORVIN_E_CANCELLED;
+    }
+    if (rest.failed()) return CORVIN_E_READ;
     decoder_.finish();
     return drain() ? CORVIN_OK : CORVIN_E_WRITE;
   }
 
  private:
+  bool push_planar(const std::uint8_t* const* channels, std::size_t bytes) {
+    std::vector<const std::uint8_t*> places(channels, channels + channels_);
+    while (bytes > 0) {
+      std::size_t taken = 0;
+      decoder_.push_planar(places.data(), bytes, taken);
+      for (const std::uint8_t*& place : places) place += taken;
+      bytes -= taken;
+      if (!drain()) return false;
+    }
+    return true;
+  }
+
   // Hands over what is ready; after finish, everything.
   bool drain() {
     while (const std::size_t count = decoder_.pull(out_.data(), frames_)) {
@@ -76,7 +99,7 @@ class Conversion {
 
   bool tell_progress() const {
     if (settings_.progress == nullptr) return true;
-    // The padding of a last block counts for nothing.
+    // The neighbours count for nothing.
     const std::uint64_t done = std::min(bytes_read_ / channels_ * 8, samples_);
     return settings_.progress(settings_.progress_user, done, samples_) == 0;
   }
@@ -93,22 +116,31 @@ class Conversion {
 
 }  // namespace
 
-int convert_to_pcm(formats::ByteSource& source, const formats::SoundFile& file,
+int convert_to_pcm(formats::SoundReader& source, const Neighbours& neighbours,
                    const corvin_convert_settings& settings, const corvin_pcm_sink& sink,
                    corvin_convert_report& report) {
+  const formats::SoundFile& file = source.file();
+  // A decoder's length of 0 is no end: the neighbours of nothing would sound.
+  const Neighbours around = file.samples == 0 ? Neighbours() : neighbours;
   std::unique_ptr<Decoder> decoder;
-  const int status = Decoder::create(decoder_settings(file, settings), decoder);
+  int status = Decoder::create(decoder_settings(file, around, settings), decoder);
   if (status != CORVIN_OK) return status;
-  const corvin_pcm_format format = {sizeof format,   settings.pcm_rate,
-                                    file.channels,   file.speakers,
-                                    settings.format, decoder->frames_of(file.samples)};
+  status = seek_with_preroll(*decoder, source, around.previous, settings.first_sample);
+  if (status != CORVIN_OK) return status;
+  const std::uint64_t frames = decoder->frames_of(settings.first_sample + file.samples) -
+                               decoder->frames_of(settings.first_sample);
+  const corvin_pcm_format format = {sizeof format, settings.pcm_rate, file.channels,
+                                    file.speakers, settings.format,   frames};
   Conversion conversion(*decoder, settings, sink, decoder->frame_bytes(), file.channels,
                         file.samples);
-  // Without samples there may be padding all the same, which is not to sound.
-  const formats::ByteRange range = file.samples == 0 ? formats::ByteRange{} : file.sound;
-  ReadAhead input(source, range, settings.threads > 0);
+  // Whole blocks as they stand in the file; what pads a last one is not to sound.
+  const std::uint64_t whole = file.samples / 8 / file.block_bytes * file.block_bytes;
+  JoinedSound rest(rest_and_next(*decoder, source, whole, around.next), file.channels,
+                   settings.first_sample, file.lsb_first);
+  ReadAhead input(source.source(), {file.sound.offset, whole * file.channels},
+                  settings.threads > 0);
   if (sink.begin != nullptr && sink.begin(sink.user, &format) != 0) return CORVIN_E_WRITE;
-  const int result = conversion.run(input);
+  const int result = conversion.run(input, rest);
   corvin_decoder_report decoded = {};
   decoder->report(decoded);
   report.frames = decoded.frames;

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// A whole file's sound through a decoder to a sink.
+// A whole file's sound through a decoder to a sink, be the file a whole or a part of one.
 
 #ifndef CORVIN_STUDIO_CONVERT_TO_PCM_H_
 #define CORVIN_STUDIO_CONVERT_TO_PCM_H_
 
 #include "corvin.h"
-#include "formats/sound_file.h"
+#include "formats/sound_reader.h"
+#include "studio/convert/neighbours.h"
 
 namespace corvin::studio {
 
-/// As corvin_convert_to_pcm(), whose settings and sink are complete here; `report` is filled as far
-/// as it goes. Throws std::bad_alloc and std::system_error.
-int convert_to_pcm(formats::ByteSource& source, const formats::SoundFile& file,
+/// As corvin_convert_to_pcm(), whose settings and sink are complete here; the settings' neighbours
+/// are `neighbours`. `report` is filled as far as it goes. Throws std::bad_alloc and
+/// std::system_error.
+int convert_to_pcm(formats::SoundReader& source, const Neighbours& neighbours,
                    const corvin_convert_settings& settings, const corvin_pcm_sink& sink,
                    corvin_convert_report& report);
 

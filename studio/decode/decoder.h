@@ -45,6 +45,7 @@ class Decoder {
   std::uint64_t preroll(std::uint64_t sample) const;
   std::uint64_t latency() const;
   std::uint64_t frames_of(std::uint64_t samples) const;
+  const corvin_decoder_settings& settings() const { return settings_; }
   void report(corvin_decoder_report& report) const;
   std::string describe() const { return plan_.describe(); }
 
