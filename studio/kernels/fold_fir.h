@@ -29,6 +29,7 @@ using FoldFir = void (*)(const std::int32_t* rows, std::size_t columns, const do
 
 struct FoldFirVariant {
   InstructionSet set;
+  unsigned lanes = 1;  ///< columns of a vector; where rows are not whole vectors it is slow
   FoldFir run = nullptr;
 };
 

@@ -25,6 +25,6 @@ void run(const std::int32_t* rows, std::size_t columns, const double* half, std:
 
 }  // namespace
 
-extern const FoldFirVariant fold_fir_portable = {kPortable, run};
+extern const FoldFirVariant fold_fir_portable = {kPortable, 1, run};
 
 }  // namespace corvin::studio

@@ -16,14 +16,44 @@ std::vector<unsigned> radices_of(std::size_t points) {
   }
   // Eights as long as what they leave is not a lone 2.
   while (points > 1) {
-    const unsigned radix = points % 8 == 0 && points != 16 ? 8 : 4;
+    const unsigned radix = points == 2 ? 2 : points % 8 == 0 && points != 16 ? 8 : 4;
     radices.push_back(radix);
     points /= radix;
   }
   return radices;
 }
 
+// Operations of a pass for each point, twiddle factors included.
+std::size_t pass_work(unsigned radix) {
+  switch (radix) {
+    case 2:
+      return 5;
+    case 3:
+    case 4:
+      return 9;
+    case 5:
+      return 15;
+    case 7:
+      return 22;
+    default:
+      return 12;
+  }
+}
+
 }  // namespace
+
+bool has_fft_plan(std::size_t points) {
+  for (std::size_t prime : {2u, 3u, 5u, 7u}) {
+    while (points != 0 && points % prime == 0) points /= prime;
+  }
+  return points == 1;
+}
+
+std::size_t fft_work(std::size_t points) {
+  std::size_t work = 0;
+  for (unsigned radix : radices_of(points)) work += pass_work(radix) * points;
+  return work;
+}
 
 std::size_t FftPlan::position(std::size_t bin) const {
   std::size_t place = 0;

@@ -15,7 +15,7 @@
 namespace corvin::studio {
 
 struct FftStage {
-  unsigned radix;            ///< 3, 4, 5, 7 or 8
+  unsigned radix;            ///< 2, 3, 4, 5, 7 or 8
   std::size_t size;          ///< points of the sub-transform that this stage splits
   std::size_t sub_size;      ///< size / radix
   std::size_t twiddle_base;  ///< first of sub_size x (radix - 1) (cosine, sine) pairs
@@ -30,8 +30,13 @@ struct FftPlan {
   std::size_t position(std::size_t bin) const;
 };
 
-/// points = 3^a 5^b 7^c 2^d with d = 0, 2 or above.
+/// Whether there is a plan: points = 2^a 3^b 5^c 7^d.
+bool has_fft_plan(std::size_t points);
+
 FftPlan make_fft_plan(std::size_t points);
+
+/// Additions and multiplications of a transform, counted as those of its passes.
+std::size_t fft_work(std::size_t points);
 
 }  // namespace corvin::studio
 

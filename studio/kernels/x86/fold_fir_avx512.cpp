@@ -14,5 +14,5 @@
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const FoldFirVariant fold_fir_avx512 = {kAvx512, run};
+extern const FoldFirVariant fold_fir_avx512 = {kAvx512, kLanes, run};
 }
