@@ -39,7 +39,9 @@ std::uint64_t bytes_to(std::uint64_t end, const corvin_decoder_settings& setting
 
 int Decoder::create(const corvin_decoder_settings& settings, std::unique_ptr<Decoder>& decoder) {
   if (!in_range(settings)) return CORVIN_E_ARGUMENT;
-  const Kernels kernels = choose_kernels(settings.kernel_mask);
+  const Kernels kernels = settings.low_latency != 0
+                              ? choose_kernels(settings.kernel_mask, settings.channels)
+                              : choose_kernels(settings.kernel_mask);
   DecodePlanConfig config;
   config.dsd_rate = settings.dsd_rate;
   config.pcm_rate = settings.pcm_rate;
@@ -47,6 +49,7 @@ int Decoder::create(const corvin_decoder_settings& settings, std::unique_ptr<Dec
   config.stop_hz = settings.stop_hz;
   config.phase = settings.phase == CORVIN_MINIMUM_PHASE ? Phase::kMinimum : Phase::kLinear;
   config.lsb_first = settings.bit_order == CORVIN_LSB_FIRST;
+  config.low_latency = settings.low_latency != 0;
   config.row_stride_12 = kernels.bit_fir->row_stride_12;
   auto plan = make_decode_plan(config);
   if (!plan) return CORVIN_E_UNSUPPORTED;

@@ -12,15 +12,21 @@
 #include "studio/math/exact_math.h"
 #include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
+#include "studio/plan/short_transform.h"
 #include "studio/plan/spectral_shape.h"
 
 namespace corvin::studio {
 namespace {
 
 constexpr double kAttenuationDb = 160;
+// For short spans, where the cut at the last bin would ring to -149.9 dB.
+constexpr double kShortAttenuationDb = 162;
 // Rows on either side of the steep kernel for the spread that the correction of the droop adds to
 // it: without them the error at the spans' seams is -192 dB of full scale instead of -201.
 constexpr double kSpread = 20;
+// A minimum-phase kernel dies away behind the taps whose magnitude it has: on spans that end there
+// it would leave -146 dB of what it stops. The longest spans have the room anyway.
+constexpr double kMinimumLength = 1.2;
 // 50 % modulation is full scale.
 constexpr double kFullScale = 2.0;
 
@@ -145,8 +151,11 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   // Both families' transforms run at the DSD family's own multiple of 88.2k or 96k.
   const unsigned total = 1u << (dsd->doublings - pcm->doublings - 1);
   const double rate = static_cast<double>(config.dsd_rate) / total;
-  const TransformShape sizes = transform_shape(dsd->base, pcm->base);
+  TransformShape sizes = transform_shape(dsd->base, pcm->base);
   const Decimators stages = decimators(total, sizes.in == 147);
+  const std::vector<double> steep =
+      kaiser_low_pass(rate, config.pass_hz, config.stop_hz,
+                      config.low_latency ? kShortAttenuationDb : kAttenuationDb);
 
   const bool folds = stages.fold_decimation > 1;
   const double bit_rate = static_cast<double>(config.dsd_rate) / stages.bit_decimation;
@@ -171,35 +180,43 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
     plan.fold_taps = plan.fold_boxcars->taps();
   }
 
-  const std::vector<double> steep =
-      kaiser_low_pass(rate, config.pass_hz, config.stop_hz, kAttenuationDb);
   plan.steep_taps = steep.size();
-  plan.shape = make_spectral_shape(sizes.forward, sizes.inverse);
   const bool minimum = config.phase == Phase::kMinimum;
-  const std::vector<double> steep_bins = bin_response(steep, plan.shape.forward, config.phase);
-
+  const std::size_t grain = plan.bit_table.outputs_per_step;  // rows in a step, 1 unless few bits
   // Rows that an output needs before and after its own time.
   const double reach = static_cast<double>(steep.size() - 1);
-  const double past = (minimum ? reach : reach / 2) + kSpread;
+  const double tail = config.low_latency ? kMinimumLength * reach : reach;
+  const double past = (minimum ? tail : reach / 2) + kSpread;
   const double future = (minimum ? 0 : reach / 2) + kSpread;
+  if (config.low_latency) {
+    const auto overlap = static_cast<std::size_t>(std::ceil(past + future)) + grain + 1;
+    const TransformSizes small = short_transform(sizes.in, sizes.out, overlap, grain);
+    sizes.forward = small.forward;
+    sizes.inverse = small.inverse;
+  }
+  plan.shape = make_spectral_shape(sizes.forward, sizes.inverse);
+  const std::vector<double> steep_bins = bin_response(steep, plan.shape.forward, config.phase);
 
   // A row's time is that of the centre of the bits that made it, this many after the row's own.
   const double fold_taps = folds ? static_cast<double>(plan.fold_taps.size()) : 1.0;
   const double row_delay = (stages.bit_decimation * (fold_taps - 1) / 2 + stages.bit_decimation -
                             1 - static_cast<double>(plan.bit_taps.size() - 1) / 2) /
                            total;
-  const std::size_t grain = plan.bit_table.outputs_per_step;  // rows in a step, 1 unless few bits
-  const auto lead_rows =
+  auto lead_rows =
       (static_cast<std::size_t>(std::ceil(past + row_delay)) + grain - 1) / grain * grain;
-  const double first = static_cast<double>(lead_rows) - row_delay;
+  double first = static_cast<double>(lead_rows) - row_delay;
   const double ratio = static_cast<double>(sizes.in) / sizes.out;
-  plan.shape.first_row = static_cast<std::size_t>(std::floor(first / ratio));
-  const double ramp_rows = first - static_cast<double>(plan.shape.first_row) * ratio;
-
   const auto last = static_cast<std::size_t>(
       std::floor(static_cast<double>(sizes.forward) - 1 - future - first + ratio));
-  const std::size_t hop_rows =
-      last / std::lcm<std::size_t>(sizes.in, grain) * std::lcm<std::size_t>(sizes.in, grain);
+  const std::size_t unit = std::lcm<std::size_t>(sizes.in, grain);
+  const std::size_t hop_rows = last / unit * unit;
+  if (config.low_latency) {
+    // Rows too many for this hop and too few for the next one: nobody waits for those before.
+    lead_rows += (last - hop_rows) / grain * grain;
+    first = static_cast<double>(lead_rows) - row_delay;
+  }
+  plan.shape.first_row = static_cast<std::size_t>(std::floor(first / ratio));
+  const double ramp_rows = first - static_cast<double>(plan.shape.first_row) * ratio;
   plan.shape.hop = hop_rows / sizes.in * sizes.out;
   plan.hop_frames = plan.shape.hop;
   plan.hop_bytes = hop_rows * total / 8;

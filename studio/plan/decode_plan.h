@@ -34,6 +34,7 @@ struct DecodePlanConfig {
   double stop_hz = 0;  ///< closed from here; 0 = half the PCM rate; both 0: decoder_band()
   Phase phase = Phase::kLinear;
   bool lsb_first = false;
+  bool low_latency = false;     ///< short spans: another grid, twice the transforms' work
   unsigned row_stride_12 = 12;  ///< of the integer filter's table, see BitFirVariant
 };
 

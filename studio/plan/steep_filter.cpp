@@ -64,9 +64,11 @@ void make_minimum_phase(const FftPlan& plan, std::vector<double>& rows) {
 std::vector<double> bin_response(const std::vector<double>& taps, const FftPlan& plan,
                                  Phase phase) {
   const bool minimum = phase == Phase::kMinimum;
-  // The cepstrum of a steep filter is longer than its taps: on the transform's own grid it would
-  // fold back onto itself.
-  const std::size_t step = minimum ? 4 : 1;
+  // The cepstrum of a steep filter is many times as long as its taps: on the transform's own grid it
+  // would fold back onto itself.
+  constexpr std::size_t kCepstraPerTap = 11;
+  std::size_t step = minimum ? 4 : 1;
+  while (minimum && step * plan.points < kCepstraPerTap * taps.size()) step *= 2;
   const FftPlan finer = minimum ? make_fft_plan(step * plan.points) : FftPlan{};
   const FftPlan& grid = minimum ? finer : plan;
   const std::size_t points = grid.points;

@@ -133,9 +133,13 @@ TEST(Decoder, ChunksAndLayoutsDoNotChangeTheBytes) {
       std::vector<Bytes> sound;
       for (std::uint32_t c = 0; c < channels; ++c) sound.push_back(random.bytes(90001));
       settings.length = 90001 * 8 - 3;
-      const Bytes expected = decode(settings, layout(sound, 1));
-      ASSERT_FALSE(expected.empty());
-      EXPECT_TRUE(decode_planar(settings, sound, random) == expected) << channels << format;
+      Bytes expected[2];
+      for (std::uint32_t low : {0u, 1u}) {
+        settings.low_latency = low;
+        expected[low] = decode(settings, layout(sound, 1));
+        ASSERT_FALSE(expected[low].empty());
+        EXPECT_TRUE(decode_planar(settings, sound, random) == expected[low]) << channels << format;
+      }
 
       for (std::uint32_t block : {1u, 4u, 4096u, 100000u}) {
         settings.block_bytes = block;
@@ -143,7 +147,8 @@ TEST(Decoder, ChunksAndLayoutsDoNotChangeTheBytes) {
         for (std::uint32_t order : {CORVIN_MSB_FIRST, CORVIN_LSB_FIRST}) {
           settings.bit_order = order;
           Decoder decoder(settings);
-          EXPECT_TRUE(decode(decoder, settings, layout(sound, block, order), &random) == expected)
+          EXPECT_TRUE(decode(decoder, settings, layout(sound, block, order), &random) ==
+                      expected[settings.low_latency])
               << channels << " channels, format " << format << ", block " << block;
         }
       }
