@@ -435,6 +435,13 @@ class File {
   void seek(std::uint64_t sample) { check(corvin_file_seek(handle_.get(), sample)); }
   std::uint64_t tell() const { return corvin_file_tell(handle_.get()); }
 
+  /// Moves `decoder` to a sample and this file to what is to be pushed next.
+  void seek_decoder(Decoder& decoder, std::uint64_t sample,
+                    std::span<corvin_file* const> previous = {}) {
+    check(corvin_file_seek_decoder(handle_.get(), decoder.handle(), sample, previous.data(),
+                                   previous.size()));
+  }
+
   corvin_file* handle() const { return handle_.get(); }
 
  private:

@@ -212,6 +212,7 @@ CORVIN_API int corvin_decoder_reset(corvin_decoder* decoder);
  *  corvin_decoder_frames(sample), and all are bit for bit those of decoding from the start. The
  *  next byte to push is the one corvin_decoder_preroll() bytes before the one that holds the sample,
  *  or the stretch's first: see corvin_decoder. That much is taken before any frame comes out.
+ *  corvin_file_seek_decoder() does it all for a file.
  *  @param sample  of the whole, from `first_sample` to the end of `length`
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT; the decoder goes on as it was then
  *  Real time: without worker threads it never allocates, locks or blocks; pushing what comes before

@@ -140,6 +140,28 @@ CORVIN_API int corvin_file_seek(corvin_file* file, uint64_t sample);
 /** Returns the sample that the next byte read begins with; 0 for NULL. Since 0.1. */
 CORVIN_API uint64_t corvin_file_tell(const corvin_file* file);
 
+/** Goes on at a sample with a file and its decoder: moves the decoder there as
+ *  corvin_decoder_seek() does, feeds it all that it is to hear before the byte that holds the
+ *  sample, and moves the file to that byte. Pushing what is read from then on, in the decoder's bit
+ *  order, gives the frames from corvin_decoder_frames(sample) on, bit for bit those of decoding from
+ *  the start. The file's sound is the decoder's stretch: it begins with `first_sample`.
+ *
+ *  What is fed belongs to no block of the decoder's layout: the next byte pushed begins one. So
+ *  corvin_file_read() goes with corvin_decoder_push() for a `block_bytes` of 1, and
+ *  corvin_file_read_planar() with corvin_decoder_push_planar() for any.
+ *  @param sample    of the whole, from the decoder's `first_sample` to the file's end
+ *  @param previous  previous[previous_count]: for a decoder with CORVIN_CONTEXT_BEFORE the files
+ *                   before this one, the nearest one first, as for corvin_convert_to_pcm(); they
+ *                   are left at unspecified positions. What they lack is silence. NULL and 0: none
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, also when rate or channels of a file differ from the
+ *           decoder's, and for `previous` without that context or with more samples than
+ *           `first_sample`; the `readable` of a file's info: then nothing has moved.
+ *           CORVIN_E_READ, CORVIN_E_MEMORY: then both stand anywhere until they are moved again
+ *  Reads and pushes up to corvin_decoder_preroll() bytes of each channel, which is more than an
+ *  audio callback has time for. Since 0.1. */
+CORVIN_API int corvin_file_seek_decoder(corvin_file* file, corvin_decoder* decoder, uint64_t sample,
+                                        corvin_file* const* previous, size_t previous_count);
+
 /* ---- Writing --------------------------------------------------------------------------------- */
 
 /** What a file is to be. */

@@ -3,14 +3,11 @@
 //
 // The C functions of the decoder.
 
+#include "studio/c_api/decoder.h"
+
 #include <cstdint>
 
-#include "corvin.h"
-#include "studio/c_api/streaming.h"
-#include "studio/decode/decoder.h"
 #include "studio/decode/decoder_settings.h"
-
-struct corvin_decoder : corvin::studio::StreamingHandle<corvin::studio::Decoder> {};
 
 extern "C" {
 

@@ -10,6 +10,7 @@
 
 #include "formats/sound_tags.h"
 #include "studio/c_api/boundary.h"
+#include "studio/c_api/decoder.h"
 #include "studio/c_api/stream_bytes.h"
 
 namespace corvin::studio {
@@ -173,6 +174,29 @@ int corvin_file_seek(corvin_file* file, uint64_t sample) {
   const bool at_end = sample == file->sound.samples;
   file->reader->Seek(at_end ? file->sound.ChannelBytes() : sample / 8);
   return CORVIN_OK;
+}
+
+int corvin_file_seek_decoder(corvin_file* file, corvin_decoder* decoder, uint64_t sample,
+                             corvin_file* const* previous, size_t previous_count) {
+  if (file == nullptr || decoder == nullptr) return CORVIN_E_ARGUMENT;
+  const corvin::formats::SoundFile& sound = file->sound;
+  if (!file->reader) return corvin::studio::status_of(sound.readable);
+  const corvin_decoder_settings& settings = decoder->engine->settings();
+  const bool hears_before = (settings.context & CORVIN_CONTEXT_BEFORE) != 0;
+  if (settings.dsd_rate != sound.rate_hz || settings.channels != sound.channels ||
+      sample < settings.first_sample || sample - settings.first_sample > sound.samples ||
+      (previous_count > 0 && !hears_before)) {
+    return CORVIN_E_ARGUMENT;
+  }
+  return corvin::studio::guarded([&] {
+    corvin::studio::Sounds before;
+    const int status = corvin::studio::adopt_sounds(previous, previous_count, sound, before);
+    if (status != CORVIN_OK) return status;
+    if (!corvin::studio::fits_before(before, settings.first_sample)) {
+      return static_cast<int>(CORVIN_E_ARGUMENT);
+    }
+    return corvin::studio::seek_with_preroll(*decoder->engine, *file->reader, before, sample);
+  });
 }
 
 uint64_t corvin_file_tell(const corvin_file* file) {

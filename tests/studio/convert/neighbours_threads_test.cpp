@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Files that are parts of a whole: converted one by one with their neighbours they make what the
-// whole makes, bit for bit.
+// Files that are parts of a whole: converted one by one with their neighbours, or entered in their
+// middle, they make what the whole makes, bit for bit.
 
 #include <gtest/gtest.h>
 
@@ -175,6 +175,78 @@ TEST(ConvertNeighbours, TracksMakeTheWhole) {
       EXPECT_TRUE(all == expected);
     }
   }
+}
+
+// The whole from one of the last file's samples on, whatever the decoder's layout.
+TEST(ConvertNeighbours, AFileAndItsDecoderAreEnteredAnywhere) {
+  Random random(43);
+  constexpr std::uint32_t kChannels = 2;
+  constexpr std::uint64_t kFirst = 700011;
+  constexpr std::uint64_t kSamples = 250002;
+  const Sound sounds[] = {Sound(kChannels, kFirst - 3, random), Sound(kChannels, 3, random),
+                          Sound(kChannels, kSamples, random)};
+  Sound whole(kChannels, 0, random);
+  for (const Sound& sound : sounds) whole.append(sound);
+  MemoryFile joined(whole.file(CORVIN_DSF, 2822400));
+  MemoryFile files[] = {MemoryFile(sounds[0].file(CORVIN_DSF, 2822400)),
+                        MemoryFile(sounds[1].file(CORVIN_DSF, 2822400)),
+                        MemoryFile(sounds[2].file(CORVIN_DSF, 2822400))};
+  corvin_file* const previous[] = {files[1].handle(), files[0].handle()};
+
+  ConvertSettings conversion;
+  conversion.format = CORVIN_S16;
+  conversion.dither = CORVIN_DITHER_SHAPED;
+  const Bytes expected = converted(joined, conversion).bytes;
+  DecoderSettings settings;
+  settings.format = conversion.format;
+  settings.dither = conversion.dither;
+  settings.first_sample = kFirst;
+  settings.length = kSamples;
+  settings.context = CORVIN_CONTEXT_BEFORE;
+  for (const std::uint32_t block : {1u, 1000u}) {
+    for (const corvin_bit_order order : {CORVIN_MSB_FIRST, CORVIN_LSB_FIRST}) {
+      settings.block_bytes = block;
+      settings.bit_order = order;
+      Decoder decoder(settings);
+      for (const std::uint64_t offset : {0u, 1u, 7u, 30000u, 222222u, 250002u}) {
+        files[2].seek_decoder(decoder, kFirst + offset, previous);
+        EXPECT_EQ(files[2].tell(), offset / 8 * 8);
+        std::vector<Bytes> channels(kChannels);
+        const Bytes rest = read_all(files[2], CORVIN_MSB_FIRST);
+        for (std::size_t i = 0; i < rest.size(); ++i) channels[i % kChannels].push_back(rest[i]);
+        const Bytes out = decode(decoder, settings, layout(channels, block, order), &random);
+        const auto skipped =
+            static_cast<std::ptrdiff_t>(decoder.frames(kFirst + offset) * frame_bytes(settings));
+        EXPECT_TRUE(out == Bytes(expected.begin() + skipped, expected.end()))
+            << block << ", order " << order << ", " << offset;
+      }
+    }
+  }
+
+  Decoder decoder(settings);
+  const auto seek = [&](MemoryFile& file, std::uint64_t sample,
+                        std::span<corvin_file* const> before) {
+    return status_of([&] { file.seek_decoder(decoder, sample, before); });
+  };
+  files[2].seek(800);
+  corvin_file* const too_many[] = {files[1].handle(), files[1].handle(), files[0].handle()};
+  EXPECT_EQ(seek(files[2], kFirst - 1, previous), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(seek(files[2], kFirst + kSamples + 1, previous), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(seek(files[2], kFirst, too_many), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(files[2].tell(), 800u);
+  MemoryFile mono(Sound(1, 100, random).file(CORVIN_DSF, 2822400));
+  MemoryFile faster(Sound(2, 100, random).file(CORVIN_DSF, 5644800));
+  EXPECT_EQ(seek(mono, kFirst, {}), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(seek(faster, kFirst, {}), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(seek(files[1], kFirst + 5, {}), CORVIN_E_ARGUMENT);
+  MemoryFile failing(files[0].bytes);
+  failing.calls_left = 0;
+  corvin_file* const unread[] = {failing.handle()};
+  EXPECT_EQ(seek(files[2], kFirst, unread), CORVIN_E_READ);
+  settings.context = CORVIN_CONTEXT_NONE;
+  decoder = Decoder(settings);
+  EXPECT_EQ(seek(files[2], kFirst, previous), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(seek(files[2], kFirst, {}), CORVIN_OK);
 }
 
 // A neighbour that fails is no silence.
