@@ -41,4 +41,16 @@ try example_5_remux new.dff again.dsf dsf
 cmp new.dsf again.dsf && echo the same file again
 try example_5_remux note other.dsf dsf
 try example_5_remux short.dsf other.dff dff
+
+# From file to file as one stream; 100 ms into one as from there on.
+{ tail -c +2049 in.1bit; tail -c +2049 in.1bit; } | example_3_stream >joined.f32
+try example_6_player played.f32 in.dsf in.1bit
+cmp joined.f32 played.f32 && echo no gap
+try example_6_player late.f32 in.1bit +100 in.dsdiff in.dsf
+tail -c $((8 * (2 * 22050 - 8820))) joined.f32 >late
+tail -c $((8 * (2 * 22050 - 8820))) late.f32 | cmp - late && echo the same from there on
+try example_6_player none.f32 +251 in.dsf
+try example_6_player none.f32 in.dsf missing
+try example_6_player no/such/folder.f32 in.dsf
+
 list
