@@ -50,11 +50,11 @@ class Random {
 };
 
 inline std::uint8_t reversed(std::uint8_t byte) {
-  std::uint8_t result = 0;
-  for (int bit = 0; bit < 8; ++bit) {
-    if ((byte >> bit & 1) != 0) result = static_cast<std::uint8_t>(result | 0x80 >> bit);
-  }
-  return result;
+  unsigned bits = byte;
+  bits = bits >> 4 | (bits & 0x0f) << 4;
+  bits = (bits & 0xcc) >> 2 | (bits & 0x33) << 2;
+  bits = (bits & 0xaa) >> 1 | (bits & 0x55) << 1;
+  return static_cast<std::uint8_t>(bits);
 }
 
 /// What work ends with: CORVIN_OK, or the status of the error that it throws.
