@@ -23,7 +23,8 @@ NewFile::~NewFile() {
 bool NewFile::Open(const char* path) {
   target_ = path;
   struct stat status;
-  if (stat(path, &status) == 0) {
+  const bool is_there = stat(path, &status) == 0;
+  if (is_there) {
     if (!S_ISREG(status.st_mode)) {
       errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
       return false;
@@ -44,7 +45,7 @@ bool NewFile::Open(const char* path) {
     descriptor_ = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor_ >= 0) {
       temporary_ = std::move(name);
-      return true;
+      return !is_there || fchmod(descriptor_, status.st_mode & 07777) == 0;
     }
     if (errno != EEXIST) break;
   }
@@ -60,6 +61,13 @@ bool NewFile::Write(std::uint64_t offset, const void* from, std::size_t bytes) {
     place += written;
     offset += static_cast<std::uint64_t>(written);
     bytes -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
+bool NewFile::Sync() {
+  while (fsync(descriptor_) != 0) {
+    if (errno != EINTR) return false;
   }
   return true;
 }

@@ -23,11 +23,14 @@ class NewFile : public ByteSink {
   NewFile& operator=(const NewFile&) = delete;
 
   /// Begins a file that is to be called `path`; where that leads through symbolic links, the link
-  /// stays. False, with errno, when it cannot be made or the name is that of something else than a
-  /// regular file. Throws std::bad_alloc.
+  /// stays, and so does the mode of an older file. False, with errno, when it cannot be made or the
+  /// name is that of something else than a regular file. Throws std::bad_alloc.
   bool Open(const char* path);
 
   bool Write(std::uint64_t offset, const void* from, std::size_t bytes) override;
+
+  /// Waits until all that was written is on the disk.
+  bool Sync();
 
   /// Gives the file its name, in place of an older one.
   bool Commit();
