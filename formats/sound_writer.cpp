@@ -100,7 +100,7 @@ bool SoundWriter::Flush(std::size_t bytes) {
   return true;
 }
 
-bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3, bool goes_on) {
+bool SoundWriter::Finish(std::uint64_t samples, const ContainerTags& tags, bool goes_on) {
   const auto whole = static_cast<std::size_t>(WholeBlocks(held_));
   for (std::size_t c = 0; c < format_.channels && held_ > 0; ++c) {
     if (!goes_on) SilenceBehind(samples, lsb_first_, Held(c, held_ - 1));
@@ -109,17 +109,13 @@ bool SoundWriter::Finish(std::uint64_t samples, ByteSpan id3, bool goes_on) {
   }
   if (!Flush(whole)) return false;
 
-  Fields tail(ByteOrder::kBig);
-  const std::string_view tag(reinterpret_cast<const char*>(id3.data()), id3.size());
-  if (format_.kind == kDsf) tail.Text(tag);
-  if (format_.kind == kDsdiff) {
-    tail.Number(0, SoundBytes() % 2 != 0 ? 1 : 0);
-    if (!tag.empty()) tail.Text("ID3 ").Number(tag.size(), 8).Text(tag);
-    tail.Number(0, tag.size() % 2 != 0 ? 1 : 0);
-  }
-  const std::vector<std::uint8_t> end = tail.Take();
+  std::vector<std::uint8_t> end;
+  if (format_.kind == kDsf) end = tags.id3;
+  if (format_.kind == kDsdiff) end = DsdiffTagChunks(tags);
+  const std::size_t tag_bytes = end.size();
+  if (format_.kind == kDsdiff && SoundBytes() % 2 != 0) end.insert(end.begin(), 0);
   if (!end.empty() && !sink_.Write(offset_, end.data(), end.size())) return false;
-  const std::vector<std::uint8_t> header = Header(samples, id3.size());
+  const std::vector<std::uint8_t> header = Header(samples, tag_bytes);
   return sink_.Write(0, header.data(), header.size());
 }
 
@@ -133,23 +129,23 @@ std::uint64_t SoundWriter::SoundBytes() const {
 }
 
 std::vector<std::uint8_t> SoundWriter::Header(std::uint64_t samples,
-                                              std::uint64_t id3_bytes) const {
+                                              std::uint64_t tag_bytes) const {
   switch (format_.kind) {
     case kDsf:
-      return DsfHeader(samples, id3_bytes);
+      return DsfHeader(samples, tag_bytes);
     case kDsdiff:
-      return DsdiffHeader(id3_bytes);
+      return DsdiffHeader(tag_bytes);
     default:
       return OneBitHeader();
   }
 }
 
 std::vector<std::uint8_t> SoundWriter::DsfHeader(std::uint64_t samples,
-                                                 std::uint64_t id3_bytes) const {
+                                                 std::uint64_t tag_bytes) const {
   constexpr std::uint64_t kSoundOffset = 92;
   const std::uint64_t end = kSoundOffset + SoundBytes();
   Fields out(ByteOrder::kLittle);
-  out.Text("DSD ").Number(28, 8).Number(end + id3_bytes, 8).Number(id3_bytes != 0 ? end : 0, 8);
+  out.Text("DSD ").Number(28, 8).Number(end + tag_bytes, 8).Number(tag_bytes != 0 ? end : 0, 8);
   out.Text("fmt ").Number(52, 8).Number(1, 4).Number(0, 4);
   out.Number(DsfTypeOf(format_.speakers, format_.channels), 4).Number(format_.channels, 4);
   out.Number(format_.rate_hz, 4).Number(1, 4).Number(samples, 8).Number(kDsfBlockBytes, 4);
@@ -158,7 +154,7 @@ std::vector<std::uint8_t> SoundWriter::DsfHeader(std::uint64_t samples,
   return out.Take();
 }
 
-std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t id3_bytes) const {
+std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t tag_bytes) const {
   const std::string names = DsdiffNames(format_.speakers, format_.channels);
   Fields properties(ByteOrder::kBig);
   properties.Text("SND ");
@@ -169,9 +165,8 @@ std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t id3_bytes) con
   properties.Text("not compressed").Number(0, 1);
   const std::vector<std::uint8_t> body = properties.Take();
   const std::uint64_t sound = SoundBytes();
-  const std::uint64_t tag = id3_bytes == 0 ? 0 : 12 + id3_bytes + id3_bytes % 2;
   Fields out(ByteOrder::kBig);
-  out.Text("FRM8").Number(4 + 16 + 12 + body.size() + 12 + sound + sound % 2 + tag, 8);
+  out.Text("FRM8").Number(4 + 16 + 12 + body.size() + 12 + sound + sound % 2 + tag_bytes, 8);
   out.Text("DSD ").Text("FVER").Number(4, 8).Number(0x01050000, 4);
   out.Text("PROP").Number(body.size(), 8);
   out.Text({reinterpret_cast<const char*>(body.data()), body.size()});

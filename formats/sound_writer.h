@@ -14,7 +14,7 @@
 #include "formats/bytes/block_layout.h"
 #include "formats/bytes/byte_source.h"
 #include "formats/container.h"
-#include "formats/tags/tag_text.h"
+#include "formats/container_tags.h"
 
 namespace corvin::formats {
 
@@ -45,9 +45,9 @@ class SoundWriter {
   /// Completes the file.
   /// @param samples  per channel, at most what was written, and in its last byte unless the sound
   ///                 goes on. DSF alone states it; in the others silence fills the last byte
-  /// @param id3      an ID3v2 block or nothing; not for kOneBit
+  /// @param tags     none for kOneBit
   /// @param goes_on  in another file: what was written behind the samples stays
-  bool Finish(std::uint64_t samples, ByteSpan id3, bool goes_on = false);
+  bool Finish(std::uint64_t samples, const ContainerTags& tags, bool goes_on = false);
 
   /// How much `bytes` bytes of a channel are with their last block filled up.
   std::uint64_t WholeBlocks(std::uint64_t bytes) const;
@@ -58,9 +58,9 @@ class SoundWriter {
  private:
   std::uint8_t& Held(std::size_t channel, std::size_t byte);
   bool Flush(std::size_t bytes);
-  std::vector<std::uint8_t> Header(std::uint64_t samples, std::uint64_t id3_bytes) const;
-  std::vector<std::uint8_t> DsfHeader(std::uint64_t samples, std::uint64_t id3_bytes) const;
-  std::vector<std::uint8_t> DsdiffHeader(std::uint64_t id3_bytes) const;
+  std::vector<std::uint8_t> Header(std::uint64_t samples, std::uint64_t tag_bytes) const;
+  std::vector<std::uint8_t> DsfHeader(std::uint64_t samples, std::uint64_t tag_bytes) const;
+  std::vector<std::uint8_t> DsdiffHeader(std::uint64_t tag_bytes) const;
   std::vector<std::uint8_t> OneBitHeader() const;
   std::uint64_t SoundBytes() const;
 

@@ -304,6 +304,146 @@ class Tags : public DSD_TAG {
   void forget() noexcept { static_cast<DSD_TAG&>(*this) = {}; }
 };
 
+/// A picture of a TagSet; what it points to lives until that changes.
+struct Picture {
+  std::uint32_t type = 3;  // front cover
+  std::string mime;
+  std::string description;
+  std::span<const std::byte> data;
+};
+
+/// A frame of a TagSet; what it points to lives until that changes.
+struct TagFrame {
+  std::string id;
+  std::span<const std::byte> data;
+};
+
+/// All of a tag: named fields, pictures and other frames.
+class TagSet {
+ public:
+  TagSet() {
+    corvin_tags* made = nullptr;
+    check(corvin_tags_create(&made));
+    handle_.reset(made);
+  }
+
+  void clear() { corvin_tags_clear(handle_.get()); }
+
+  void read_id3(std::span<const std::byte> block) {
+    check(corvin_tags_read_id3(handle_.get(), block.data(), block.size()));
+  }
+  std::vector<std::byte> write_id3(corvin_id3_form form = CORVIN_ID3_AS_READ) const {
+    std::size_t bytes = 0;
+    check(corvin_tags_write_id3(handle_.get(), form, nullptr, 0, &bytes));
+    std::vector<std::byte> block(bytes);
+    check(corvin_tags_write_id3(handle_.get(), form, block.data(), block.size(), &bytes));
+    return block;
+  }
+
+  /// Gives the file at `path` these tags.
+  void save(const char* path, corvin_id3_form form = CORVIN_ID3_AS_READ) const {
+    check(corvin_tags_save(handle_.get(), path, form));
+  }
+
+  /// One line for each.
+  std::string losses(corvin_id3_form form) const {
+    return detail::text_from([&](char* text, std::size_t size) {
+      return corvin_tags_losses(handle_.get(), form, text, size);
+    });
+  }
+  std::vector<std::string> warnings() const {
+    std::vector<std::string> all;
+    for (std::uint32_t i = 0; const char* one = corvin_tags_warning(handle_.get(), i); ++i) {
+      all.emplace_back(one);
+    }
+    return all;
+  }
+
+  bool empty() const {
+    return corvin_tags_fields(handle_.get()) == 0 && corvin_tags_pictures(handle_.get()) == 0 &&
+           corvin_tags_frames(handle_.get()) == 0;
+  }
+
+  /// The fields' names.
+  std::vector<std::string> names() const {
+    std::vector<std::string> all(corvin_tags_fields(handle_.get()));
+    for (std::uint32_t i = 0; i < all.size(); ++i) all[i] = corvin_tags_name(handle_.get(), i);
+    return all;
+  }
+  std::vector<std::string> values(const std::string& name) const {
+    std::vector<std::string> all(corvin_tags_values(handle_.get(), name.c_str()));
+    for (std::uint32_t i = 0; i < all.size(); ++i) {
+      all[i] = corvin_tags_value(handle_.get(), name.c_str(), i);
+    }
+    return all;
+  }
+  /// The first value; empty when there is none.
+  std::string value(const std::string& name) const {
+    const char* first = corvin_tags_value(handle_.get(), name.c_str(), 0);
+    return first == nullptr ? "" : first;
+  }
+  /// Empty when it is not known.
+  std::string language(const std::string& name, std::uint32_t value = 0) const {
+    const char* code = corvin_tags_language(handle_.get(), name.c_str(), value);
+    return code == nullptr ? "" : code;
+  }
+
+  void set(const std::string& name, const std::string& value) {
+    check(corvin_tags_set(handle_.get(), name.c_str(), value.c_str()));
+  }
+  void add(const std::string& name, const std::string& value, const std::string& language = {}) {
+    check(corvin_tags_add(handle_.get(), name.c_str(), value.c_str(), language.c_str()));
+  }
+  void remove(const std::string& name) { check(corvin_tags_remove(handle_.get(), name.c_str())); }
+
+  std::vector<Picture> pictures() const {
+    std::vector<Picture> all(corvin_tags_pictures(handle_.get()));
+    for (std::uint32_t i = 0; i < all.size(); ++i) {
+      corvin_picture one = {};
+      one.size = sizeof one;
+      check(corvin_tags_get_picture(handle_.get(), i, &one));
+      all[i] = {one.type,
+                one.mime,
+                one.description,
+                {static_cast<const std::byte*>(one.data), one.bytes}};
+    }
+    return all;
+  }
+  void add_picture(const Picture& picture) {
+    corvin_picture one = {};
+    one.size = sizeof one;
+    one.type = picture.type;
+    one.mime = picture.mime.c_str();
+    one.description = picture.description.c_str();
+    one.data = picture.data.data();
+    one.bytes = picture.data.size();
+    check(corvin_tags_add_picture(handle_.get(), &one));
+  }
+  void remove_picture(std::uint32_t index) {
+    check(corvin_tags_remove_picture(handle_.get(), index));
+  }
+
+  std::vector<TagFrame> frames() const {
+    std::vector<TagFrame> all(corvin_tags_frames(handle_.get()));
+    for (std::uint32_t i = 0; i < all.size(); ++i) {
+      corvin_tag_frame one = {};
+      one.size = sizeof one;
+      check(corvin_tags_get_frame(handle_.get(), i, &one));
+      all[i] = {one.id, {static_cast<const std::byte*>(one.data), one.bytes}};
+    }
+    return all;
+  }
+  void remove_frame(std::uint32_t index) { check(corvin_tags_remove_frame(handle_.get(), index)); }
+
+  corvin_tags* handle() const { return handle_.get(); }
+
+ private:
+  struct Destroy {
+    void operator()(corvin_tags* tags) const { corvin_tags_destroy(tags); }
+  };
+  std::unique_ptr<corvin_tags, Destroy> handle_;
+};
+
 struct Genre {
   int number;  // of ID3v1
   std::string_view name;
@@ -419,6 +559,12 @@ class File {
   /// DSDTagClear() releases what `tag`, zero before its first use, holds afterwards.
   void tags(DSD_TAG& tag) { check(corvin_file_get_tags(handle_.get(), &tag)); }
 
+  TagSet all_tags() {
+    TagSet tags;
+    check(corvin_file_get_all_tags(handle_.get(), tags.handle()));
+    return tags;
+  }
+
   /// Returns the bytes of each channel that were read.
   std::size_t read(void* to, std::size_t bytes, corvin_bit_order order = CORVIN_MSB_FIRST) {
     std::size_t done = 0;
@@ -478,6 +624,9 @@ class Writer {
     check(corvin_writer_write_planar(handle_.get(), channels.data(), bytes));
   }
   void set_tags(const DSD_TAG& tag) { check(corvin_writer_set_tags(handle_.get(), &tag)); }
+  void set_all_tags(const TagSet& tags, corvin_id3_form form = CORVIN_ID3_AS_READ) {
+    check(corvin_writer_set_all_tags(handle_.get(), tags.handle(), form));
+  }
   void finish(std::uint64_t samples) { check(corvin_writer_finish(handle_.get(), samples)); }
 
   corvin_writer* handle() const { return handle_.get(); }

@@ -117,6 +117,14 @@ CORVIN_API const char* corvin_file_problem(const corvin_file* file);
  *  Since 0.1. */
 CORVIN_API int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag);
 
+/** Reads all tags, of any version of ID3v2; of DSDIFF files also names and general comments that no
+ *  block has. What is odd about them corvin_tags_warning() tells.
+ *  @param tags  its content is replaced
+ *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT; CORVIN_E_MEMORY, CORVIN_E_READ:
+ *           without content
+ *  Since 0.1. */
+CORVIN_API int corvin_file_get_all_tags(corvin_file* file, corvin_tags* tags);
+
 /** Reads sound, one byte of each channel in turn.
  *  @param to         room for bytes x channels bytes
  *  @param bytes      of each channel
@@ -214,6 +222,16 @@ CORVIN_API int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* 
  *  Since 0.1. */
 CORVIN_API int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag);
 
+/** Sets the tags that finish will write: an ID3v2 block, and in DSDIFF files title and artist as
+ *  edited master information too. `tags` are not needed any more afterwards.
+ *  @param form  corvin_id3_form
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish;
+ *           CORVIN_E_UNSUPPORTED, and there will be no tags, for "1bit" files unless the tags are
+ *           without content, and for more than the 256 MiB that a block can state
+ *  Since 0.1. */
+CORVIN_API int corvin_writer_set_all_tags(corvin_writer* writer, const corvin_tags* tags,
+                                          uint32_t form);
+
 /** Completes the file.
  *  @param samples  per channel: above 8 x (bytes - 1) and up to 8 x bytes of the bytes written of
  *                  each channel. DSF states the number; DSDIFF and "1bit" know bytes only, the last
@@ -225,6 +243,21 @@ CORVIN_API int corvin_writer_finish(corvin_writer* writer, uint64_t samples);
 /** Ends a writer. Without a finish before, a file that was given by its path is gone. NULL is
  *  ignored. Since 0.1. */
 CORVIN_API void corvin_writer_close(corvin_writer* writer);
+
+/* ---- Tags of a file that is there ------------------------------------------------------------ */
+
+/** Gives a DSF or DSDIFF file other tags. The file is written anew beside the old one, everything
+ *  but its tags as it stands, and takes its name when it is complete on the disk: any failure
+ *  leaves the old file as it was.
+ *  @param tags  without content: the file is to have no tags
+ *  @param path  not read-only. Through symbolic links; the mode stays, owner and further names not
+ *  @param form  corvin_id3_form
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_READ as corvin_file_open();
+ *           CORVIN_E_FORMAT for no DSD file, and one whose chunks do not add up (copying its sound
+ *           to a new file mends that); CORVIN_E_UNSUPPORTED for "1bit" files, and for more than the
+ *           256 MiB that a block can state; CORVIN_E_WRITE
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_save(const corvin_tags* tags, const char* path, uint32_t form);
 
 /* ---- Whole conversions ----------------------------------------------------------------------- */
 

@@ -2,14 +2,17 @@
  * Copyright (c) 2026 The Corvin developers */
 
 /** @file corvin_tags.h
- *  Tags of DSD files: the record that holds them, ID3v2.3 blocks and the genres. Both engines use
- *  it; corvin_file_get_tags() and corvin_writer_set_tags() stand in corvin_studio_files.h. The
- *  conventions are those of corvin.h. */
+ *  Tags of DSD files. There are two ways of having them: a corvin_tags holds all that a tag can
+ *  say; the record DSD_TAG, which the flat functions fill, has room for some short texts. Here are
+ *  also ID3v2.3 blocks of the record, and the genres. What takes tags from files and brings them
+ *  there stands in corvin_studio_files.h. The conventions are those of corvin.h, those of a
+ *  corvin_tags, with its status codes, are those of corvin_studio.h. */
 
 #ifndef CORVIN_TAGS_H_
 #define CORVIN_TAGS_H_
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
@@ -18,6 +21,165 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* ---- All of a tag ---------------------------------------------------------------------------- */
+
+/** Named fields with any number of values each, pictures, and the ID3v2 frames that are neither.
+ *
+ *  - Names are those of Vorbis comments ("TITLE", "ALBUMARTIST"; docs/tags.md lists them), in
+ *    UTF-8; letters of either case mean the same. Any other name is a field too. "COMMENT",
+ *    "LYRICS" and "URL" may have a description behind a colon: "COMMENT:description".
+ *  - Values are UTF-8 and not empty. Those of comments and lyrics may have a language.
+ *  - Fields, values, pictures and frames count from 0, in the order of their coming. What a
+ *    function returns of them lives until the tags change.
+ *  - One caller at a time for each object; objects are independent. */
+typedef struct corvin_tags corvin_tags;
+
+/** What an ID3v2 block is to look like. */
+typedef enum corvin_id3_form {
+  CORVIN_ID3_AS_READ =
+      0,              /**< the block that the tags were read from, byte for byte, as long as they
+                               are what that block holds; else CORVIN_ID3_V24 */
+  CORVIN_ID3_V23 = 3, /**< version 2.3, its texts in UTF-16, several values joined by "/" */
+  CORVIN_ID3_V24 = 4  /**< version 2.4, its texts in UTF-8 */
+} corvin_id3_form;
+
+/** A picture of a tag. */
+typedef struct corvin_picture {
+  size_t size;             /**< sizeof(corvin_picture), set by the caller */
+  uint32_t type;           /**< ID3 picture type, 0..20; 3 = front cover, 4 = back cover */
+  uint32_t reserved0;      /**< 0 */
+  const char* mime;        /**< MIME type; "-->": the data is an address. NULL: "" */
+  const char* description; /**< UTF-8. NULL: "" */
+  const void* data;        /**< data[bytes], the picture file */
+  size_t bytes;
+} corvin_picture;
+
+/** An ID3v2 frame that is no field and no picture. */
+typedef struct corvin_tag_frame {
+  size_t size;      /**< sizeof(corvin_tag_frame), set by the caller */
+  char id[8];       /**< four characters, terminated */
+  const void* data; /**< data[bytes], its content as it stands */
+  size_t bytes;
+} corvin_tag_frame;
+
+/** Makes tags without content.
+ *  @param tags  receives the handle, NULL on failure
+ *  @return      CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_create(corvin_tags** tags);
+
+/** Ends a handle. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_tags_destroy(corvin_tags* tags);
+
+/** Takes everything out. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_tags_clear(corvin_tags* tags);
+
+/** Replaces the content by that of an ID3v2 block of version 2.2, 2.3 or 2.4, in any encoding,
+ *  unsynchronised or not. Values end at zero bytes; a slash separates none, but for the totals of
+ *  tracks, discs and movements. Genres by number become names. Frames that are compressed,
+ *  encrypted or not known are kept as they are.
+ *  @param block  block[bytes]; what lies behind the block is ignored
+ *  @return       CORVIN_OK, also for a damaged block, of which as much is read as makes sense (see
+ *                corvin_tags_warning()); CORVIN_E_FORMAT when no block of these versions begins
+ *                there, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY: without content
+ *  Memory: three times the block at most. Of more than 16384 frames or 4096 values the rest is left
+ *  out, with a warning.
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_read_id3(corvin_tags* tags, const void* block, size_t bytes);
+
+/** Makes an ID3v2 block.
+ *  @param form   corvin_id3_form
+ *  @param to     room for `size` bytes; NULL when only the number is wanted
+ *  @param bytes  receives the size of the block; 0 for tags without content
+ *  @return       CORVIN_OK, CORVIN_E_ARGUMENT (also when `size` is too small, `bytes` is set then),
+ *                CORVIN_E_MEMORY; CORVIN_E_UNSUPPORTED when it would exceed the 256 MiB that a
+ *                block can state
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_write_id3(const corvin_tags* tags, uint32_t form, void* to, size_t size,
+                                     size_t* bytes);
+
+/** Describes what a block would not give back as it is, one line each: "DATE: "1993-07" becomes
+ *  "1993"". Nothing for CORVIN_ID3_V24 but in odd cases.
+ *  @param form  corvin_id3_form
+ *  @param text  receives as much as fits, terminated; NULL when `size` is 0
+ *  @return      the length of the whole description, CORVIN_E_ARGUMENT or CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_losses(const corvin_tags* tags, uint32_t form, char* text, size_t size);
+
+/** Returns a sentence without subject on something in what was read that could not be taken as it
+ *  is; NULL from their number on. Since 0.1. */
+CORVIN_API const char* corvin_tags_warning(const corvin_tags* tags, uint32_t index);
+
+/** Returns the number of fields; 0 for NULL. Since 0.1. */
+CORVIN_API uint32_t corvin_tags_fields(const corvin_tags* tags);
+
+/** Returns the name of a field; NULL when there is none of that number. Since 0.1. */
+CORVIN_API const char* corvin_tags_name(const corvin_tags* tags, uint32_t field);
+
+/** Returns the number of a field's values; 0 when there is no such field. Since 0.1. */
+CORVIN_API uint32_t corvin_tags_values(const corvin_tags* tags, const char* name);
+
+/** Returns a value of a field; NULL when there is none. Since 0.1. */
+CORVIN_API const char* corvin_tags_value(const corvin_tags* tags, const char* name, uint32_t value);
+
+/** Returns the language of a value, an ISO 639-2 code; "" when it is not known, NULL when there is
+ *  no such value. Since 0.1. */
+CORVIN_API const char* corvin_tags_language(const corvin_tags* tags, const char* name,
+                                            uint32_t value);
+
+/** Gives a field one value in place of all it had, the language of the first of them included.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also for an empty name or value and what is not UTF-8),
+ *           CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_set(corvin_tags* tags, const char* name, const char* value);
+
+/** Adds a value to a field, which is made if need be. One that it has is not added again.
+ *  @param language  three characters, for comments and lyrics alone; NULL or "": not known
+ *  @return  as corvin_tags_set()
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_add(corvin_tags* tags, const char* name, const char* value,
+                               const char* language);
+
+/** Removes a field; no such field is no error.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_remove(corvin_tags* tags, const char* name);
+
+/** Returns the number of pictures; 0 for NULL. Since 0.1. */
+CORVIN_API uint32_t corvin_tags_pictures(const corvin_tags* tags);
+
+/** Tells a picture.
+ *  @param picture  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when there is none of that number)
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_get_picture(const corvin_tags* tags, uint32_t index,
+                                       corvin_picture* picture);
+
+/** Adds a copy of a picture.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_add_picture(corvin_tags* tags, const corvin_picture* picture);
+
+/** Removes a picture.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when there is none of that number)
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_remove_picture(corvin_tags* tags, uint32_t index);
+
+/** Returns the number of frames that are kept; 0 for NULL. Since 0.1. */
+CORVIN_API uint32_t corvin_tags_frames(const corvin_tags* tags);
+
+/** Tells a frame.
+ *  @param frame  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when there is none of that number)
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_get_frame(const corvin_tags* tags, uint32_t index,
+                                     corvin_tag_frame* frame);
+
+/** Removes a frame.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when there is none of that number)
+ *  Since 0.1. */
+CORVIN_API int corvin_tags_remove_frame(corvin_tags* tags, uint32_t index);
 
 /* ---- The record ---------------------------------------------------------------------------- */
 

@@ -12,6 +12,7 @@
 #include "studio/c_api/boundary.h"
 #include "studio/c_api/decoder.h"
 #include "studio/c_api/stream_bytes.h"
+#include "studio/c_api/tags.h"
 
 namespace corvin::studio {
 
@@ -146,6 +147,18 @@ int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag) {
   DSDTagClear(tag);
   return corvin::studio::guarded([&] {
     corvin::formats::ReadSoundTags(*file->source, file->sound, *tag);
+    return CORVIN_OK;
+  });
+}
+
+int corvin_file_get_all_tags(corvin_file* file, corvin_tags* tags) {
+  if (file == nullptr || tags == nullptr) return CORVIN_E_ARGUMENT;
+  corvin_tags_clear(tags);
+  return corvin::studio::guarded([&]() -> int {
+    corvin::formats::HeldTags held;
+    corvin::formats::ReadSoundTags(*file->source, file->sound, held);
+    if (file->source->failed()) return CORVIN_E_READ;
+    static_cast<corvin::formats::HeldTags&>(*tags) = std::move(held);
     return CORVIN_OK;
   });
 }

@@ -9,11 +9,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "corvin.h"
 #include "formats/bytes/byte_source.h"
 #include "formats/bytes/new_file.h"
+#include "formats/container_tags.h"
 #include "formats/sound_file.h"
 #include "formats/sound_reader.h"
 #include "formats/sound_writer.h"
@@ -30,7 +30,7 @@ struct corvin_writer {
   corvin::formats::NewFile* new_file = nullptr;  // the sink, when it is one
   corvin_writer_settings settings;
   std::optional<corvin::formats::SoundWriter> sound;
-  std::vector<std::uint8_t> tags;
+  corvin::formats::ContainerTags tags;
   bool failed = false;
   bool finished = false;
 };

@@ -10,6 +10,7 @@
 #include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
 #include "studio/c_api/stream_bytes.h"
+#include "studio/c_api/tags.h"
 
 namespace corvin::studio {
 namespace {
@@ -124,8 +125,21 @@ int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag) {
   if (writer == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
   if (writer->finished) return CORVIN_E_STATE;
   return corvin::studio::guarded([&] {
-    writer->tags = corvin::formats::MakeId3Block(*tag);
+    writer->tags = {};
+    writer->tags.id3 = corvin::formats::MakeId3Block(*tag);
     return CORVIN_OK;
+  });
+}
+
+int corvin_writer_set_all_tags(corvin_writer* writer, const corvin_tags* tags, uint32_t form) {
+  if (writer == nullptr || tags == nullptr) return CORVIN_E_ARGUMENT;
+  if (writer->finished) return CORVIN_E_STATE;
+  return corvin::studio::guarded([&]() -> int {
+    writer->tags = {};
+    if (writer->settings.container == CORVIN_ONE_BIT) {
+      return tags->set.IsEmpty() ? CORVIN_OK : CORVIN_E_UNSUPPORTED;
+    }
+    return corvin::studio::container_tags(*tags, form, writer->tags);
   });
 }
 
