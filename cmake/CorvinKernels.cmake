@@ -25,6 +25,10 @@ function(corvin_type_name name result)
   set(${result} "${type}" PARENT_SCOPE)
 endfunction()
 
+# For the thread sanitizer: what the kernels read and write is handed to them by code that it watches,
+# and watched themselves they would take most of its time.
+set(CORVIN_KERNEL_FLAGS "" CACHE STRING "More compiler flags for the kernels, after all others")
+
 function(corvin_list_kernels folder)
   set(kernels "${PROJECT_SOURCE_DIR}/${folder}/kernels")
   set(directory "${PROJECT_BINARY_DIR}/${folder}_kernels")
@@ -68,5 +72,7 @@ function(corvin_list_kernels folder)
     list(APPEND sources "${directory}/${kernel}_builds.cpp")
   endforeach()
   set_target_properties(corvin_${folder} PROPERTIES SOURCES "${sources}")
+  list(FILTER sources INCLUDE REGEX "^${kernels}/")
+  set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS "${CORVIN_KERNEL_FLAGS}")
   target_include_directories(corvin_${folder} PUBLIC "${directory}")
 endfunction()
