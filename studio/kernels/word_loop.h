@@ -38,11 +38,13 @@ inline constexpr int kInputFraction = 13;
 inline constexpr int kStateToA = 9, kInputToA = 6, kShiftA = 12;
 inline constexpr int kStateToC = 8, kInputToC = 5, kShiftC = 11;
 
-/// Numbers of one loop. States are weighted (x_i c_i) and times 2^kStateFraction. Inputs are the
-/// samples s_0 ... of a word, s_0 the first that its first bits depend on. A byte holds the bits
-/// of a half as they are written: the earliest in the most significant place.
+/// Numbers of one loop. States are weighted (x_i c_i) and times 2^kStateFraction, the first of them
+/// times charge_scale, a power of two, as well. Inputs are the samples s_0 ... of a word, s_0 the
+/// first that its first bits depend on. A byte holds the bits of a half as they are written: the
+/// earliest in the most significant place.
 struct WordLoopTables {
-  int taps = 4;  ///< of the interpolation: 4 or 6
+  int taps = 4;             ///< of the interpolation: 4 or 6
+  double charge_scale = 1;  ///< the kernel itself never needs it
   /// What decision i subtracts if +1 and adds if -1, from the half's own base and from the
   /// next one's. Even. Like all rows of 16 twice the same, once per channel.
   alignas(64) std::int16_t own[8][16];

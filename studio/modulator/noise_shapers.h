@@ -8,8 +8,10 @@
 //   y = u + c_1 a_1 + c_2 b_1 + c_3 a_2 + ... of the states before the step;  v = y < 0 ? -1 : 1.
 //
 // The signal passes with gain 1, and the quantiser's error through prod(d^2 + g_k d + g_k) / D with
-// d = z - 1: the zeros g_k minimise the noise in the band (roots of a Legendre polynomial), the
-// denominator D was optimised by simulation for the least noise at a given largest sine.
+// d = z - 1. At DSD64 and DSD128 the zeros g_k and the denominator D were optimised together by
+// simulation: least noise from 20 Hz to 200 kHz at a given largest signal, with a smooth rise above
+// the audible band. From DSD256 on the zeros minimise the noise up to 50 kHz (roots of a Legendre
+// polynomial).
 
 #ifndef CORVIN_STUDIO_MODULATOR_NOISE_SHAPERS_H_
 #define CORVIN_STUDIO_MODULATOR_NOISE_SHAPERS_H_

@@ -74,6 +74,9 @@ class PairLoop final : public ModulatorLoop {
   std::uint64_t overload_events(int channel) const override { return overloads_[channel]; }
 
  private:
+  // What the kernel's states count in, over the weighted ones.
+  double unit(int state) const { return state == 0 ? kState * tables_.charge_scale : kState; }
+
   // Values at the bits of a half whose first input is in[0].
   void interpolate(const double* in, double (&values)[8]) const {
     for (int phase = 0; phase < 8; ++phase) {
@@ -87,7 +90,7 @@ class PairLoop final : public ModulatorLoop {
   // The state and bases at the begin of the word whose first input is in[0].
   void make_bases(int channel, ReferenceLoop loop, const double* in) {
     for (int i = 0; i < kMaxOrder; ++i) {
-      const double value = loop.x[i] * shaper_.c[i] * kState;
+      const double value = loop.x[i] * shaper_.c[i] * unit(i);
       if (i < 2) state_.first[channel][i] = value;
       if (i >= 2) state_.rest[channel][i - 2] = static_cast<float>(value);
     }
@@ -111,7 +114,7 @@ class PairLoop final : public ModulatorLoop {
       if (in_lock(tables_, rounded_state(before, c))) continue;
       ++overloads_[c];
       ReferenceLoop loop(shaper_);
-      loop.x[0] = before.first[c][0] / (shaper_.c[0] * kState);
+      loop.x[0] = before.first[c][0] / (shaper_.c[0] * unit(0));
       loop.catch_up();
       for (int half = 0; half < 2; ++half) {
         if (loop.lost_lock()) loop.catch_up();

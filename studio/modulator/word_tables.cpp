@@ -10,11 +10,16 @@
 // h_(i-j), h_m = 1 A^(m-1) B. Bits act on the q-th half after theirs by
 //
 //   R_q = O A^(8(q-1)) G.
+//
+// Where X_1, the charge, is in finer units than the others, it counts in the sum y as
+// 1 / charge_scale.
 
 #include "studio/modulator/word_tables.h"
 
 #include <algorithm>
 #include <cmath>
+
+#include "studio/modulator/reference_loop.h"
 
 namespace corvin::studio {
 namespace {
@@ -64,6 +69,21 @@ Square step_matrix(const ShaperDesign& shaper) {
   return a;
 }
 
+// The matrix from states to the second base holds numbers below 128, and the charge's int16 is
+// rounded finely where it reaches far: errors of a tenth in y cost a loop headroom.
+double charge_scale(const ShaperDesign& shaper) {
+  ReferenceLoop loop(shaper);
+  loop.x[0] = 1 / shaper.c[0];
+  double reach = 0;
+  for (int i = 0; i < 4 * kBits; ++i) {
+    if (i >= 3 * kBits) reach = std::max(reach, std::fabs(loop.output(0)));
+    loop.advance(0);
+  }
+  double scale = 1;
+  while (reach / scale >= 64) scale *= 2;
+  return scale;
+}
+
 std::int16_t nearest(double value) {
   return static_cast<std::int16_t>(
       static_cast<std::uint16_t>(static_cast<std::int64_t>(std::floor(value + 0.5))));
@@ -99,23 +119,30 @@ void add_inputs(const Matrix<kRows, kBits>& by_value, const Interpolation& inter
 
 void make_word_tables(const ShaperDesign& shaper, const Interpolation& interpolation,
                       WordLoopTables& tables) {
-  const Square a = step_matrix(shaper);
+  const double scale = charge_scale(shaper);
+  Square a = step_matrix(shaper);
+  for (int i = 1; i < kOrder; ++i) {
+    a.at[0][i] *= scale;
+    a.at[i][0] /= scale;
+  }
   const Square a2 = a * a;
   const Square a4 = a2 * a2;
   const Square a8 = a4 * a4;
   const Square a16 = a8 * a8;
   ToBase o;
   ToState g;
-  Between own;                                               // I + H
-  Matrix<kOrder, 1> reach;                                   // A^m B
-  for (int k = 0; k < 2; ++k) reach.at[k][0] = shaper.c[k];  // B: u - v adds to a_1 and b_1 alike
-  Matrix<1, kOrder> row;
-  for (int i = 0; i < shaper.order; ++i) row.at[0][i] = 1;
+  Between own;              // I + H
+  Matrix<kOrder, 1> reach;  // A^m B; in B, u - v adds to a_1 and b_1 alike
+  reach.at[0][0] = shaper.c[0] * scale;
+  reach.at[1][0] = shaper.c[1];
+  Matrix<1, kOrder> ones;
+  for (int i = 0; i < shaper.order; ++i) ones.at[0][i] = 1;
+  ones.at[0][0] /= scale;
+  Matrix<1, kOrder> row = ones;
   for (int i = 0; i < kBits; ++i) {
     std::copy(row.at[0], row.at[0] + kOrder, o.at[i]);
     for (int j = 0; j < kOrder; ++j) g.at[j][kBits - 1 - i] = reach.at[j][0];
-    double h = 0;
-    for (int j = 0; j < kOrder; ++j) h += reach.at[j][0];
+    const double h = (ones * reach).at[0][0];
     for (int j = 0; j < kBits; ++j) {
       if (j == i) own.at[j][j] = 1;
       if (j + i + 1 < kBits) own.at[j + i + 1][j] = h;
@@ -131,6 +158,7 @@ void make_word_tables(const ShaperDesign& shaper, const Interpolation& interpola
   const ToState early = a8 * g;
 
   tables.taps = interpolation.taps();
+  tables.charge_scale = scale;
   constexpr double kBase = 1 << kBaseFraction;
   constexpr double kState = 1 << kStateFraction;
   for (int bit = 0; bit < kBits; ++bit) {
@@ -176,7 +204,7 @@ void make_word_tables(const ShaperDesign& shaper, const Interpolation& interpola
     }
   }
   for (int i = 0; i < 16; ++i) {
-    tables.bound_first[i] = nearest(shaper.bound[i % 2] * kState);
+    tables.bound_first[i] = nearest(shaper.bound[i % 2] * (i % 2 == 0 ? scale : 1) * kState);
     tables.bound_rest[i] = nearest(shaper.bound[2 + i % kWordRest] * kState);
   }
   for (int byte = 0; byte < 256; ++byte) {

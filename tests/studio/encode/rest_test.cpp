@@ -117,20 +117,24 @@ TEST(Rest, QuietEndsStayQuiet) {
   }
 }
 
-// Sounds that end as they please, and streams that are shorter than what is searched.
+// Sounds that end as they please, and streams that are shorter than what is searched. What is broken
+// off would have rung on: a cut's own error may make up for a little of that, by chance.
 TEST(Rest, NoEndIsWorseThanTheCut) {
+  double rested_sum = 0, cut_sum = 0;
   for (const Case& row :
        {Case{44100, 2822400, CORVIN_MODULATOR_STANDARD},
         Case{48000, 2822400, CORVIN_MODULATOR_BEST}, Case{44100, 5644800, CORVIN_MODULATOR_HIGH}}) {
     for (std::size_t frames : {1u, 2u, 5u, 16u, 17u, 40u, 200u, 1500u, 4001u, 4020u}) {
       for (double offset : {0.0, 0.09}) {
         const auto [rested, cut] = endings(row, tone(row, frames, 0, 0, offset));
-        // The decoder's band is a little narrower than the search's.
-        EXPECT_LE(rested.energy, 1.05 * cut.energy)
+        EXPECT_LE(rested.energy, 1.25 * cut.energy)
             << row.pcm << ' ' << row.dsd << ' ' << frames << ' ' << offset;
+        rested_sum += rested.energy;
+        cut_sum += cut.energy;
       }
     }
   }
+  EXPECT_LE(rested_sum, 0.6 * cut_sum);
 }
 
 }  // namespace
