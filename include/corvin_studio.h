@@ -260,11 +260,12 @@ CORVIN_API int corvin_decoder_get_report(const corvin_decoder* decoder,
 CORVIN_API int corvin_decoder_describe(const corvin_decoder* decoder, char* text, size_t size);
 
 /** How hard an encoder works for a low noise. Noise from 20 Hz to 20 kHz at DSD64 under a sine of 0
- *  dBFS, re full modulation; at DSD256 and DSD512 all are the same. */
+ *  dBFS, re a sine of full modulation; docs/quality tells it for bands up to 200 kHz. At DSD256 and
+ *  DSD512 all are the same. */
 typedef enum corvin_modulator {
-  CORVIN_MODULATOR_STANDARD = 0, /**< -154 dB */
-  CORVIN_MODULATOR_HIGH = 1,     /**< -160 dB, a search over four paths */
-  CORVIN_MODULATOR_BEST = 2      /**< -164 dB, a search over eight paths */
+  CORVIN_MODULATOR_STANDARD = 0, /**< -144 dB, a fifth of the work; at DSD64 1.5 dB less headroom */
+  CORVIN_MODULATOR_HIGH = 1,     /**< -145 dB, a search over four paths */
+  CORVIN_MODULATOR_BEST = 2      /**< -148 dB, a search over eight paths: about twice the work */
 } corvin_modulator;
 
 /** What an encoder is made of. */
@@ -274,7 +275,7 @@ typedef struct corvin_encoder_settings {
   uint32_t dsd_rate;    /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
   uint32_t channels;    /**< 1..64. Default 2 */
   uint32_t format;      /**< corvin_sample_format of the input. Default CORVIN_S24 */
-  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
+  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_HIGH */
   uint32_t bit_order;   /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
   uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
                              corvin_encoder_pull(): 1 for byte-interleaved, 4096 for DSF; up to
@@ -290,7 +291,8 @@ typedef struct corvin_encoder_settings {
   uint64_t length;      /**< frames to convert; what follows is taken and dropped. 0: all that is
                              pushed. Default 0 */
   double gain_db;       /**< -120..60; at 0 full scale becomes 50 % modulation. Sines are clean up
-                             to 3 dB above that, what is louder meets a limiter. Default 0 */
+                             to 3 dB above that, with the standard modulator at DSD64 up to 1.5
+                             dB; what is louder meets a limiter. Default 0 */
   double pass_hz;       /**< the response is flat up to here; 0: 5 % of the highest stop_hz below
                              stop_hz. Default 0 */
   double stop_hz;       /**< and closed from here on; at least 3 % of the highest stop_hz above

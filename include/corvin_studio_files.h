@@ -271,7 +271,7 @@ typedef struct corvin_convert_settings {
   uint32_t format;      /**< of PCM to come, corvin_sample_format. Default CORVIN_S24 */
   uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
   uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
-  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_STANDARD */
+  uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_HIGH */
   uint32_t threads;     /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
                               caller's. Default 0 */
   uint32_t kernel_mask; /**< Default all bits */

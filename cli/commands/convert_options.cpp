@@ -111,7 +111,7 @@ void add_convert_options(CLI::App& command, ConvertOptions& options) {
       });
   add_choice(command, "--modulator", options.modulator, kModulators,
              "For DSD: standard, high or best, each with less noise and several times the "
-             "work of the one before; by default standard")
+             "work of the one before; by default high")
       ->type_name("GRADE")
       ->check(one_of(kModulators));
   add_choice(command, "--engine", options.engine, kEngines,

@@ -119,6 +119,7 @@ void corvin_convert_settings_defaults(corvin_convert_settings* settings) {
   settings->pcm_rate = 44100;
   settings->format = CORVIN_S24;
   settings->dither = CORVIN_DITHER_TPDF;
+  settings->modulator = CORVIN_MODULATOR_HIGH;
   settings->kernel_mask = std::numeric_limits<std::uint32_t>::max();
 }
 

@@ -18,6 +18,7 @@ corvin_encoder_settings default_encoder_settings() {
   settings.dsd_rate = 2822400;
   settings.channels = 2;
   settings.format = CORVIN_S24;
+  settings.modulator = CORVIN_MODULATOR_HIGH;
   settings.block_bytes = 1;
   settings.kernel_mask = std::numeric_limits<std::uint32_t>::max();
   return settings;

@@ -112,7 +112,7 @@ double peak_of(const DecoderSettings& settings, const Bytes& bits) {
   return 20 * std::log10(peak);
 }
 
-// Silence of DSD64 has peaks of -14 dBFS at 88.2k and of 0 dBFS at 705.6k, all of it the noise that
+// Silence of DSD64 has peaks of -26 dBFS at 176.4k and of 0 dBFS at 705.6k, all of it the noise that
 // the modulator moved out of the way: what is passed by default ends below that.
 TEST(RoundTrip, SilenceIsSilentAtEveryPcmRate) {
   struct Case {
@@ -120,7 +120,7 @@ TEST(RoundTrip, SilenceIsSilentAtEveryPcmRate) {
     double silence_db;
   };
   for (const auto& [dsd_rate, silence_db] :
-       {Case{2822400, -60}, Case{3072000, -60}, Case{5644800, -80}}) {
+       {Case{2822400, -105}, Case{3072000, -105}, Case{5644800, -105}}) {
     EncoderSettings encoder;
     encoder.channels = 1;
     encoder.format = CORVIN_F64;
@@ -140,7 +140,7 @@ TEST(RoundTrip, SilenceIsSilentAtEveryPcmRate) {
       decoder.stop_hz = pcm_rate / 2.0;
       const double rise = dsd_rate == 5644800 ? 100000 : 80000;
       if (pcm_rate > 2 * rise) {
-        EXPECT_GT(peak_of(decoder, silence), -20) << dsd_rate << " to " << pcm_rate;
+        EXPECT_GT(peak_of(decoder, silence), -32) << dsd_rate << " to " << pcm_rate;
       }
     }
   }
