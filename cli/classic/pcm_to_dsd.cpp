@@ -17,6 +17,7 @@
 #include "cli/classic/integer_pcm.h"
 #include "cli/classic/level_meter.h"
 #include "cli/classic/pcm_pipe.h"
+#include "cli/classic/tag_record.h"
 #include "cli/classic/ways.h"
 #include "cli/files/dsd_container.h"
 #include "cli/files/pcm_tags.h"
@@ -120,7 +121,7 @@ void convert_pcm_to_dsd_classic(const ClassicDsdRequest& request, PcmInput& inpu
   const auto declared = input.declared_frames();
   uint64_t frames = declared ? *declared : IntegerPcm(input).count_frames();
   Tags tags;
-  if (request.container == CORVIN_DSF) tags = read_pcm_tags(input);
+  if (request.container == CORVIN_DSF) tags = record_of(read_pcm_tags(input));
   Pass pass = write_dsd(request, PcmInput(input.path()), frames, tags, output);
   bool is_cut_short = false;
   // The header is written first, by the length that the source declares: once more, by what it

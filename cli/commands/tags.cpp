@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin tags: the tags of DSD files, for people and for programs.
+// corvin tags: shows the tags of files, for people and for programs. What changes tags stands beside
+// this.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
 #include "cli/commands/each_input.h"
-#include "cli/files/dsd_input.h"
+#include "cli/files/tagged_file.h"
+#include "cli/files/tags_json.h"
 #include "cli/words/failure.h"
 #include "cli/words/unicode_text.h"
 #include "corvin.hpp"
@@ -26,89 +26,65 @@ struct Options {
   bool as_json = false;
 };
 
-// In the order of printing; the year stands in as a text.
-std::vector<std::pair<const char*, std::string>> texts_of(const Tags& tags) {
-  return {{"title", text_of(tags.title)},
-          {"artist", text_of(tags.artist)},
-          {"album", text_of(tags.album)},
-          {"year", tags.year != 0 ? std::to_string(tags.year) : ""},
-          {"track", text_of(tags.track)},
-          {"genre", text_of(tags.genre)},
-          {"composer", text_of(tags.composer)},
-          {"comment", text_of(tags.comment)},
-          {"copyright", text_of(tags.rightsNotice)}};
-}
-
-void print(const std::string& path, const Tags& tags) {
+void print(const std::string& path, const TagSet& tags) {
   std::printf("%s\n", path.c_str());
-  bool is_empty = true;
-  for (const auto& [name, text] : texts_of(tags)) {
-    if (text.empty()) continue;
-    std::printf("  %-9s  %s\n", name, printable(text).c_str());
-    is_empty = false;
+  for (const std::string& name : tags.names()) {
+    uint32_t i = 0;
+    for (const std::string& value : tags.values(name)) {
+      const std::string language = tags.language(name, i++);
+      std::printf("  %-13s  %s%s\n", printable(name).c_str(), printable(value).c_str(),
+                  language.empty() ? "" : (" (" + printable(language) + ")").c_str());
+    }
   }
-  for (const DSD_PICTURE* picture : tags.all_pictures()) {
-    const std::string description = printable(text_of(picture->description));
-    std::printf("  picture    type %d, %s, %d bytes%s%s\n", picture->pictureType,
-                printable(text_of(picture->mime)).c_str(), picture->dataSize,
+  for (const Picture& picture : tags.pictures()) {
+    const std::string description = printable(picture.description);
+    std::printf("  picture        type %u, %s, %zu bytes%s%s\n", picture.type,
+                printable(picture.mime).c_str(), picture.data.size(),
                 description.empty() ? "" : ", ", description.c_str());
-    is_empty = false;
   }
-  if (is_empty) std::printf("  no tags\n");
+  for (const TagFrame& frame : tags.frames())
+    std::printf("  other frame    %s, %zu bytes\n", frame.id.c_str(), frame.data.size());
+  if (tags.empty()) std::printf("  no tags\n");
+  std::fflush(stdout);  // keeps notes below what they are about
+  for (const std::string& warning : tags.warnings()) note(path, printable(warning));
 }
 
-void print_json(const std::string& path, const Tags& tags, bool is_first) {
-  std::printf("%s\n  {\"file\": %s", is_first ? "" : ",", json_string(path).c_str());
-  for (const auto& [name, text] : texts_of(tags)) {
-    if (text.empty()) continue;
-    const bool is_number = std::strcmp(name, "year") == 0;
-    std::printf(", \"%s\": %s", name, is_number ? text.c_str() : json_string(text).c_str());
-  }
-  std::printf(", \"pictures\": [");
-  const char* separator = "";
-  for (const DSD_PICTURE* picture : tags.all_pictures()) {
-    std::printf("%s{\"type\": %d, \"mime\": %s, \"description\": %s, \"bytes\": %d}", separator,
-                picture->pictureType, json_string(text_of(picture->mime)).c_str(),
-                json_string(text_of(picture->description)).c_str(), picture->dataSize);
-    separator = ", ";
-  }
-  std::printf("]}");
-}
-
-Tags tags_of(const std::string& path) {
-  DsdInput input = DsdInput::open_dsd(path);
-  try {
-    return input.file().tags();
-  } catch (const Error& error) {
-    throw Failure(kBadInput, path, error.what());
-  }
-}
-
-int run(const Options& options) {
-  bool is_first = true;
-  if (options.as_json) std::printf("[");
+int show(const Options& options) {
+  Json all = Json::array();
   const ExitCode exit_code = for_each_input(options.paths, [&](const std::string& path) {
-    const Tags tags = tags_of(path);
+    const TagSet tags = tags_of_file(path);
     if (options.as_json)
-      print_json(path, tags, is_first);
+      all.push_back(json_of(path, tags, false));
     else
       print(path, tags);
-    is_first = false;
   });
-  if (options.as_json) std::printf("%s]\n", is_first ? "" : "\n");
+  if (options.as_json) std::printf("%s\n", all.dump(2).c_str());
   return exit_code;
+}
+
+void add_show(CLI::App& command, const std::shared_ptr<Options>& options, bool is_required) {
+  auto* files = command.add_option("FILE", options->paths,
+                                   "DSDIFF, DSF and 1bit files, and PCM files of many kinds");
+  if (is_required) files->required();
+  command.add_flag("--json", options->as_json,
+                   "Print a JSON array of one object per readable file");
 }
 
 }  // namespace
 
 void add_tags_command(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("tags", "Tell the tags of DSD files");
+  CLI::App* command = app.add_subcommand("tags", "Show and change the tags of files");
   auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->paths, "DSDIFF, DSF or 1bit files")->required();
-  command->add_flag("--json", options->as_json,
-                    "Print a JSON array of one object per readable file. Texts that are not UTF-8 "
-                    "are taken as ISO 8859-1");
-  command->callback([options, &exit_code] { exit_code = run(*options); });
+  add_show(*command, options, false);
+  command->require_subcommand(0, 1);
+  CLI::App* shown = command->add_subcommand("show", "Print them; so does corvin tags FILE");
+  add_show(*shown, options, true);
+  shown->callback([options, &exit_code] { exit_code = show(*options); });
+  command->callback([command, options, &exit_code] {
+    if (!command->get_subcommands().empty()) return;
+    if (options->paths.empty()) throw CLI::RequiredError("FILE");
+    exit_code = show(*options);
+  });
 }
 
 }  // namespace corvin::cli

@@ -4,6 +4,8 @@
 // corvin convert from a DSD file to another one: of another rate or level through the engine, else
 // bit for bit.
 
+#include <string>
+
 #include "cli/convert/engine_run.h"
 #include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
@@ -16,8 +18,9 @@ namespace {
 // Tags that cannot be had are no reason to lose the sound.
 void copy_tags(DsdInput& input, DsdOutput& output) {
   try {
-    output.set_tags(input.file().tags());
-  } catch (const Error&) {
+    output.set_tags(input.file().all_tags());
+  } catch (const Error& error) {
+    note(input.path(), std::string("its tags are left out: ") + error.what());
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include "cli/convert/engine_run.h"
 #include "cli/convert/ways.h"
+#include "cli/files/tagged_file.h"
 #include "cli/files/wav_writer.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
@@ -17,6 +18,15 @@ namespace {
 
 std::string format_name(corvin_sample_format format) {
   return format == CORVIN_F32 ? "32-bit float" : std::to_string(bits_of(format)) + " bits";
+}
+
+void note_tags(const std::string& output, DsdInput& input) {
+  try {
+    const std::string contents = contents_of(input.file().all_tags());
+    if (!contents.empty()) note(output, "gets no tags: without " + contents);
+  } catch (const Error& error) {
+    note(input.path(), std::string("its tags are left out: ") + error.what());
+  }
 }
 
 }  // namespace
@@ -60,6 +70,7 @@ void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
   output.commit();
 
   input.note_warnings();
+  note_tags(request.output.path, input);
   if (result.frames == 0) note_no_sound(input.path());
   note_clips(input.path(), result.clips, "; a lower --gain avoids that");
   print_summary(

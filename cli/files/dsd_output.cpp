@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "cli/files/dsd_container.h"
+#include "cli/files/tagged_file.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
 
@@ -40,10 +41,17 @@ DsdOutput::DsdOutput(const Config& config) : config_(checked(config)), file_(con
   }
 }
 
-void DsdOutput::set_tags(const DSD_TAG& tags) {
+void DsdOutput::set_tags(const TagSet& tags) {
   try {
-    writer_->set_tags(tags);
-  } catch (const Error&) {
+    writer_->set_all_tags(tags);
+  } catch (const Error& error) {
+    const std::string& path = config_.file.path;
+    if (error.status() != CORVIN_E_UNSUPPORTED)
+      note(path, std::string("gets no tags: ") + error.what());
+    else if (config_.container == CORVIN_ONE_BIT)
+      note(path, "gets no tags, for 1bit files hold none: without " + contents_of(tags));
+    else
+      note(path, "gets no tags, for they are larger than the 256 MiB that a file can hold");
   }
 }
 

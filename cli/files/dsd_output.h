@@ -30,8 +30,9 @@ class DsdOutput : private ByteStream {
   /** Begins the file. Throws Failure. */
   explicit DsdOutput(const Config& config);
 
-  /** Hands over tags. Those that fit into no block of tags are no reason to lose the sound. */
-  void set_tags(const DSD_TAG& tags);
+  /** Hands over tags. Those that the file cannot hold are no reason to lose the sound: standard
+   *  error tells of them. */
+  void set_tags(const TagSet& tags);
 
   /** To be finished by the one who writes. */
   Writer& writer() { return *writer_; }

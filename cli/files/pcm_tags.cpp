@@ -1,132 +1,191 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// TagLib knows the tags of most kinds of files; the texts that libsndfile finds fill what it leaves
-// empty.
+// An ID3v2 block is read by the library. TagLib knows the other tags of most kinds of files; the
+// texts that libsndfile finds fill what is still missing.
 
 #include "cli/files/pcm_tags.h"
 
-#include <aifffile.h>
-#include <attachedpictureframe.h>
 #include <fileref.h>
 #include <flacfile.h>
 #include <id3v2tag.h>
+#include <infotag.h>
 #include <mpegfile.h>
 #include <tpropertymap.h>
 #include <wavfile.h>
 #include <xiphcomment.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/files/id3_chunk.h"
+#include "cli/words/failure.h"
+#include "cli/words/unicode_text.h"
 
 namespace corvin::cli {
 namespace {
 
-constexpr size_t kMaxPictureBytes = 64 << 20;
-constexpr int kFrontCover = 3;
+using Names = std::pair<std::string_view, std::string_view>;
 
-template <size_t size>
-void set_if_empty(char (&field)[size], const std::string& text) {
-  if (field[0] == '\0') set_text(field, text);
-}
-
-// A year stands first in every way of writing dates that tags use.
-int year_of(const std::string& date) {
-  const long year = std::strtol(date.c_str(), nullptr, 10);
-  return year >= 1 && year <= 9999 ? static_cast<int>(year) : 0;
-}
-
-std::string property(const TagLib::PropertyMap& properties, const char* name) {
-  const auto found = properties.find(name);
-  return found == properties.end() ? "" : found->second.toString("; ").to8Bit(true);
-}
-
-void read_texts(const TagLib::PropertyMap& properties, DSD_TAG& tags) {
-  set_text(tags.title, property(properties, "TITLE"));
-  set_text(tags.artist, property(properties, "ARTIST"));
-  set_text(tags.album, property(properties, "ALBUM"));
-  set_text(tags.comment, property(properties, "COMMENT"));
-  set_if_empty(tags.comment, property(properties, "DESCRIPTION"));
-  set_text(tags.track, property(properties, "TRACKNUMBER"));
-  set_text(tags.genre, property(properties, "GENRE"));
-  set_text(tags.composer, property(properties, "COMPOSER"));
-  set_text(tags.rightsNotice, property(properties, "COPYRIGHT"));
-  tags.year = year_of(property(properties, "DATE"));
-}
-
-void read_strings(const PcmInput& input, DSD_TAG& tags) {
-  set_if_empty(tags.title, input.text(SF_STR_TITLE));
-  set_if_empty(tags.artist, input.text(SF_STR_ARTIST));
-  set_if_empty(tags.album, input.text(SF_STR_ALBUM));
-  set_if_empty(tags.comment, input.text(SF_STR_COMMENT));
-  set_if_empty(tags.track, input.text(SF_STR_TRACKNUMBER));
-  set_if_empty(tags.genre, input.text(SF_STR_GENRE));
-  set_if_empty(tags.rightsNotice, input.text(SF_STR_COPYRIGHT));
-  if (tags.year == 0) tags.year = year_of(input.text(SF_STR_DATE));
-}
-
-// ---- Pictures -------------------------------------------------------------------------------
-
-struct Picture {
-  int type = -1;  // none
-  TagLib::String mime, description;
-  TagLib::ByteVector data;
+// Other ways of naming a field.
+constexpr Names kAliases[] = {
+    {"TOTALTRACKS", "TRACKTOTAL"}, {"TOTALDISCS", "DISCTOTAL"}, {"ALBUM ARTIST", "ALBUMARTIST"},
+    {"UNSYNCEDLYRICS", "LYRICS"},  {"DESCRIPTION", "COMMENT"},  {"YEAR", "DATE"},
 };
 
-void offer(Picture& chosen, const Picture& picture) {
-  if (picture.data.isEmpty() || picture.data.size() > kMaxPictureBytes) return;
-  if (chosen.type == -1 || (chosen.type != kFrontCover && picture.type == kFrontCover))
-    chosen = picture;
+constexpr Names kInfoNames[] = {
+    {"INAM", "TITLE"},       {"IART", "ARTIST"},
+    {"IPRD", "ALBUM"},       {"IPRT", "TRACKNUMBER"},
+    {"ITRK", "TRACKNUMBER"}, {"IGNR", "GENRE"},
+    {"ICRD", "DATE"},        {"ICMT", "COMMENT"},
+    {"ICOP", "COPYRIGHT"},   {"IMUS", "COMPOSER"},
+    {"IWRI", "LYRICIST"},    {"ISRC", "ISRC"},
+    {"IMED", "MEDIA"},       {"ILNG", "LANGUAGE"},
+    {"ITCH", "ENCODEDBY"},   {"ISFT", "ENCODERSETTINGS"},
+};
+
+std::string_view named(std::string_view name, std::span<const Names> names) {
+  for (const auto& [other, own] : names)
+    if (other == name) return own;
+  return name;
 }
 
-void offer_all(Picture& chosen, const TagLib::List<TagLib::FLAC::Picture*>& pictures) {
-  for (const auto* picture : pictures)
-    offer(chosen, {picture->type(), picture->mimeType(), picture->description(), picture->data()});
-}
-
-void offer_all(Picture& chosen, const TagLib::ID3v2::Tag* tag) {
-  if (!tag) return;
-  for (const auto* frame : tag->frameList("APIC"))
-    if (const auto* picture = dynamic_cast<const TagLib::ID3v2::AttachedPictureFrame*>(frame))
-      offer(chosen,
-            {picture->type(), picture->mimeType(), picture->description(), picture->picture()});
-}
-
-Picture choose_picture(TagLib::File* file) {
-  Picture chosen;
-  if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) {
-    offer_all(chosen, flac->pictureList());
-    offer_all(chosen, flac->ID3v2Tag());
-  } else if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) {
-    offer_all(chosen, wav->ID3v2Tag());
-  } else if (auto* aiff = dynamic_cast<TagLib::RIFF::AIFF::File*>(file)) {
-    offer_all(chosen, aiff->tag());
-  } else if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) {
-    offer_all(chosen, mpeg->ID3v2Tag());
-  } else if (auto* xiph = dynamic_cast<TagLib::Ogg::XiphComment*>(file->tag())) {
-    offer_all(chosen, xiph->pictureList());
+// What one source tells.
+class Source {
+ public:
+  void add(std::string_view name, std::string value) {
+    // Numbers with their totals, as ID3v2 has them.
+    const bool is_number = name == "TRACKNUMBER" || name == "DISCNUMBER";
+    const size_t slash = is_number ? value.find('/') : std::string::npos;
+    if (slash != std::string::npos) {
+      fields_.emplace_back(name == "TRACKNUMBER" ? "TRACKTOTAL" : "DISCTOTAL",
+                           value.substr(slash + 1));
+      value.resize(slash);
+    }
+    fields_.emplace_back(name, std::move(value));
   }
-  return chosen;
+
+  /** Adds the fields that `tags` lacks. */
+  void fill(TagSet& tags) const {
+    std::vector<bool> is_missing;
+    for (const auto& field : fields_) is_missing.push_back(tags.values(field.first).empty());
+    for (size_t i = 0; i < fields_.size(); ++i) {
+      const auto& [name, value] = fields_[i];
+      if (is_missing[i] && !name.empty() && !value.empty()) tags.add(name, value);
+    }
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::string>> fields_;
+};
+
+std::string utf8(const TagLib::String& text) {
+  // A zero byte would end the value before its time.
+  std::string bytes = text.to8Bit(true);
+  bytes.resize(std::min(bytes.size(), bytes.find('\0')));
+  return utf8_of(bytes);
 }
 
-void add_picture(const Picture& picture, Tags& tags) {
-  if (picture.type == -1) return;
-  const auto data = std::as_bytes(std::span(picture.data.data(), picture.data.size()));
-  tags.add_picture(static_cast<uint8_t>(picture.type), picture.mime.to8Bit(true), data,
-                   picture.description.to8Bit(true));
+void add_pictures(const TagLib::List<TagLib::FLAC::Picture*>& pictures, TagSet& tags) {
+  for (const auto* picture : pictures) {
+    const TagLib::ByteVector data = picture->data();
+    constexpr int kMostTypes = 21;
+    const int type = picture->type();
+    tags.add_picture({type >= 0 && type < kMostTypes ? static_cast<uint32_t>(type) : 0,
+                      utf8(picture->mimeType()), utf8(picture->description()),
+                      std::as_bytes(std::span(data.data(), data.size()))});
+  }
+}
+
+void add_comment(const TagLib::Ogg::XiphComment* comment, TagSet& tags) {
+  if (comment == nullptr) return;
+  Source source;
+  for (const auto& [key, values] : comment->fieldListMap()) {
+    const std::string name = utf8(key);
+    if (name == "WAVEFORMATEXTENSIBLE_CHANNEL_MASK") continue;  // about the sound
+    for (const auto& value : values) source.add(named(name, kAliases), utf8(value));
+  }
+  source.fill(tags);
+}
+
+void add_info(const TagLib::RIFF::Info::Tag* info, TagSet& tags) {
+  if (info == nullptr) return;
+  Source source;
+  for (const auto& [id, value] : info->fieldListMap())
+    source.add(named({id.data(), id.size()}, kInfoNames), utf8(value));
+  source.fill(tags);
+}
+
+// The library understands more of it.
+void add_id3(const TagLib::ID3v2::Tag* tag, TagSet& tags) {
+  if (tag == nullptr || tag->isEmpty()) return;
+  const TagLib::ByteVector block = tag->render();
+  TagSet found;
+  found.read_id3(std::as_bytes(std::span(block.data(), block.size())));
+  Source source;
+  for (const std::string& name : found.names())
+    for (const std::string& value : found.values(name)) source.add(name, value);
+  source.fill(tags);
+  if (!tags.pictures().empty()) return;
+  for (const Picture& picture : found.pictures()) tags.add_picture(picture);
+}
+
+void add_properties(const std::string& path, const TagLib::PropertyMap& properties, TagSet& tags) {
+  Source source;
+  for (const auto& [key, values] : properties)
+    for (const auto& value : values) source.add(named(utf8(key), kAliases), utf8(value));
+  source.fill(tags);
+  for (const auto& name : properties.unsupportedData())
+    note(path, "the tag " + utf8(name) + " cannot be read and is left out");
+}
+
+void add_all(const std::string& path, TagLib::File* file, TagSet& tags) {
+  if (auto* flac = dynamic_cast<TagLib::FLAC::File*>(file)) {
+    add_comment(flac->xiphComment(), tags);
+    add_pictures(flac->pictureList(), tags);
+    if (flac->xiphComment()) add_pictures(flac->xiphComment()->pictureList(), tags);
+    if (flac->hasID3v2Tag()) add_id3(flac->ID3v2Tag(), tags);
+  } else if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) {
+    add_info(wav->InfoTag(), tags);
+  } else if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) {
+    if (mpeg->hasID3v2Tag()) add_id3(mpeg->ID3v2Tag(), tags);
+    add_properties(path, mpeg->properties(), tags);
+  } else if (auto* xiph = dynamic_cast<TagLib::Ogg::XiphComment*>(file->tag())) {
+    add_comment(xiph, tags);
+    add_pictures(xiph->pictureList(), tags);
+  } else if (tags.empty()) {
+    add_properties(path, file->properties(), tags);
+  }
+}
+
+void add_strings(const PcmInput& input, TagSet& tags) {
+  constexpr std::pair<const char*, int> kStrings[] = {
+      {"TITLE", SF_STR_TITLE}, {"ARTIST", SF_STR_ARTIST},
+      {"ALBUM", SF_STR_ALBUM}, {"COMMENT", SF_STR_COMMENT},
+      {"GENRE", SF_STR_GENRE}, {"TRACKNUMBER", SF_STR_TRACKNUMBER},
+      {"DATE", SF_STR_DATE},   {"COPYRIGHT", SF_STR_COPYRIGHT},
+  };
+  Source source;
+  for (const auto& [name, kind] : kStrings) source.add(name, utf8_of(input.text(kind)));
+  source.fill(tags);
 }
 
 }  // namespace
 
-Tags read_pcm_tags(const PcmInput& input) {
-  Tags tags;
-  const TagLib::FileRef file(input.path().c_str(), false);
-  if (!file.isNull()) {
-    read_texts(file.file()->properties(), tags);
-    add_picture(choose_picture(file.file()), tags);
+TagSet read_pcm_tags(const PcmInput& input) {
+  TagSet tags;
+  try {
+    if (const auto block = id3_chunk(input.path()); !block.empty()) tags.read_id3(block);
+    const TagLib::FileRef file(input.path().c_str(), false);
+    if (!file.isNull()) add_all(input.path(), file.file(), tags);
+    add_strings(input, tags);
+  } catch (const Error& error) {
+    note(input.path(), std::string("some of its tags cannot be read: ") + error.what());
   }
-  read_strings(input, tags);
   return tags;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The tags of a PCM file, as the record that the library writes into a DSD file.
+// The tags of files that are not DSD, by the names that the library gives to fields.
 
 #ifndef CORVIN_CLI_FILES_PCM_TAGS_H_
 #define CORVIN_CLI_FILES_PCM_TAGS_H_
@@ -11,9 +11,9 @@
 
 namespace corvin::cli {
 
-/** The texts and the front cover (without one, the first picture) found in the file that `input`
- *  has open. Texts longer than their fields are cut after a character. */
-Tags read_pcm_tags(const PcmInput& input);
+/** All that is found in the file that `input` has open. What cannot be taken is told on standard
+ *  error. */
+TagSet read_pcm_tags(const PcmInput& input);
 
 }  // namespace corvin::cli
 

@@ -4,7 +4,6 @@
 #include "cli/words/unicode_text.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 
 namespace corvin::cli {
@@ -57,19 +56,10 @@ std::string printable(std::string_view text) {
   return result;
 }
 
-std::string json_string(std::string_view text) {
-  std::string result = "\"";
-  for (const char32_t point : decode(text)) {
-    if (is_control(point)) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(point));
-      result += escape;
-      continue;
-    }
-    if (point == '"' || point == '\\') result += '\\';
-    append_utf8(result, point);
-  }
-  return result + '"';
+std::string utf8_of(std::string_view text) {
+  std::string result;
+  for (const char32_t point : decode(text)) append_utf8(result, point);
+  return result;
 }
 
 }  // namespace corvin::cli

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// Texts from files, which may be any bytes, made fit for a terminal and for JSON. What is not UTF-8
-// is taken as ISO 8859-1, the other encoding that tags use.
+// Texts from files, which may be any bytes, made fit for a terminal and for other files. What is not
+// UTF-8 is taken as ISO 8859-1, the other encoding that tags use.
 
 #ifndef CORVIN_CLI_WORDS_UNICODE_TEXT_H_
 #define CORVIN_CLI_WORDS_UNICODE_TEXT_H_
@@ -16,8 +16,8 @@ namespace corvin::cli {
  *  spaces, other control characters question marks. */
 std::string printable(std::string_view text);
 
-/** A JSON string, with its quotes. */
-std::string json_string(std::string_view text);
+/** UTF-8 with whatever characters the text has. */
+std::string utf8_of(std::string_view text);
 
 }  // namespace corvin::cli
 
