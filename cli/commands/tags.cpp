@@ -12,6 +12,7 @@
 
 #include "cli/commands/commands.h"
 #include "cli/commands/each_input.h"
+#include "cli/commands/tags_edits.h"
 #include "cli/files/tagged_file.h"
 #include "cli/files/tags_json.h"
 #include "cli/words/failure.h"
@@ -80,6 +81,7 @@ void add_tags_command(CLI::App& app, int& exit_code) {
   CLI::App* shown = command->add_subcommand("show", "Print them; so does corvin tags FILE");
   add_show(*shown, options, true);
   shown->callback([options, &exit_code] { exit_code = show(*options); });
+  add_tags_edits(*command, exit_code);
   command->callback([command, options, &exit_code] {
     if (!command->get_subcommands().empty()) return;
     if (options->paths.empty()) throw CLI::RequiredError("FILE");
