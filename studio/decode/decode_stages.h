@@ -36,6 +36,8 @@ class DecodeStages final : public PieceStages<std::uint8_t> {
   void start(const Piece<std::uint8_t>& piece) override;
   bool finished(std::size_t slot) override;
   void wait_for(std::size_t slot, bool ring_is_full) override;
+  void progress(std::size_t /*in*/) override {}
+  std::size_t ready(std::size_t /*slot*/) override { return 0; }
   void open(std::size_t slot) override;
 
   /// Writes frames of an open piece, interleaved; each once, in order.

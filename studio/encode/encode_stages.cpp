@@ -13,6 +13,10 @@ namespace {
 // A worker that up-samples keeps up with this many modulators.
 constexpr std::size_t kModulatorsPerUpSampler = 3;
 
+// Samples that a modulator takes at least when its work is spread: each time costs as much as some
+// ten of them.
+constexpr std::size_t kLeastSpread = 64;
+
 // Up to four paths a pair of channels shares its vectors; eight fill them with one.
 std::size_t channels_at_once(const ModulatorConfig& modulator) {
   return search_paths(modulator.grade, modulator.oversampling) > 4 ? 1 : 2;
@@ -32,28 +36,31 @@ EncodeStages::Shape EncodeStages::shape(const corvin_encoder_settings& settings,
                                         const EncodePlan& plan) {
   Shape piece({plan.span_frames(), plan.hop_frames, plan.lead_frames, item_samples(plan)},
               settings.channels, settings.low_latency != 0);
-  piece.delay = ModulatorStream::kDelay;
+  piece.delay = ModulatorStream::delay(settings.low_latency != 0);
   return piece;
 }
 
 // One that takes frames, one that gives bytes, one with the modulators, the others up-sampled.
+// Without threads the modulators have one of their own only when their work is spread.
 std::size_t EncodeStages::pieces(const corvin_encoder_settings& settings,
                                  const ModulatorConfig& modulator) {
   const std::size_t threads = workers(settings, modulator);
-  return threads == 0 ? 2 : 4 + threads / kModulatorsPerUpSampler;
+  if (threads == 0) return settings.low_latency != 0 ? 3 : 2;
+  return 4 + threads / kModulatorsPerUpSampler;
 }
 
 EncodeStages::EncodeStages(const corvin_encoder_settings& settings, const EncodeChain& chain,
                            const Kernels& kernels)
     : shape_(shape(settings, chain.plan)),
-      bytes_stride_(shape_.out + 2 * ModulatorStream::kDelay),
+      spreads_(settings.low_latency != 0 && settings.threads == 0),
+      bytes_stride_(shape_.out + 2 * shape_.delay),
       channels_at_once_(channels_at_once(chain.modulator)),
       slots_(pieces(settings, chain.modulator)),
       search_(chain.modulator.oversampling) {
   for (std::size_t c = 0; c < shape_.channels; c += channels_at_once_) {
     ModulatorConfig config = chain.modulator;
     config.channels = static_cast<int>(std::min(channels_at_once_, shape_.channels - c));
-    modulators_.emplace_back(config, search_);
+    modulators_.emplace_back(config, search_, settings.low_latency != 0);
   }
   for (Slot& slot : slots_) {
     slot.bytes = AlignedArray<std::uint8_t>(shape_.channels * bytes_stride_);
@@ -80,17 +87,20 @@ void EncodeStages::up_sample(UpSampler& sampler, std::size_t slot) {
               });
 }
 
-void EncodeStages::modulate(std::size_t modulator, std::size_t slot) {
+// Modulates `samples` of a piece's, from `first` on, and puts their bytes behind the `made` ones of
+// those before. Returns their number.
+std::size_t EncodeStages::modulate(std::size_t modulator, std::size_t slot, std::size_t first,
+                                   std::size_t samples, std::size_t made) {
   Slot& to = slots_[slot];
   const double* in[2] = {};
   std::uint8_t* out[2] = {};
-  const std::size_t first = modulator * channels_at_once_;
-  for (std::size_t c = first; c < std::min(first + channels_at_once_, shape_.channels); ++c) {
-    in[c - first] = samples_of(slot) + c * shape_.out;
-    out[c - first] = &to.bytes[c * bytes_stride_];
+  const std::size_t channel = modulator * channels_at_once_;
+  for (std::size_t c = channel; c < std::min(channel + channels_at_once_, shape_.channels); ++c) {
+    in[c - channel] = samples_of(slot) + c * shape_.out + first;
+    out[c - channel] = &to.bytes[c * bytes_stride_ + made];
   }
-  to.tallies[modulator] = {};
-  modulators_[modulator].run(in, to.piece.out, to.length, out, to.tallies[modulator]);
+  if (first == 0) to.tallies[modulator] = {};
+  return modulators_[modulator].run(in, samples, to.length, out, to.tallies[modulator]);
 }
 
 void EncodeStages::work(std::size_t worker, std::size_t job) {
@@ -106,7 +116,7 @@ void EncodeStages::work(std::size_t worker, std::size_t job) {
     }
     return;
   }
-  modulate(part - 1, slot);
+  modulate(part - 1, slot, 0, slots_[slot].piece.out, 0);
   const std::lock_guard lock(chain_);
   const std::uint64_t next = ++next_[part - 1];
   const auto next_slot = static_cast<std::size_t>(next % slots_.size());
@@ -114,18 +124,53 @@ void EncodeStages::work(std::size_t worker, std::size_t job) {
 }
 
 void EncodeStages::start(const Piece<double>& piece) {
+  if (spreads_ && piece.number > 0) modulate_to(slots_[going_.slot].piece.out);
   slots_[piece.slot].piece = piece;
   slots_[piece.slot].length = length_;
   if (pool_ == nullptr) {
     up_sample(up_samplers_[0], piece.slot);
-    for (std::size_t part = 1; part < parts(); ++part) modulate(part - 1, piece.slot);
+    going_ = {piece.slot, 0, 0};
+    if (!spreads_) modulate_to(piece.out);
     return;
   }
   for (std::size_t part = 1; part < parts(); ++part) pool_->announce(job_of(piece.slot, part));
   pool_->hand_in(job_of(piece.slot, 0));
 }
 
+// On the caller's thread: goes on with the last piece, up to `samples` of it.
+void EncodeStages::modulate_to(std::size_t samples) {
+  if (samples == going_.samples) return;
+  std::size_t bytes = 0;
+  for (std::size_t modulator = 0; modulator < modulators_.size(); ++modulator) {
+    bytes =
+        modulate(modulator, going_.slot, going_.samples, samples - going_.samples, going_.bytes);
+  }
+  going_.samples = samples;
+  going_.bytes += bytes;
+  if (spreads_) collect(slots_[going_.slot]);
+}
+
+// As many parts of the last piece as came in of the next one.
+void EncodeStages::progress(std::size_t in) {
+  if (!spreads_) return;
+  const std::size_t all = slots_[going_.slot].piece.out;
+  const std::size_t fresh = shape_.in - shape_.shared;
+  const std::size_t due = all * (in - std::min(in, shape_.shared)) / fresh;
+  if (due >= going_.samples + kLeastSpread) modulate_to(due);
+}
+
+std::size_t EncodeStages::ready(std::size_t slot) {
+  return spreads_ && slot == going_.slot ? going_.bytes : 0;
+}
+
+std::size_t EncodeStages::spread_delay(const corvin_encoder_settings& settings,
+                                       const EncodePlan& plan) {
+  if (settings.low_latency == 0 || settings.threads != 0) return 0;
+  return kLeastSpread + (plan.hop_samples + plan.hop_frames - 1) / plan.hop_frames;
+}
+
 bool EncodeStages::finished(std::size_t slot) {
+  if (spreads_ && slot == going_.slot) return going_.samples == slots_[slot].piece.out;
   for (std::size_t part = 1; pool_ != nullptr && part < parts(); ++part) {
     if (!pool_->finished(job_of(slot, part))) return false;
   }
@@ -133,19 +178,27 @@ bool EncodeStages::finished(std::size_t slot) {
 }
 
 void EncodeStages::wait_for(std::size_t slot, bool /*ring_is_full*/) {
+  if (pool_ == nullptr) return modulate_to(slots_[slot].piece.out);
   for (std::size_t part = 1; part < parts(); ++part) pool_->wait_for(job_of(slot, part));
 }
 
 void EncodeStages::open(std::size_t slot) {
-  for (const ModulationTally& tally : slots_[slot].tallies) {
+  if (!spreads_) collect(slots_[slot]);
+}
+
+void EncodeStages::collect(Slot& slot) {
+  for (ModulationTally& tally : slot.tallies) {
     tally_.peak = std::max(tally_.peak, tally.peak);
     tally_.limited += tally.limited;
     tally_.overload += tally.overload;
+    tally = {};
   }
 }
 
 void EncodeStages::reset() {
   if (pool_ != nullptr) pool_->clear();
+  going_ = {};
+  slots_[0].piece = {};
   for (ModulatorStream& modulator : modulators_) modulator.reset();
   std::fill(next_.begin(), next_.end(), 0u);
   std::fill(up_sampled_.begin(), up_sampled_.end(), 0u);

@@ -28,10 +28,14 @@ int Encoder::create(const corvin_encoder_settings& settings, std::unique_ptr<Enc
   config.pass_hz = settings.pass_hz;
   config.stop_hz = settings.stop_hz;
   config.phase = settings.phase == CORVIN_MINIMUM_PHASE ? Phase::kMinimum : Phase::kLinear;
+  config.low_latency = settings.low_latency != 0;
   auto chain = make_encode_chain(config, static_cast<ModulatorGrade>(settings.modulator),
                                  settings.kernel_mask);
   if (!chain) return CORVIN_E_UNSUPPORTED;
-  encoder.reset(new Encoder(settings, std::move(*chain), choose_kernels(settings.kernel_mask)));
+  const Kernels kernels = settings.low_latency != 0
+                              ? choose_kernels(settings.kernel_mask, settings.channels)
+                              : choose_kernels(settings.kernel_mask);
+  encoder.reset(new Encoder(settings, std::move(*chain), kernels));
   return CORVIN_OK;
 }
 
@@ -125,7 +129,8 @@ std::uint64_t Encoder::latency() const {
   // Right before a piece is complete, everything since the one before waits, and some of that in
   // the modulators; an unfinished block of the output's layout may wait on top.
   return samples_of(ring_.shape().in - ring_.shape().lead) +
-         8 * (ring_.shape().delay + settings_.block_bytes - 1);
+         8 * (ring_.shape().delay + settings_.block_bytes - 1 +
+              EncodeStages::spread_delay(settings_, chain_.plan));
 }
 
 std::uint64_t Encoder::samples_of(std::uint64_t frames) const {

@@ -51,8 +51,11 @@ void append(std::vector<std::uint8_t>& values, const std::uint8_t* more, std::si
 
 }  // namespace
 
-ModulatorStream::ModulatorStream(const ModulatorConfig& config, const RestSearch& search)
+ModulatorStream::ModulatorStream(const ModulatorConfig& config, const RestSearch& search,
+                                 bool low_latency)
     : channels_(static_cast<std::size_t>(config.channels)),
+      held_(low_latency ? kShortHeld : kHeld),
+      delay_(delay(low_latency)),
       interpolation_(config.wide_band),
       search_(&search),
       modulator_(config),
@@ -61,14 +64,14 @@ ModulatorStream::ModulatorStream(const ModulatorConfig& config, const RestSearch
   const ShaperDesign& shaper = shaper_design(config.grade, config.oversampling);
   limiter_ = {shaper.knee, shaper.ceiling};
   for (std::size_t c = 0; c < channels_; ++c) {
-    lines_[c].samples.resize(kPast + kHeld);
+    lines_[c].samples.resize(kPast + held_);
     lines_[c].past.resize(kPast, formats::kSilence);
-    lines_[c].early.resize(kDelay);
+    lines_[c].early.resize(delay_);
   }
 }
 
-void ModulatorStream::run(const double* const* in, std::size_t samples, std::uint64_t length,
-                          std::uint8_t* const* out, ModulationTally& tally) {
+std::size_t ModulatorStream::run(const double* const* in, std::size_t samples, std::uint64_t length,
+                                 std::uint8_t* const* out, ModulationTally& tally) {
   std::uint8_t* places[2] = {};
   const auto kept = static_cast<std::size_t>(made_ - written_);
   for (std::size_t c = 0; c < channels_; ++c) {
@@ -82,19 +85,21 @@ void ModulatorStream::run(const double* const* in, std::size_t samples, std::uin
     if (fed_ + samples >= in_sight) end(length, places, tally);
   }
   fed_ += samples;
-  const auto due = static_cast<std::size_t>(bytes_after(fed_) - written_);
+  const auto due =
+      static_cast<std::size_t>(fed_ - std::min<std::uint64_t>(fed_, delay_) - written_);
   written_ += due;
   for (std::size_t c = 0; c < channels_; ++c) {
     std::copy_n(out[c] + due, made_ - written_, lines_[c].early.data());
     tally.overload += modulator_.overload_events(static_cast<int>(c));
   }
+  return due;
 }
 
 // Adds samples to those held, and modulates what is too much.
 void ModulatorStream::take(const double* const* in, std::size_t samples, std::uint8_t** places,
                            ModulationTally& tally) {
   const auto held = static_cast<std::size_t>(fed_ - modulated_);
-  const std::size_t ready = held + samples - std::min(held + samples, kHeld);
+  const std::size_t ready = held + samples - std::min(held + samples, held_);
   const std::size_t from_held = std::min(ready, held);
   const double* first[2] = {};
   for (std::size_t c = 0; c < channels_; ++c) first[c] = &lines_[c].samples[kPast];

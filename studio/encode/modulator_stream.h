@@ -7,7 +7,8 @@
 //
 // It holds back the last kHeld samples. When the end comes in sight, it bends them by what is
 // missing for a charge that bits can pay, at most 1: over 96640 bits, with soft beginning and end,
-// that is a swell of at most -92.7 dBFS from DC to 50 Hz at DSD64. In shorter streams it is louder.
+// that is a swell of at most -92.7 dBFS from DC to 50 Hz at DSD64. In shorter streams it is louder,
+// and over the kShortHeld samples that low latency has time for, at most -77 dBFS up to 300 Hz.
 
 #ifndef CORVIN_STUDIO_ENCODE_MODULATOR_STREAM_H_
 #define CORVIN_STUDIO_ENCODE_MODULATOR_STREAM_H_
@@ -34,23 +35,27 @@ struct ModulationTally {
 class ModulatorStream {
  public:
   static constexpr std::size_t kHeld = 12288;
+  static constexpr std::size_t kShortHeld = 2264;
   /// Samples whose bytes are still to come, from the moment on that as many were fed.
-  static constexpr std::size_t kDelay = kHeld + Modulator::kLookAhead;
+  static constexpr std::size_t delay(bool low_latency) {
+    return (low_latency ? kShortHeld : kHeld) + Modulator::kLookAhead;
+  }
   /// A length that is not known yet.
   static constexpr std::uint64_t kEndless = std::numeric_limits<std::uint64_t>::max();
 
   /// `search` is for the DSD rate of `config` and outlives the stream.
-  ModulatorStream(const ModulatorConfig& config, const RestSearch& search);
+  ModulatorStream(const ModulatorConfig& config, const RestSearch& search, bool low_latency);
 
-  /// Feeds samples and writes the bytes of those that are kDelay samples back, each in its place of
+  /// Feeds samples and writes the bytes of those that are delay() samples back, each in its place of
   /// the stream.
   /// @param in      in[channels][samples]
-  /// @param length  of the whole stream in bits; known before a sample behind it is fed. kDelay
+  /// @param length  of the whole stream in bits; known before a sample behind it is fed. delay()
   ///                samples behind its last byte complete it
-  /// @param out     out[channels] with place for samples + 2 x kDelay bytes each
+  /// @param out     out[channels] with place for samples + 2 x delay() bytes each
   /// @param tally   is added to
-  void run(const double* const* in, std::size_t samples, std::uint64_t length,
-           std::uint8_t* const* out, ModulationTally& tally);
+  /// @return        bytes written of each channel
+  std::size_t run(const double* const* in, std::size_t samples, std::uint64_t length,
+                  std::uint8_t* const* out, ModulationTally& tally);
 
   void reset();
 
@@ -62,11 +67,12 @@ class ModulatorStream {
 
   // A swell over fewer samples would be louder than -77 dBFS at DSD64.
   static constexpr std::size_t kLeastBent = 2048;
+  static_assert(kShortHeld >= kLeastBent + kBehind);
 
   struct Channel {
-    std::vector<double> samples;      // [kPast + kHeld]: modulated ones, then those held
+    std::vector<double> samples;      // [kPast + held_]: modulated ones, then those held
     std::vector<std::uint8_t> past;   // [kPast]: the last bytes made before the end
-    std::vector<std::uint8_t> early;  // [kDelay]: bytes that came before their turn
+    std::vector<std::uint8_t> early;  // [delay_]: bytes that came before their turn
   };
 
   void take(const double* const* in, std::size_t samples, std::uint8_t** places,
@@ -80,6 +86,8 @@ class ModulatorStream {
   void rest(const Channel& channel, std::uint64_t length, std::uint8_t* made);
 
   std::size_t channels_;
+  std::size_t held_;
+  std::size_t delay_;
   Interpolation interpolation_;
   InputLimiter limiter_;
   const RestSearch* search_;
@@ -92,11 +100,6 @@ class ModulatorStream {
   RestSearch::Scratch scratch_;
   std::vector<double> errors_;
 };
-
-/// Bytes that `fed` samples made, of each channel.
-constexpr std::uint64_t bytes_after(std::uint64_t fed) {
-  return fed > ModulatorStream::kDelay ? fed - ModulatorStream::kDelay : 0;
-}
 
 }  // namespace corvin::studio
 

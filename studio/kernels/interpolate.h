@@ -30,6 +30,7 @@ using Interpolate = void (*)(const double* rows, std::size_t columns, const doub
 
 struct InterpolateVariant {
   InstructionSet set;
+  unsigned lanes = 1;  ///< columns of a vector; where rows are not whole vectors it is slow
   Interpolate run = nullptr;
 };
 

@@ -26,6 +26,6 @@ void run(const double* rows, std::size_t columns, const double* taps, std::size_
 
 }  // namespace
 
-extern const InterpolateVariant interpolate_portable = {kPortable, run};
+extern const InterpolateVariant interpolate_portable = {kPortable, 1, run};
 
 }  // namespace corvin::studio

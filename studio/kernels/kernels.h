@@ -32,23 +32,31 @@ inline Kernels choose_kernels(std::uint32_t mask) {
           &best_build<InterpolateVariant>(mask)};
 }
 
+/// The widest build whose vectors are not wider than `columns`.
+template <typename Variant>
+const Variant& widest_build(std::uint32_t mask, std::size_t columns) {
+  const std::uint32_t features = detected_features() & mask;
+  const Variant* widest = nullptr;
+  for (const Variant* build : builds<Variant>()) {
+    if ((build->set.feature & ~features) != 0 || build->lanes > columns) continue;
+    if (widest == nullptr || build->lanes > widest->lanes) widest = build;
+  }
+  return *widest;
+}
+
 /// The same for at most `items` items at once. A vector's idle lanes cost as much as those in use, so
-/// of the spectral builds the narrowest that takes them all, and a short filter for its columns.
+/// of the spectral builds the narrowest that takes them all, and short filters for its columns.
 inline Kernels choose_kernels(std::uint32_t mask, std::size_t items) {
   Kernels kernels = choose_kernels(mask);
-  const std::uint32_t features = detected_features() & mask;
-  const auto runs = [features](const auto* build) { return (build->set.feature & ~features) == 0; };
   for (const SpectralVariant* build : builds<SpectralVariant>()) {
-    if (runs(build) && build->lanes >= items && build->lanes < kernels.spectral->lanes) {
+    const bool runs = (build->set.feature & ~(detected_features() & mask)) == 0;
+    if (runs && build->lanes >= items && build->lanes < kernels.spectral->lanes) {
       kernels.spectral = build;
     }
   }
-  const unsigned columns = 2 * kernels.spectral->lanes;
-  for (const FoldFirVariant* build : builds<FoldFirVariant>()) {
-    const bool fits = build->lanes <= columns && kernels.fold_fir->lanes > columns;
-    const bool is_wider = build->lanes <= columns && build->lanes > kernels.fold_fir->lanes;
-    if (runs(build) && (fits || is_wider)) kernels.fold_fir = build;
-  }
+  const std::size_t columns = std::size_t{2} * kernels.spectral->lanes;
+  kernels.fold_fir = &widest_build<FoldFirVariant>(mask, columns);
+  kernels.interpolate = &widest_build<InterpolateVariant>(mask, columns);
   return kernels;
 }
 

@@ -27,6 +27,10 @@ constexpr double kSpread = 20;
 // A minimum-phase kernel dies away behind the taps whose magnitude it has: on spans that end there
 // it would leave -146 dB of what it stops. The longest spans have the room anyway.
 constexpr double kMinimumLength = 1.2;
+// With low latency a span adds three quarters of what it overlaps by: the two of an item wait for one
+// and a half times what the filter spreads over, and cost about twice as much as the longest. Of a
+// short filter, this many rows: with fewer the work would grow for the sake of a millisecond.
+constexpr std::size_t kShortHop = 512;
 // 50 % modulation is full scale.
 constexpr double kFullScale = 2.0;
 
@@ -190,7 +194,8 @@ std::optional<DecodePlan> make_decode_plan(const DecodePlanConfig& wanted) {
   const double future = (minimum ? 0 : reach / 2) + kSpread;
   if (config.low_latency) {
     const auto overlap = static_cast<std::size_t>(std::ceil(past + future)) + grain + 1;
-    const TransformSizes small = short_transform(sizes.in, sizes.out, overlap, grain);
+    const TransformSizes small =
+        short_transform(sizes.in, sizes.out, overlap, grain, std::max(overlap * 3 / 4, kShortHop));
     sizes.forward = small.forward;
     sizes.inverse = small.inverse;
   }

@@ -12,6 +12,7 @@
 #include "studio/math/exact_math.h"
 #include "studio/plan/pass_band.h"
 #include "studio/plan/rate_family.h"
+#include "studio/plan/short_transform.h"
 #include "studio/plan/spectral_shape.h"
 
 namespace corvin::studio {
@@ -19,6 +20,8 @@ namespace {
 
 // What the corrections of the droop lift near the cut, by up to 6 dB, stays below -150 dB.
 constexpr double kAttenuationDb = 162;
+// For short spans, where the cut at the last bin rings more.
+constexpr double kShortAttenuationDb = 170;
 // Frames on either side of the steep kernel for the spread that the correction of the droop adds.
 constexpr double kSpread = 20;
 // Full scale is 50 % modulation.
@@ -27,6 +30,12 @@ constexpr double kFullScale = 0.5;
 // overlap. Twice as many gain 5 % and double the latency; half as many cost 15 to 30 % more and let
 // the cut at the last bin ring to -149.8 dB.
 constexpr std::size_t kPointsPerTap = 4;
+// With low latency a span adds this part of what it overlaps by. Its work is small beside the
+// modulator's, which looks ahead as well: what is left of 20 ms at 44.1 kHz.
+constexpr double kShortHop = 0.22;
+// A minimum-phase kernel dies away behind the taps whose magnitude it has; longer spans have the room
+// for that anyway.
+constexpr double kMinimumLength = 1.75;
 
 // The transform's ratio of rates in lowest terms, and its sizes.
 struct TransformShape {
@@ -77,6 +86,11 @@ std::vector<double> phase_taps(const Boxcars& boxcars, std::size_t depth) {
   return taps;
 }
 
+std::vector<double> steep_filter(const EncodePlanConfig& config, double rate) {
+  return kaiser_low_pass(rate, config.pass_hz, config.stop_hz,
+                         config.low_latency ? kShortAttenuationDb : kAttenuationDb);
+}
+
 // The steep filter on the bins that both transforms share. A minimum phase belongs to a rate: that
 // of the higher one, on whose circle the band has an end. On the frames' own, where it reaches up
 // to half the rate, nothing would come before an event at the frames but much between them.
@@ -86,8 +100,7 @@ std::vector<double> steep_response(const EncodePlan& plan, const std::vector<dou
   if (config.phase == Phase::kLinear || row_rate <= config.pcm_rate) {
     return bin_response(steep, plan.shape.forward, config.phase);
   }
-  return bin_response(kaiser_low_pass(row_rate, config.pass_hz, config.stop_hz, kAttenuationDb),
-                      plan.shape.inverse, config.phase);
+  return bin_response(steep_filter(config, row_rate), plan.shape.inverse, config.phase);
 }
 
 void fill_response(EncodePlan& plan, const std::vector<double>& steep, double advance) {
@@ -96,7 +109,7 @@ void fill_response(EncodePlan& plan, const std::vector<double>& steep, double ad
   const double row_rate = rate * static_cast<double>(plan.shape.inverse.points) / points;
   const std::vector<double> bins = steep_response(plan, steep, row_rate);
   const std::size_t kept = std::min(plan.shape.forward.points, plan.shape.inverse.points);
-  for (std::size_t bin = 0; bin < kept / 2; ++bin) {
+  for (std::size_t bin = 0; bin < (kept + 1) / 2; ++bin) {
     const double hz = static_cast<double>(bin) * rate / points;
     double droop = plan.boxcars.amplitude(hz / (row_rate * static_cast<double>(plan.factor())));
     if (plan.config.response) droop *= plan.config.response(8 * hz / plan.config.dsd_rate);
@@ -126,16 +139,15 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& wanted) {
   if (!band) return std::nullopt;
   config.pass_hz = band->pass_hz;
   config.stop_hz = band->stop_hz;
-  const std::vector<double> steep =
-      kaiser_low_pass(config.pcm_rate, config.pass_hz, config.stop_hz, kAttenuationDb);
-  const TransformShape sizes = transform_shape(*pcm, *dsd, steep.size());
+  const std::vector<double> steep = steep_filter(config, config.pcm_rate);
+  TransformShape sizes = transform_shape(*pcm, *dsd, steep.size());
   const double frames_per_row = static_cast<double>(sizes.in) / static_cast<double>(sizes.out);
   const double row_rate = config.pcm_rate / frames_per_row;
   const auto factor = static_cast<unsigned>(std::lround(modulator_rate / row_rate));
   const bool wide = pcm->base > dsd->base;
   EncodePlan plan{
       .config = config,
-      .shape = make_spectral_shape(sizes.forward, sizes.inverse),
+      .shape = {},
       .steep_taps = steep.size(),
       .boxcars = Boxcars(factor, interpolation_order(factor, wide),
                          factor == 1 ? 0 : config.pcm_rate / 2.0 / row_rate),
@@ -155,16 +167,32 @@ std::optional<EncodePlan> make_encode_plan(const EncodePlanConfig& wanted) {
   const double row_time = -centre * frames_per_row;
   const bool minimum = config.phase == Phase::kMinimum;
   const auto length = static_cast<double>(steep.size() - 1);
-  const double past = (minimum ? length : length / 2) + kSpread;
+  const double tail = config.low_latency ? kMinimumLength * length : length;
+  const double past = (minimum ? tail : length / 2) + kSpread;
   const double future = (minimum ? 0 : length / 2) + kSpread;
+  if (config.low_latency) {
+    const double rows = static_cast<double>(plan.depth) * frames_per_row;
+    const auto overlap = static_cast<std::size_t>(std::ceil(past + future + rows)) + 2;
+    const TransformSizes small =
+        short_transform(sizes.in, sizes.out, overlap, 1,
+                        static_cast<std::size_t>(kShortHop * static_cast<double>(overlap)));
+    sizes.forward = small.forward;
+    sizes.inverse = small.inverse;
+  }
+  plan.shape = make_spectral_shape(sizes.forward, sizes.inverse);
   plan.lead_frames = static_cast<std::size_t>(std::ceil(past - row_time));
-  const double first = static_cast<double>(plan.lead_frames) + row_time;
-  plan.shape.first_row = static_cast<std::size_t>(std::floor(first / frames_per_row));
-  fill_response(plan, steep, first - static_cast<double>(plan.shape.first_row) * frames_per_row);
-
+  double first = static_cast<double>(plan.lead_frames) + row_time;
   const double last = static_cast<double>(sizes.forward) - 1 - future - first;
   const double rows = last / frames_per_row + 1 - static_cast<double>(plan.depth - 1);
   plan.shape.hop = static_cast<std::size_t>(rows) / sizes.out * sizes.out;
+  if (config.low_latency) {
+    // Frames too many for this hop and too few for the next one: nobody waits for those before.
+    const double unused = (rows - static_cast<double>(plan.shape.hop)) * frames_per_row;
+    plan.lead_frames += static_cast<std::size_t>(unused);
+    first = static_cast<double>(plan.lead_frames) + row_time;
+  }
+  plan.shape.first_row = static_cast<std::size_t>(std::floor(first / frames_per_row));
+  fill_response(plan, steep, first - static_cast<double>(plan.shape.first_row) * frames_per_row);
   plan.hop_frames = plan.shape.hop / sizes.out * sizes.in;
   plan.hop_samples = plan.shape.hop * factor;
   return plan;

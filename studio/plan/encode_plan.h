@@ -35,6 +35,7 @@ struct EncodePlanConfig {
   double pass_hz = 0;  ///< flat to here; 0 = 5 % of the highest stop_hz below stop_hz
   double stop_hz = 0;  ///< closed from here; 0 = half the lower of the PCM and the modulator's rate
   Phase phase = Phase::kLinear;
+  bool low_latency = false;  ///< short spans: another grid, several times the transforms' work
   /// Amplitude of the modulator's own interpolation, which puts its input k on bit 8k, at a
   /// frequency given as a part of its input rate; none: 1.
   std::function<double(double)> response = {};

@@ -53,7 +53,12 @@ class PieceStages {
   /// Waits until the oldest piece is finished. `ring_is_full`: nobody can give the stages more
   /// before that.
   virtual void wait_for(std::size_t slot, bool ring_is_full) = 0;
-  /// Told once of each finished piece, in order, before it is drained.
+  /// Told as the next piece fills up, by `in` of the `shape.in` elements that it reads. Stages may
+  /// use the time to go on with pieces that they were given.
+  virtual void progress(std::size_t in) = 0;
+  /// How much of what it gives a piece that is not finished has ready.
+  virtual std::size_t ready(std::size_t slot) = 0;
+  /// Told once of each piece, in order, when some of it is ready and before it is drained.
   virtual void open(std::size_t slot) = 0;
 
  protected:
@@ -93,6 +98,7 @@ class PieceRing {
       filled_ += part;
       accepted_ += part;
       done += part;
+      if (filled_ < shape_.in) stages_.progress(filled_);
       // What it reads reaches beyond what it makes, all of which therefore belongs to the stream,
       // up to the end of what is to come out.
       if (filled_ == shape_.in) submit(shape_.out);
@@ -119,9 +125,12 @@ class PieceRing {
   std::size_t available(bool patient) {
     for (;;) {
       fill_up();
-      if (drained_all() || draining_ == filling_ || !ready(patient)) return 0;
+      if (drained_all() || draining_ == filling_) return 0;
+      const bool whole = finished(patient);
+      const std::size_t ready = whole ? slots_[slot()].gives : stages_.ready(slot());
+      if (!whole && ready <= drained_) return 0;
       open();
-      if (drained_ < slots_[slot()].gives) return slots_[slot()].gives - drained_;
+      if (drained_ < ready) return ready - drained_;
       release();
     }
   }
@@ -251,7 +260,7 @@ class PieceRing {
   }
 
   // Whether the oldest piece is finished.
-  bool ready(bool patient) {
+  bool finished(bool patient) {
     if (stages_.finished(slot())) return true;
     if (!patient || !(ending_ || full())) return false;
     stages_.wait_for(slot(), full());

@@ -14,5 +14,5 @@
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const InterpolateVariant interpolate_avx2 = {kAvx2, run};
+extern const InterpolateVariant interpolate_avx2 = {kAvx2, kLanes, run};
 }

@@ -14,5 +14,5 @@
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const InterpolateVariant interpolate_avx512 = {kAvx512, run};
+extern const InterpolateVariant interpolate_avx512 = {kAvx512, kLanes, run};
 }

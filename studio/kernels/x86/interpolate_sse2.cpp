@@ -14,5 +14,5 @@
 #include "studio/kernels/x86/end.inc"
 
 namespace corvin::studio {
-extern const InterpolateVariant interpolate_sse2 = {kSse2, run};
+extern const InterpolateVariant interpolate_sse2 = {kSse2, kLanes, run};
 }

@@ -25,8 +25,9 @@ constexpr Pair kPairs[] = {
     {176400, 2822400}, {192000, 2822400}, {352800, 2822400}, {384000, 2822400}, {705600, 2822400},
     {768000, 2822400}, {705600, 3072000}, {44100, 5644800},  {48000, 11289600}, {44100, 22579200}};
 
-EncodePlan plan_of(const Pair& pair) {
+EncodePlan plan_of(const Pair& pair, bool low_latency = false) {
   EncodePlanConfig config;
+  config.low_latency = low_latency;
   config.pcm_rate = pair.pcm;
   config.dsd_rate = pair.dsd;
   return *make_encode_plan(config);
@@ -152,9 +153,11 @@ TEST(UpSampler, MinimumPhaseStartsAtTheEventWithTheSameLevel) {
 // Sound near both ends of the band against the sum that defines it: frames times the continuous
 // kernel that the bins describe, then the short filter's taps.
 TEST(UpSampler, BlocksAreADirectConvolution) {
-  for (const Pair& pair :
-       {Pair{44100, 2822400}, Pair{48000, 5644800}, Pair{352800, 3072000}, Pair{705600, 2822400}}) {
-    const EncodePlan plan = plan_of(pair);
+  constexpr Pair kSome[] = {
+      {44100, 2822400}, {48000, 5644800}, {352800, 3072000}, {705600, 2822400}};
+  for (std::size_t i = 0; i < 2 * std::size(kSome); ++i) {
+    const Pair& pair = kSome[i / 2];
+    const EncodePlan plan = plan_of(pair, i % 2 != 0);
     const auto factor = static_cast<double>(plan.factor());
     const double frames_per_row = static_cast<double>(plan.shape.forward.points) /
                                   static_cast<double>(plan.shape.inverse.points);
@@ -163,7 +166,7 @@ TEST(UpSampler, BlocksAreADirectConvolution) {
              0.4 * std::sin(2 * M_PI * 0.98 * plan.config.pass_hz / pair.pcm * frame);
     };
     std::vector<double> in(item_frames(plan));
-    for (std::size_t i = 0; i < in.size(); ++i) in[i] = sound(static_cast<double>(i));
+    for (std::size_t k = 0; k < in.size(); ++k) in[k] = sound(static_cast<double>(k));
     // The middle of the short filter, in rows before the last one that it takes.
     const double middle = plan.boxcars.order() * (factor - 1) / 2 / factor;
     const auto reference = [&](std::size_t index) {
@@ -191,7 +194,10 @@ TEST(UpSampler, BlocksAreADirectConvolution) {
     const std::size_t hop = plan.hop_samples;
     const std::size_t places[] = {0, 1, hop - 1, hop, 2 * hop - 1};
     for (std::size_t place : places) error += std::pow(out[place] - reference(place), 2);
-    EXPECT_LT(10 * std::log10(error / std::size(places)), -200) << pair.pcm << " to " << pair.dsd;
+    // The last bin of an odd number of points lies half a bin below the cut, where the filter is not
+    // quite closed: that rings to -182 dB.
+    const double limit = plan.shape.forward.points % 2 != 0 ? -180 : -200;
+    EXPECT_LT(10 * std::log10(error / std::size(places)), limit) << plan.describe();
   }
 }
 
