@@ -93,8 +93,8 @@ typedef struct corvin_decoder_settings {
   uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
   uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
   uint32_t
-      low_latency; /**< not 0: small pieces, for the times at corvin_decoder_latency() and two to
-                              four times the work. The filters and all their figures stay; where
+      low_latency; /**< not 0: small pieces, for the times at corvin_decoder_latency() and up to
+                              four times the work, of a single channel up to six. The filters and all their figures stay; where
                               pieces begin moves, and with it the rounding of samples, below -200
                               dBFS. Default 0 */
   uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
