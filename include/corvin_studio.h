@@ -94,9 +94,9 @@ typedef struct corvin_decoder_settings {
   uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
   uint32_t
       low_latency; /**< not 0: small pieces, for the times at corvin_decoder_latency() and up to
-                              four times the work, of a single channel up to six. The filters and all their figures stay; where
-                              pieces begin moves, and with it the rounding of samples, below -200
-                              dBFS. Default 0 */
+                              four times the work, of a single channel up to six. The filters and
+                              all their figures stay; where pieces begin moves, and with it the
+                              rounding of samples, below -200 dBFS. Default 0 */
   uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
                               0 the plain ones only. Changes the speed alone. Default all bits */
   uint64_t length;       /**< samples per channel to convert; what follows is taken and dropped.
