@@ -80,23 +80,22 @@ typedef enum corvin_context {
 
 /** What a decoder is made of. */
 typedef struct corvin_decoder_settings {
-  size_t size;          /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
-  uint32_t dsd_rate;    /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
-  uint32_t pcm_rate;    /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
-  uint32_t channels;    /**< 1..64. Default 2 */
-  uint32_t bit_order;   /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
-  uint32_t block_bytes; /**< bytes of one channel before the next channel's follow in
+  size_t size;           /**< sizeof(corvin_decoder_settings), set by ..._defaults() */
+  uint32_t dsd_rate;     /**< Hz: 44100 or 48000 x 64, 128, 256 or 512. Default 2822400 */
+  uint32_t pcm_rate;     /**< Hz: 44100 or 48000 x 1, 2, 4, 8 or 16. Default 44100 */
+  uint32_t channels;     /**< 1..64. Default 2 */
+  uint32_t bit_order;    /**< corvin_bit_order. Default CORVIN_MSB_FIRST */
+  uint32_t block_bytes;  /**< bytes of one channel before the next channel's follow in
                               corvin_decoder_push(): 1 for byte-interleaved, 4096 for DSF; up to
                               1048576. Default 1 */
-  uint32_t format;      /**< corvin_sample_format. Default CORVIN_S24 */
-  uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
-  uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
-  uint32_t threads;     /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
-  uint32_t
-      low_latency; /**< not 0: small pieces, for the times at corvin_decoder_latency() and up to
-                              four times the work, of a single channel up to six. The filters and
-                              all their figures stay; where pieces begin moves, and with it the
-                              rounding of samples, below -200 dBFS. Default 0 */
+  uint32_t format;       /**< corvin_sample_format. Default CORVIN_S24 */
+  uint32_t dither;       /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t phase;        /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
+  uint32_t threads;      /**< worker threads, 0..64; 0: all work on the caller's. Default 0 */
+  uint32_t low_latency;  /**< not 0: small pieces, for the times at corvin_decoder_latency(), and
+                              up to four times the work, of a single channel up to six. Filters and
+                              figures stay; where pieces begin moves, and with it the rounding of
+                              samples, below -200 dBFS. Default 0 */
   uint32_t kernel_mask;  /**< which builds of the inner loops may run: 1 SSE2, 2 AVX2, 4 AVX-512;
                               0 the plain ones only. Changes the speed alone. Default all bits */
   uint64_t length;       /**< samples per channel to convert; what follows is taken and dropped.
