@@ -25,6 +25,7 @@ void PutChunk(Bytes& to, std::string_view id, ByteSpan body) {
 void PutName(Bytes& to, std::string_view id, const std::string& name) {
   if (name.empty()) return;
   Bytes body;
+  body.reserve(4 + name.size());
   PutNumber(body, name.size(), 4);
   body.insert(body.end(), name.begin(), name.end());
   PutChunk(to, id, body);

@@ -359,8 +359,8 @@ CORVIN_API int corvin_encoder_push_planar(corvin_encoder* encoder, const void* c
  *  that a further frame would have had; the rest of the last byte, and in corvin_encoder_pull() of
  *  the last block, is filled with the silence pattern 0x69. Calling it again does nothing.
  *  The stream comes to rest: if the sound has faded, what its last bits decode to up to 20 kHz, and
- *  what the silence pattern behind them does, stays below -90 and -85 dBFS; with `low_latency`, which
- *  sees the end later, below -75 dBFS.
+ *  what the silence pattern behind them does, stays below -90 dBFS; with `low_latency`, which sees
+ *  the end later, below -75 dBFS.
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
  *  Real time: without worker threads this call and the pulls after it never allocate, lock or
  *  block, but do all that is left to do, and search the end for some 10 ms a channel.

@@ -34,7 +34,8 @@ void for_each_speaker(uint32_t mask, Use use) {
 std::string speaker_names(uint32_t mask) {
   std::string names;
   for_each_speaker(mask, [&](const Speaker& speaker) {
-    names += (names.empty() ? "" : " ") + std::string(speaker.name);
+    if (!names.empty()) names += ' ';
+    names += speaker.name;
   });
   return names;
 }

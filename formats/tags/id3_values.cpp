@@ -63,9 +63,9 @@ std::string DateOf(const OldDate& date) {
   std::string text = date.year;
   if (date.year.size() != 4 || !IsNumber(date.year)) return text;
   if (date.day.size() != 4 || !IsNumber(date.day)) return text;
-  text += "-" + date.day.substr(2) + "-" + date.day.substr(0, 2);
+  text.append("-").append(date.day, 2).append("-").append(date.day, 0, 2);
   if (date.time.size() != 4 || !IsNumber(date.time)) return text;
-  return text + "T" + date.time.substr(0, 2) + ":" + date.time.substr(2);
+  return text.append("T").append(date.time, 0, 2).append(":").append(date.time, 2);
 }
 
 OldDate OldDateOf(std::string_view date) {
