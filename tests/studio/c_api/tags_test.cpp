@@ -12,6 +12,7 @@
 #include "tests/support/dsd_files.h"
 #include "tests/support/id3_blocks.h"
 #include "tests/support/sound_files.h"
+#include "tests/support/status_of.h"
 #include "tests/support/temp_file.h"
 
 namespace corvin::studio {
@@ -56,16 +57,6 @@ Bytes file_with(corvin_container container, const TagSet& tags) {
 
 bool holds(const Bytes& file, const Bytes& part) {
   return std::search(file.begin(), file.end(), part.begin(), part.end()) != file.end();
-}
-
-template <class Call>
-int status_of(Call call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.status();
-  }
-  return CORVIN_OK;
 }
 
 TEST(TagsHandle, HoldsWhatItIsTold) {

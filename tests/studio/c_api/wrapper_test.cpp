@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tests/support/sound_files.h"
+#include "tests/support/status_of.h"
 
 namespace corvin::studio {
 namespace {
@@ -59,16 +60,6 @@ void write_file(HostFile& host, const Tags& tags, const Bytes& sound) {
   writer.set_tags(tags);
   writer.write(sound.data(), sound.size());
   writer.finish(sound.size() * 8);
-}
-
-template <class Call>
-int status_of(Call call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.status();
-  }
-  return CORVIN_OK;
 }
 
 TEST(Wrapper, TextsThatAreTooLongEndWithACharacter) {
