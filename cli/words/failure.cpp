@@ -3,7 +3,7 @@
 
 #include "cli/words/failure.h"
 
-#include <cstdio>
+#include "cli/words/said.h"
 
 namespace corvin::cli {
 
@@ -13,8 +13,7 @@ ExitCode report(const Failure& failure) {
 }
 
 void note(const std::string& subject, const std::string& message) {
-  std::fprintf(stderr, "corvin: %s: %s\n", subject.empty() ? "''" : subject.c_str(),
-               message.c_str());
+  say("corvin: " + (subject.empty() ? "''" : subject) + ": " + message + "\n");
 }
 
 }  // namespace corvin::cli

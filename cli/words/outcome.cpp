@@ -3,9 +3,8 @@
 
 #include "cli/words/outcome.h"
 
-#include <cstdio>
-
 #include "cli/words/measures.h"
+#include "cli/words/said.h"
 
 namespace corvin::cli {
 
@@ -13,7 +12,7 @@ void print_summary(const std::string& path, std::initializer_list<std::string> p
   std::string line;
   for (const std::string& part : parts)
     if (!part.empty()) line += (line.empty() ? "" : ", ") + part;
-  std::printf("%s: %s\n", path.c_str(), line.c_str());
+  say(path + ": " + line + "\n");
 }
 
 Failure no_convertible_sound(const std::string& path) {

@@ -15,7 +15,8 @@
 
 namespace corvin::cli {
 
-/** Prints "out.wav: 96000 Hz, 24 bits, ..."; empty parts are left out. */
+/** Says "out.wav: 96000 Hz, 24 bits, ..." on standard error, as the file itself may go to standard
+ *  output; empty parts are left out. */
 void print_summary(const std::string& path, std::initializer_list<std::string> parts);
 
 /** For an input that states sound and has none. */

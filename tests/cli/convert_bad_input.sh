@@ -13,6 +13,8 @@ refused() {
   rm -r out
 }
 
+levelless() { cut -d, -f1-4; }
+
 make_dsd dsf a.dsf 0.1
 make_dsd dsdiff b.dff 0.1
 make_dsd 1bit c.bin 0.1
@@ -38,7 +40,7 @@ refused soundless.bin
 # without sound.
 cp b.dff untyped.dff && patch untyped.dff 86 "43434343"
 for engine in studio classic; do
-  try corvin convert untyped.dff -o untyped.wav -y --engine $engine | cut -d, -f1-4
+  try through levelless corvin convert untyped.dff -o untyped.wav -y --engine $engine
 done
 
 # What is left of a file that was cut short is worth having.
@@ -46,6 +48,6 @@ head -c 40000 a.dsf >half.dsf
 head -c 40000 b.dff >half.dff
 for half in half.dsf half.dff; do
   for engine in studio classic; do
-    try corvin convert $half -o half.wav -y --engine $engine | cut -d, -f1-4
+    try through levelless corvin convert $half -o half.wav -y --engine $engine
   done
 done

@@ -26,9 +26,9 @@ wav.tags.add(APIC(encoding=3, mime="image/jpeg", type=4, desc="back", data=b"12"
 wav.tags.add(APIC(encoding=3, mime="image/jpeg", type=3, desc="front", data=b"123"))
 wav.save()
 PYTHON
-for in in in.flac id3.wav in.wav; do corvin convert $in -o $in.dsf >/dev/null; done
-corvin convert in.flac -o in.dff >/dev/null
-corvin convert in.flac -o in.1bit >/dev/null
+for in in in.flac id3.wav in.wav; do corvin convert $in -o $in.dsf 2>/dev/null; done
+corvin convert in.flac -o in.dff 2>/dev/null
+corvin convert in.flac -o in.1bit 2>/dev/null
 try corvin tags in.flac.dsf id3.wav.dsf in.wav.dsf in.dff in.1bit | sed -E 's/(ä){200,}/.../'
 corvin tags in.flac.dsf | LC_ALL=C.UTF-8 grep -o ä | wc -l
 corvin tags --json in.flac.dsf in.wav.dsf | python3 -c '
@@ -53,7 +53,7 @@ for path in "in.flac.dsf", "id3.wav.dsf":
 PYTHON
 
 # What another writer has put in: version 2.4, in both kinds of file, comments in any language.
-corvin convert in.wav -o other.dff >/dev/null
+corvin convert in.wav -o other.dff 2>/dev/null
 cp in.wav.dsf other.dsf
 /usr/bin/python3 - <<'PYTHON'
 from mutagen.dsdiff import DSDIFF

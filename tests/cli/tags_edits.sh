@@ -8,8 +8,8 @@ LC_ALL=C.UTF-8 flac --totally-silent in.wav -o in.flac -T "TITLE=Zwölf" -T ARTI
   -T GENRE=Jazz -T TRACKNUMBER=03/12 -T TOTALDISCS=2 -T DATE=1993-07-05 -T "LYRICS=la
 la" -T REPLAYGAIN_TRACK_GAIN="-6.50 dB" -T MUSICBRAINZ_ALBUMID=id -T "Own field=x" \
   --picture "4|image/jpeg|back|1x1x24|back.jpg"
-for kind in dsf dff; do corvin convert in.flac -o song.$kind >/dev/null; done
-corvin convert song.dsf -o sound.wav >/dev/null
+for kind in dsf dff; do corvin convert in.flac -o song.$kind 2>/dev/null; done
+corvin convert song.dsf -o sound.wav 2>/dev/null
 try corvin tags show in.flac song.dsf song.dff
 
 same_tags() { cmp <(corvin tags "$1" | tail -n +2) <(corvin tags "$2" | tail -n +2); }
@@ -21,7 +21,7 @@ try corvin tags remove -t lyrics -t "own FIELD" -p 4 song.dsf song.dff
 try corvin tags song.dsf
 try same_tags song.dsf song.dff
 for kind in dsf dff; do
-  corvin convert song.$kind -o after.wav -y >/dev/null
+  corvin convert song.$kind -o after.wav -y 2>/dev/null
   cmp sound.wav after.wav
   mediainfo --Output='Audio;%Format% %Channel(s)% %SamplingRate% %Duration%' song.$kind
 done
