@@ -12,6 +12,7 @@
 #include <string>
 
 #include "cli/commands/commands.h"
+#include "cli/files/interrupt.h"
 #include "cli/words/failure.h"
 #include "corvin.h"
 
@@ -19,7 +20,7 @@ namespace {
 
 constexpr const char* kExitCodes =
     "Exit codes: 0 done; 1 some of several inputs failed; 2 usage; 3 unreadable or\n"
-    "unsupported input; 4 write error; 130 interrupted.";
+    "unsupported input; 4 write error; 128 + N ended by signal N.";
 
 int run(int argc, char** argv) {
   using namespace corvin::cli;
@@ -55,6 +56,7 @@ int main(int argc, char** argv) {
   // a half-written file left behind.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  corvin::cli::end_on_interrupts();
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {

@@ -16,6 +16,7 @@
 #include "cli/files/interrupt.h"
 
 namespace corvin::cli {
+
 OutputFile::OutputFile(Config config) : config_(std::move(config)) {
   check_target();
   if (is_device_)
@@ -29,7 +30,7 @@ OutputFile::~OutputFile() {
   if (temporary_path_.empty()) return;
   const InterruptsHeld held;
   unlink(temporary_path_.c_str());
-  remove_on_interrupt("");
+  keep_on_interrupt(temporary_path_);
 }
 
 void OutputFile::commit() {
@@ -114,9 +115,8 @@ void OutputFile::rename_to_target() {
     if (errno == EEXIST) throw exists_already();
   }
   if (std::rename(from, to) != 0) throw write_error();
+  keep_on_interrupt(temporary_path_);
   temporary_path_.clear();
-  remove_on_interrupt("");
-  return;
 }
 
 }  // namespace corvin::cli

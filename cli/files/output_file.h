@@ -3,7 +3,8 @@
 //
 // The file a command makes: written beside its name under a temporary one and renamed when it is
 // complete, so that the name never stands for half a file. Whatever ends the tool before that (an
-// error, an interrupt) leaves nothing behind and an older file of that name as it was.
+// error, an interrupt) leaves nothing behind and an older file of that name as it was. Any number of
+// them at once, on any threads.
 
 #ifndef CORVIN_CLI_FILES_OUTPUT_FILE_H_
 #define CORVIN_CLI_FILES_OUTPUT_FILE_H_
@@ -34,7 +35,7 @@ class OutputFile {
   /** Its name until commit(), for those who open it themselves. */
   const std::string& path() const { return is_device_ ? target_ : temporary_path_; }
 
-  /** Closes the file and gives it its name. Call it when no other thread runs. */
+  /** Closes the file and gives it its name. */
   void commit();
 
  private:

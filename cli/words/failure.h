@@ -18,7 +18,6 @@ enum ExitCode : int {
   kUsage = 2,             // the command line asks for what the tool will not do
   kBadInput = 3,          // unreadable or unsupported
   kWriteError = 4,
-  kInterrupted = 130,  // by a signal
 };
 
 /** Ends the work on an input, and the command unless it has others: what went wrong with which

@@ -3,7 +3,7 @@
 
 make_dsd dsf in.dsf 0.01
 try corvin --version
-corvin --help | grep -o "^ *info\|^ *convert\|130 interrupted"
+corvin --help | grep -o "^ *info\|^ *convert\|ended by signal N"
 corvin convert --help | grep -o "by default 96000\|by default 24"
 
 try corvin
