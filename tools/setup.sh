@@ -5,7 +5,8 @@
 # preset. To be sourced by bash; sets $root to the source tree.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libcli11-dev nlohmann-json3-dev"
+build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libflac-dev libwavpack-dev
+  libcli11-dev nlohmann-json3-dev"
 test_packages="libgtest-dev libbenchmark-dev python3 python3-mutagen mediainfo wavpack flac"
 
 say() { printf '%s\n' "$*" >&2; }

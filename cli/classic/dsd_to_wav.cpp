@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from a DSD file to a WAV file, by the classic engine.
+// corvin convert from a DSD file to PCM, by the classic engine.
 
 #include <cstdint>
 #include <cstdio>
@@ -11,7 +11,7 @@
 #include "cli/classic/level_meter.h"
 #include "cli/classic/pcm_pipe.h"
 #include "cli/classic/ways.h"
-#include "cli/files/wav_writer.h"
+#include "cli/files/pcm_writer.h"
 #include "cli/words/failure.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
@@ -45,20 +45,24 @@ void convert_dsd_to_wav_classic(const ClassicWavRequest& request, const DsdHeade
   const DSD_INFO& info = input.info;
   const uint32_t channels = info.channels == 1 ? 1 : 2;
   const int bits = bits_of(request.format);
-  const size_t bytes_per_frame = channels * static_cast<size_t>(bits / 8);
+  const size_t bytes_per_frame = channels * bytes_of(request.format);
   const uint64_t expected = expected_frames(info, request.rate_hz);
   const auto rate_hz = static_cast<int>(request.rate_hz);
 
+  PcmWriterConfig config{.kind = request.kind,
+                         .rate_hz = request.rate_hz,
+                         .channels = channels,
+                         .format = request.format,
+                         .expected_frames = expected};
+  if (const std::string why = why_not_writable(config); !why.empty())
+    throw Failure(kUsage, request.output.path, why);
   OutputFile output(request.output);
-  WavWriter writer({.descriptor = output.descriptor(),
-                    .rate_hz = rate_hz,
-                    .channels = static_cast<int>(channels),
-                    .format = request.format,
-                    .expected_bytes = expected * bytes_per_frame});
+  config.descriptor = output.descriptor();
+  const auto writer = make_pcm_writer(config);
   const auto require_written = [&](bool is_written) {
-    if (!is_written) throw Failure(kWriteError, request.output.path, writer.error());
+    if (!is_written) throw Failure(kWriteError, request.output.path, writer->error());
   };
-  require_written(writer.error().empty());
+  require_written(writer->error().empty());
 
   LevelMeter level(bits);
   uint64_t frames = 0;
@@ -75,13 +79,13 @@ void convert_dsd_to_wav_classic(const ClassicWavRequest& request, const DsdHeade
         [&](std::span<const uint8_t> pcm) {
           level.add(pcm);
           frames += pcm.size() / bytes_per_frame;
-          return writer.write(pcm);
+          return writer->write(pcm);
         });
   }
-  require_written(writer.error().empty());
+  require_written(writer->error().empty());
   if (result != 0) throw Failure(kBadInput, input.path, "cannot be converted");
   if (frames == 0 && expected != 0) throw no_convertible_sound(input.path);
-  require_written(writer.finish());
+  require_written(writer->finish());
   output.commit();
 
   if (info.channels > 2)

@@ -11,12 +11,14 @@
 #include "cli/classic/dsd_headers.h"
 #include "cli/files/output_file.h"
 #include "cli/files/pcm_input.h"
+#include "cli/files/pcm_kind.h"
 #include "corvin.h"
 
 namespace corvin::cli {
 
 struct ClassicWavRequest {
   OutputFile::Config output;
+  PcmKind kind = PcmKind::kWav;
   uint32_t rate_hz = 0;                      // up to the DSD file's own
   corvin_sample_format format = CORVIN_S24;  // of integers
 };

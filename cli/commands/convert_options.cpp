@@ -73,21 +73,23 @@ void add_convert_options(CLI::App& command, ConvertOptions& options) {
                   "libsndfile reads (WAV, AIFF, FLAC...) of up to 8 channels")
       ->required();
   command
-      .add_option("-o,--output", options.output,
-                  "File to write: DSD when its name ends in .dff, .dsf or .1bit, else WAV (RF64 "
-                  "above 4 GiB). WAV and .1bit files get no tags")
+      .add_option(
+          "-o,--output", options.output,
+          "File to write, of the kind that its ending stands for: .dff, .dsf, .1bit; .flac, "
+          ".wav (RF64 above 4 GiB), .rf64, .w64, .aiff, .caf, .wv. PCM and .1bit files get "
+          "no tags")
       ->required()
       ->type_name("OUT");
   command
       .add_option_function<std::string>(
           "-r,--rate", [&](const std::string& text) { options.rate = rate_in(text); },
-          "Of WAV: 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up to 768000 "
+          "Of PCM: 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up to 768000 "
           "Hz); by default 96000 for multiples of 48 kHz, 88200 for all others. Of DSD: "
           "dsd64, dsd128, dsd256, dsd512 (times 44100 or 48000 Hz, as fits the input) or "
           "one of these rates in Hz; by default dsd64, or the input's own")
       ->type_name("RATE");
   add_choice(command, "-b,--bits", options.format, kFormats,
-             "Bits per sample of the WAV file, 16, 24, 32 or float; by default 24")
+             "Bits per sample of PCM, 16, 24, 32 or float; by default 24")
       ->type_name("N")
       ->check(one_of(kFormats));
   add_choice(command, "--dither", options.dither, kDithers,

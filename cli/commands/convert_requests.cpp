@@ -65,6 +65,13 @@ corvin_container container_for_pcm(const ConvertOptions& options) {
               "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit");
 }
 
+PcmKind kind_for_pcm(const ConvertOptions& options) {
+  if (const auto kind = pcm_kind_of(options.output)) return *kind;
+  throw usage(
+      options.output,
+      "its ending stands for no kind of file; known are .dsf, .dff, .1bit, " + pcm_endings());
+}
+
 bool is_studio_pcm_rate(uint32_t rate_hz) {
   for (uint32_t times = 1; times <= 16; times *= 2)
     if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
@@ -96,7 +103,9 @@ uint32_t classic_dsd_rate_hz(const AskedRate& rate, uint32_t input_rate_hz) {
 
 WavRequest wav_request(const ConvertOptions& options, const DsdInput& input) {
   if (options.modulator) throw usage("--modulator", "is for DSD files");
-  WavRequest request{.output = output_of(options), .settings = settings_of(options)};
+  WavRequest request{.output = output_of(options),
+                     .kind = kind_for_pcm(options),
+                     .settings = settings_of(options)};
   request.settings.pcm_rate = default_pcm_rate_hz(input.info().dsd_rate);
   if (options.rate) {
     if (!options.rate->hz || !is_studio_pcm_rate(*options.rate->hz))
@@ -146,6 +155,7 @@ ClassicWavRequest classic_wav_request(const ConvertOptions& options, const DsdHe
                                    " Hz is below the " + std::to_string(rate_hz) + " Hz asked for");
   refuse_studio_options(options, "is not for the classic engine");
   return {.output = output_of(options),
+          .kind = kind_for_pcm(options),
           .rate_hz = rate_hz,
           .format = options.format.value_or(CORVIN_S24)};
 }

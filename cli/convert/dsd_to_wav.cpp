@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from a DSD file to a WAV file.
+// corvin convert from a DSD file to PCM.
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "cli/convert/engine_run.h"
 #include "cli/convert/ways.h"
+#include "cli/files/pcm_writer.h"
 #include "cli/files/tagged_file.h"
-#include "cli/files/wav_writer.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
 
@@ -17,7 +17,19 @@ namespace corvin::cli {
 namespace {
 
 std::string format_name(corvin_sample_format format) {
-  return format == CORVIN_F32 ? "32-bit float" : std::to_string(bits_of(format)) + " bits";
+  const std::string bits = std::to_string(bits_of(format));
+  return is_float(format) ? bits + "-bit float" : bits + " bits";
+}
+
+// The frames are close enough to tell whether they fit.
+PcmWriterConfig config_of(const WavRequest& request, const corvin_file_info& info) {
+  const double seconds = static_cast<double>(info.samples) / info.dsd_rate;
+  return {.kind = request.kind,
+          .rate_hz = request.settings.pcm_rate,
+          .channels = info.channels,
+          .speakers = info.speakers,
+          .format = static_cast<corvin_sample_format>(request.settings.format),
+          .expected_frames = static_cast<uint64_t>(seconds * request.settings.pcm_rate)};
 }
 
 void note_tags(const std::string& output, DsdInput& input) {
@@ -33,23 +45,22 @@ void note_tags(const std::string& output, DsdInput& input) {
 
 void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
   input.require_sound();
+  PcmWriterConfig config = config_of(request, input.info());
+  if (const std::string why = why_not_writable(config); !why.empty())
+    throw Failure(kUsage, request.output.path, why);
   OutputFile output(request.output);
   const auto failure = [&](const std::string& why) {
     return Failure(kWriteError, request.output.path, why);
   };
 
   const corvin_file_info& info = input.info();
-  const auto format = static_cast<corvin_sample_format>(request.settings.format);
-  const uint32_t rate_hz = request.settings.pcm_rate;
-  const size_t bytes_per_frame = info.channels * static_cast<size_t>(bits_of(format) / 8);
-  std::optional<WavWriter> writer;
+  const uint32_t rate_hz = config.rate_hz;
+  const size_t bytes_per_frame = config.channels * bytes_of(config.format);
+  std::unique_ptr<PcmWriter> writer;
   const auto begin = [&](const corvin_pcm_format& pcm) {
-    writer.emplace(WavWriter::Config{.descriptor = output.descriptor(),
-                                     .rate_hz = static_cast<int>(rate_hz),
-                                     .channels = static_cast<int>(info.channels),
-                                     .speakers = pcm.speakers,
-                                     .format = format,
-                                     .expected_bytes = pcm.frames * bytes_per_frame});
+    config.descriptor = output.descriptor();
+    config.expected_frames = pcm.frames;
+    writer = make_pcm_writer(config);
     return writer->error().empty();
   };
   const auto write = [&](const void* frames, size_t count) {
@@ -73,10 +84,10 @@ void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
   note_tags(request.output.path, input);
   if (result.frames == 0) note_no_sound(input.path());
   note_clips(input.path(), result.clips, "; a lower --gain avoids that");
-  print_summary(
-      request.output.path,
-      {std::to_string(rate_hz) + " Hz", format_name(format), counted(info.channels, "channel"),
-       duration_text(result.frames, rate_hz), level_text(result.peak)});
+  print_summary(request.output.path,
+                {std::to_string(rate_hz) + " Hz", format_name(config.format),
+                 counted(info.channels, "channel"), duration_text(result.frames, rate_hz),
+                 level_text(result.peak)});
 }
 
 }  // namespace corvin::cli

@@ -12,12 +12,14 @@
 #include "cli/files/dsd_input.h"
 #include "cli/files/output_file.h"
 #include "cli/files/pcm_input.h"
+#include "cli/files/pcm_kind.h"
 #include "corvin.hpp"
 
 namespace corvin::cli {
 
 struct WavRequest {
   OutputFile::Config output;
+  PcmKind kind = PcmKind::kWav;
   ConvertSettings settings;  // without threads and progress
 };
 
