@@ -156,6 +156,48 @@ class Decoder {
   std::unique_ptr<corvin_decoder, Destroy> handle_;
 };
 
+/// corvin_quantizer_settings with its defaults.
+struct QuantizerSettings : corvin_quantizer_settings {
+  QuantizerSettings() { corvin_quantizer_settings_defaults(this); }
+};
+
+class Quantizer {
+ public:
+  explicit Quantizer(const corvin_quantizer_settings& settings = QuantizerSettings()) {
+    corvin_quantizer* made = nullptr;
+    check(corvin_quantizer_create(&settings, &made));
+    handle_.reset(made);
+  }
+
+  /// Makes `frames` interleaved frames; without `out` they are heard and not written.
+  void run(const double* in, std::size_t frames, void* out) {
+    check(corvin_quantizer_run(handle_.get(), in, frames, out));
+  }
+  /// An empty `out` is none.
+  void run_planar(std::span<const double* const> in, std::size_t frames,
+                  std::span<void* const> out) {
+    check(corvin_quantizer_run_planar(handle_.get(), in.data(), frames,
+                                      out.empty() ? nullptr : out.data()));
+  }
+
+  void reset() { check(corvin_quantizer_reset(handle_.get())); }
+
+  corvin_quantizer_report report() const {
+    corvin_quantizer_report report = {};
+    report.size = sizeof report;
+    check(corvin_quantizer_get_report(handle_.get(), &report));
+    return report;
+  }
+
+  corvin_quantizer* handle() const { return handle_.get(); }
+
+ private:
+  struct Destroy {
+    void operator()(corvin_quantizer* quantizer) const { corvin_quantizer_destroy(quantizer); }
+  };
+  std::unique_ptr<corvin_quantizer, Destroy> handle_;
+};
+
 /// corvin_encoder_settings with its defaults.
 struct EncoderSettings : corvin_encoder_settings {
   EncoderSettings() { corvin_encoder_settings_defaults(this); }

@@ -49,7 +49,10 @@ typedef enum corvin_sample_format {
   CORVIN_S24 = 1, /**< three bytes */
   CORVIN_S32 = 2,
   CORVIN_F32 = 3,
-  CORVIN_F64 = 4
+  CORVIN_F64 = 4,
+  CORVIN_S20 =
+      5 /**< 20 bits in three bytes: those of CORVIN_S24 with the low four zero. Read as that,
+                      whatever these are */
 } corvin_sample_format;
 
 typedef enum corvin_bit_order {
@@ -257,6 +260,82 @@ CORVIN_API int corvin_decoder_get_report(const corvin_decoder* decoder,
  *  @return  the length of the whole description, CORVIN_E_ARGUMENT or CORVIN_E_MEMORY
  *  Since 0.1. */
 CORVIN_API int corvin_decoder_describe(const corvin_decoder* decoder, char* text, size_t size);
+
+/** What a quantizer is made of. */
+typedef struct corvin_quantizer_settings {
+  size_t size;          /**< sizeof(corvin_quantizer_settings), set by ..._defaults() */
+  uint32_t pcm_rate;    /**< Hz, 8000..768000; nothing but CORVIN_DITHER_SHAPED depends on it.
+                             Default 44100 */
+  uint32_t channels;    /**< 1..64. Default 2 */
+  uint32_t format;      /**< corvin_sample_format to make. Default CORVIN_S24 */
+  uint32_t dither;      /**< corvin_dither. Default CORVIN_DITHER_TPDF */
+  uint32_t kernel_mask; /**< as in corvin_decoder_settings. Default all bits */
+  uint32_t reserved0;   /**< 0 */
+  uint64_t seed;        /**< of the dither. Default 0 */
+  uint64_t
+      first_frame; /**< where in a whole the first frame stands, on which the dither hangs; up to
+                             2^60. Default 0 */
+  double gain_db;  /**< -120..60. Default 0 */
+  uint64_t reserved[6]; /**< 0 */
+} corvin_quantizer_settings;
+
+/** What came out so far. */
+typedef struct corvin_quantizer_report {
+  size_t size;     /**< sizeof(corvin_quantizer_report), set by the caller */
+  uint64_t frames; /**< written */
+  uint64_t clips;  /**< samples that met a limit of their integer format */
+  double peak;     /**< largest absolute sample after the gain, before limiting; 1.0 = full scale */
+} corvin_quantizer_report;
+
+/** Brings floating-point frames into another format: the last step of a decoder alone, for what was
+ *  measured or worked on in between. Of a decoder's CORVIN_F64 it makes, with the same dither, seed
+ *  and rate, bit for bit what that decoder makes in the format; the gain may be either's. Where the
+ *  calls are cut changes nothing. */
+typedef struct corvin_quantizer corvin_quantizer;
+
+/** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_quantizer_settings_defaults(corvin_quantizer_settings* settings);
+
+/** Makes a quantizer.
+ *  @param settings   copied
+ *  @param quantizer  receives the handle, NULL on failure
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
+ *  Since 0.1. */
+CORVIN_API int corvin_quantizer_create(const corvin_quantizer_settings* settings,
+                                       corvin_quantizer** quantizer);
+
+/** Ends a quantizer. NULL is ignored. Since 0.1. */
+CORVIN_API void corvin_quantizer_destroy(corvin_quantizer* quantizer);
+
+/** Makes frames, interleaved, as many as there are: nothing is kept back.
+ *  @param in      in[frames*channels], interleaved. What is no number counts as 0, what is beyond
+ *                 65536 as that; may be NULL when `frames` is 0
+ *  @param frames  their number
+ *  @param out     room for `frames` frames, may be the place of `in`. NULL: the frames shape those
+ *                 behind them, as CORVIN_DITHER_SHAPED does within every 16384 frames of the whole,
+ *                 and count for nothing in the report. So a stretch of a whole is made of its frames
+ *                 and those since the last multiple of 16384, with which it begins
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Real time: never allocates, locks or blocks. Since 0.1. */
+CORVIN_API int corvin_quantizer_run(corvin_quantizer* quantizer, const double* in, size_t frames,
+                                    void* out);
+
+/** The same with each channel at a place of its own: in[channels], out[channels], of which out[c]
+ *  may be in[c]. Since 0.1. */
+CORVIN_API int corvin_quantizer_run_planar(corvin_quantizer* quantizer, const double* const* in,
+                                           size_t frames, void* const* out);
+
+/** Returns to the state after create.
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_quantizer_reset(corvin_quantizer* quantizer);
+
+/** Reports on the frames written since create or reset.
+ *  @param report  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT
+ *  Since 0.1. */
+CORVIN_API int corvin_quantizer_get_report(const corvin_quantizer* quantizer,
+                                           corvin_quantizer_report* report);
 
 /** How hard an encoder works for a low noise. Noise from 20 Hz to 20 kHz at DSD64 under a sine of 0
  *  dBFS, re a sine of full modulation; docs/quality tells it for bands up to 200 kHz. At DSD256 and

@@ -27,6 +27,9 @@ void set_defaults(Struct& known) {
 inline void set_defaults(corvin_decoder_settings& known) {
   corvin_decoder_settings_defaults(&known);
 }
+inline void set_defaults(corvin_quantizer_settings& known) {
+  corvin_quantizer_settings_defaults(&known);
+}
 inline void set_defaults(corvin_encoder_settings& known) {
   corvin_encoder_settings_defaults(&known);
 }

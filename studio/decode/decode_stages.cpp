@@ -12,6 +12,17 @@
 namespace corvin::studio {
 namespace {
 
+corvin_quantizer_settings output_settings(const corvin_decoder_settings& settings) {
+  corvin_quantizer_settings result = {};
+  result.pcm_rate = settings.pcm_rate;
+  result.channels = settings.channels;
+  result.format = settings.format;
+  result.dither = settings.dither;
+  result.seed = settings.seed;
+  result.gain_db = settings.gain_db;
+  return result;
+}
+
 // Where each channel's samples begin.
 std::array<const double*, kMostChannels> rows_of(const AlignedArray<double>& samples,
                                                  const DecodeStages::Shape& shape,
@@ -48,7 +59,9 @@ DecodeStages::DecodeStages(const corvin_decoder_settings& settings, const Decode
   const std::size_t threads = std::max<std::size_t>(1, settings.threads);
   workers_.reserve(threads);
   for (std::size_t i = 0; i < threads; ++i) {
-    workers_.push_back({SpanFilter(plan, kernels), SampleOutput(settings, *kernels.quantise), {}});
+    workers_.push_back({SpanFilter(plan, kernels),
+                        SampleOutput(output_settings(settings), *kernels.quantise),
+                        {}});
   }
   is_serial_ = workers_[0].output.is_serial();
   const std::size_t samples = shape_.channels * shape_.out;

@@ -4,12 +4,12 @@
 #include "studio/decode/decoder.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <utility>
 
 #include "formats/bytes/bit_order.h"
 #include "studio/decode/decoder_settings.h"
+#include "studio/pcm/pack.h"
 #include "studio/stream/sample_shift.h"
 #include "studio/stream/stream_limits.h"
 
@@ -172,12 +172,11 @@ std::size_t Decoder::pull_planar(void* const* out, std::size_t frames) {
     for (std::size_t at = 0; at < count; at += kFrames) {
       const std::size_t part = std::min(count - at, kFrames);
       stages_.write(ring_.slot(), ring_.drained() + at, part, interleaved);
+      std::uint8_t* places[kMostChannels];
       for (std::size_t c = 0; c < settings_.channels; ++c) {
-        std::uint8_t* place = static_cast<std::uint8_t*>(out[c]) + (done + at) * bytes;
-        for (std::size_t i = 0; i < part; ++i) {
-          std::memcpy(place + i * bytes, &interleaved[i * frame_bytes() + c * bytes], bytes);
-        }
+        places[c] = static_cast<std::uint8_t*>(out[c]) + (done + at) * bytes;
       }
+      split_frames(interleaved, settings_.channels, part, bytes, places);
     }
   });
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "studio/pcm/sample_format.h"
 #include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
@@ -27,7 +28,7 @@ corvin_decoder_settings default_decoder_settings() {
 bool in_range(const corvin_decoder_settings& s) {
   // Comparisons that a NaN fails.
   return s.channels >= 1 && s.channels <= kMostChannels && s.bit_order <= CORVIN_LSB_FIRST &&
-         s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.format <= CORVIN_F64 &&
+         s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.format <= kLastFormat &&
          s.dither <= CORVIN_DITHER_SHAPED && s.phase <= CORVIN_MINIMUM_PHASE &&
          s.threads <= kMostThreads && s.first_sample <= kLastPlace &&
          s.context <= CORVIN_CONTEXT_BOTH && s.gain_db >= kLeastGainDb &&

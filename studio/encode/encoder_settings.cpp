@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "studio/pcm/sample_format.h"
 #include "studio/stream/stream_limits.h"
 
 namespace corvin::studio {
@@ -26,7 +27,7 @@ corvin_encoder_settings default_encoder_settings() {
 
 bool in_range(const corvin_encoder_settings& s) {
   // Comparisons that a NaN fails.
-  return s.channels >= 1 && s.channels <= kMostChannels && s.format <= CORVIN_F64 &&
+  return s.channels >= 1 && s.channels <= kMostChannels && s.format <= kLastFormat &&
          s.modulator <= CORVIN_MODULATOR_BEST && s.bit_order <= CORVIN_LSB_FIRST &&
          s.block_bytes >= 1 && s.block_bytes <= kLargestBlock && s.threads <= kMostThreads &&
          s.gain_db >= kLeastGainDb && s.gain_db <= kMostGainDb && s.phase <= CORVIN_MINIMUM_PHASE &&

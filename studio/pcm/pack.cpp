@@ -82,4 +82,13 @@ void pack_floats(const double* const* in, std::size_t channels, std::size_t coun
   pack_words<double>(in, channels, count, out, [factor](double value) { return value * factor; });
 }
 
+void split_frames(const std::uint8_t* in, std::size_t channels, std::size_t count,
+                  std::size_t bytes, std::uint8_t* const* out) {
+  for (std::size_t c = 0; c < channels; ++c) {
+    for (std::size_t i = 0; i < count; ++i) {
+      std::memcpy(out[c] + i * bytes, in + (i * channels + c) * bytes, bytes);
+    }
+  }
+}
+
 }  // namespace corvin::studio

@@ -21,6 +21,10 @@ void pack_integers(const std::int32_t* const* in, std::size_t channels, std::siz
 void pack_floats(const double* const* in, std::size_t channels, std::size_t count, double factor,
                  unsigned bytes, std::uint8_t* out);
 
+/// Interleaved samples of `bytes` bytes to places of each channel: out[channels].
+void split_frames(const std::uint8_t* in, std::size_t channels, std::size_t count,
+                  std::size_t bytes, std::uint8_t* const* out);
+
 }  // namespace corvin::studio
 
 #endif  // CORVIN_STUDIO_PCM_PACK_H_

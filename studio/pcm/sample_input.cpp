@@ -45,6 +45,7 @@ void read_samples(const std::uint8_t* in, std::size_t stride, std::size_t count,
         return static_cast<double>(static_cast<std::int16_t>(little_endian<std::uint16_t>(at)));
       });
     case CORVIN_S24:
+    case CORVIN_S20:  // which is that with zeros below
       return read_all(in, stride, count, std::ldexp(gain, -31), out, [](const std::uint8_t* at) {
         const std::uint32_t word =
             std::uint32_t{at[0]} << 8 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 24;

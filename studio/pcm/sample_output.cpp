@@ -25,10 +25,12 @@ std::uint32_t dither_key(std::uint64_t seed, std::size_t channel, std::uint64_t 
 
 }  // namespace
 
-SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const QuantiseVariant& quantise)
+SampleOutput::SampleOutput(const corvin_quantizer_settings& settings,
+                           const QuantiseVariant& quantise)
     : channels_(settings.channels),
       sample_bytes_(studio::sample_bytes(settings.format)),
-      floating_(settings.format == CORVIN_F32 || settings.format == CORVIN_F64),
+      floating_(is_floating(settings.format)),
+      padding_bits_(static_cast<unsigned>(8 * sample_bytes_) - significant_bits(settings.format)),
       gain_(from_db(settings.gain_db)),
       seed_(settings.seed),
       quantise_(quantise.run),
@@ -36,7 +38,7 @@ SampleOutput::SampleOutput(const corvin_decoder_settings& settings, const Quanti
       integer_rows_(settings.channels),
       rows_(settings.channels) {
   if (floating_) return;
-  const double full = std::ldexp(1.0, static_cast<int>(8 * sample_bytes_ - 1));
+  const double full = std::ldexp(1.0, static_cast<int>(significant_bits(settings.format)) - 1);
   scale_ = {full * gain_, -full, full - 1, settings.dither != CORVIN_DITHER_NONE};
   if (settings.dither == CORVIN_DITHER_SHAPED) shaper_.emplace(settings.pcm_rate);
   integers_ = AlignedArray<std::int32_t>(channels_ * kChunkFrames);
@@ -57,6 +59,7 @@ void SampleOutput::quantise(const double* const* in, std::uint64_t first, std::s
     } else {
       quantise_(in[c], count, scale_, key, index, out, tally);
     }
+    for (std::size_t i = 0; padding_bits_ != 0 && i < count; ++i) out[i] <<= padding_bits_;
   }
 }
 

@@ -21,7 +21,7 @@ namespace corvin::studio {
 
 class SampleOutput {
  public:
-  SampleOutput(const corvin_decoder_settings& settings, const QuantiseVariant& quantise);
+  SampleOutput(const corvin_quantizer_settings& settings, const QuantiseVariant& quantise);
 
   std::size_t sample_bytes() const { return sample_bytes_; }
   std::size_t frame_bytes() const { return channels_ * sample_bytes_; }
@@ -60,6 +60,7 @@ class SampleOutput {
   std::size_t channels_;
   std::size_t sample_bytes_;
   bool floating_;
+  unsigned padding_bits_;
   double gain_;
   std::uint64_t seed_;
   QuantiseScale scale_;

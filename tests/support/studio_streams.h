@@ -92,7 +92,7 @@ inline Bytes layout(const std::vector<Bytes>& channels, std::size_t block,
 
 template <typename Settings>
 std::size_t frame_bytes(const Settings& settings) {
-  constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8};
+  constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8, 3};
   return settings.channels * kBytes[settings.format];
 }
 

@@ -30,7 +30,7 @@ struct Sink {
     sink.begin = [](void* user, const corvin_pcm_format* format) {
       Sink& self = *static_cast<Sink*>(user);
       self.format = *format;
-      constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8};
+      constexpr std::size_t kBytes[] = {2, 3, 4, 4, 8, 3};
       self.frame_bytes = format->channels * kBytes[format->format];
       return 0;
     };

@@ -203,7 +203,7 @@ TEST(Dither, ShapedNoiseStaysShapedWhereItBeginsAnew) {
   std::vector<double> endless(kFrames);
   for (std::size_t i = 0; i < kFrames; ++i) endless[i] = steps[i] - kLevel * 32768;
 
-  DecoderSettings settings;
+  QuantizerSettings settings;
   settings.channels = 1;
   settings.format = CORVIN_S16;
   settings.dither = CORVIN_DITHER_SHAPED;

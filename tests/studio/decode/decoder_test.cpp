@@ -124,7 +124,7 @@ Bytes decode_planar(const DecoderSettings& settings, const std::vector<Bytes>& s
 TEST(Decoder, ChunksAndLayoutsDoNotChangeTheBytes) {
   Random random(1);
   for (std::uint32_t channels : {1u, 2u, 5u}) {
-    for (std::uint32_t format : {CORVIN_S16, CORVIN_S24, CORVIN_S32, CORVIN_F32}) {
+    for (std::uint32_t format : {CORVIN_S16, CORVIN_S24, CORVIN_S32, CORVIN_F32, CORVIN_S20}) {
       DecoderSettings settings = mono(2822400, format == CORVIN_S32 ? 192000 : 88200);
       settings.channels = channels;
       settings.format = format;
@@ -215,7 +215,7 @@ TEST(Decoder, RefusesWhatItCannotDo) {
     EXPECT_EQ(status([&](S& s) { s.dsd_rate = huge; }), CORVIN_E_UNSUPPORTED);
     EXPECT_EQ(status([&](S& s) { s.pcm_rate = huge; }), CORVIN_E_UNSUPPORTED);
   }
-  EXPECT_EQ(status([](S& s) { s.format = 5; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([](S& s) { s.format = CORVIN_S20 + 1; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.block_bytes = 0; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.threads = 65; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([&](S& s) { s.gain_db = nan; }), CORVIN_E_ARGUMENT);

@@ -128,9 +128,10 @@ TEST(Encoder, EveryFormatMeansTheSameSound) {
   }
   EncoderSettings settings = mono(44100, 2822400);
   const Bytes expected = encode(settings, sound[CORVIN_F64]);
-  for (std::uint32_t format : {CORVIN_S16, CORVIN_S24, CORVIN_S32, CORVIN_F32}) {
+  for (std::uint32_t format : {CORVIN_S16, CORVIN_S24, CORVIN_S32, CORVIN_F32, CORVIN_S20}) {
     settings.format = format;
-    EXPECT_TRUE(encode(settings, sound[format]) == expected) << format;
+    if (format == CORVIN_S20) format = CORVIN_S24;
+    EXPECT_TRUE(encode(settings, sound[format]) == expected) << settings.format;
   }
 }
 
@@ -261,7 +262,7 @@ TEST(Encoder, RefusesWhatItCannotDo) {
     EXPECT_EQ(status([&](S& s) { s.dsd_rate = huge; }), CORVIN_E_UNSUPPORTED);
     EXPECT_EQ(status([&](S& s) { s.pcm_rate = huge; }), CORVIN_E_UNSUPPORTED);
   }
-  EXPECT_EQ(status([](S& s) { s.format = 5; }), CORVIN_E_ARGUMENT);
+  EXPECT_EQ(status([](S& s) { s.format = CORVIN_S20 + 1; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.modulator = 3; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.bit_order = 2; }), CORVIN_E_ARGUMENT);
   EXPECT_EQ(status([](S& s) { s.block_bytes = 0; }), CORVIN_E_ARGUMENT);
