@@ -14,13 +14,15 @@
 #include "cli/commands/commands.h"
 #include "cli/files/interrupt.h"
 #include "cli/words/failure.h"
+#include "cli/words/said.h"
 #include "corvin.h"
 
 namespace {
 
 constexpr const char* kExitCodes =
-    "Exit codes: 0 done; 1 some of several inputs failed; 2 usage; 3 unreadable or\n"
-    "unsupported input; 4 write error; 128 + N ended by signal N.";
+    "Exit codes: 0 done; 1 some of several inputs failed; 2 usage, which an output\n"
+    "that exists is too; 3 unreadable or unsupported input; 4 write error;\n"
+    "5 verification failed; 6 done, but damage was found; 128 + N ended by signal N.";
 
 int run(int argc, char** argv) {
   using namespace corvin::cli;
@@ -37,7 +39,8 @@ int run(int argc, char** argv) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
       app.exit(error);  // prints the help or the version
     } else {
-      std::fprintf(stderr, "corvin: %s\nSee corvin --help.\n", error.what());
+      say(std::string("corvin: ") + error.what());
+      say("See corvin --help.");
       exit_code = kUsage;
     }
   } catch (const Failure& failure) {
@@ -46,7 +49,7 @@ int run(int argc, char** argv) {
   std::cout.flush();
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && exit_code == kDone)
     exit_code = report({kWriteError, "standard output", std::strerror(errno)});
-  return exit_code;
+  return with_damage(static_cast<ExitCode>(exit_code));
 }
 
 }  // namespace
@@ -60,7 +63,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "corvin: %s\n", error.what());
+    corvin::cli::say(std::string("corvin: ") + error.what());
     return corvin::cli::kSomeInputsFailed;
   }
 }

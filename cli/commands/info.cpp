@@ -20,6 +20,7 @@
 #include "cli/files/speakers.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
+#include "cli/words/stdout_name.h"
 
 namespace corvin::cli {
 namespace {
@@ -50,7 +51,7 @@ std::string plain_text(std::span<const char> field) {
 }
 
 void print(const std::string& path, const Facts& facts) {
-  std::printf("%s\n", path.c_str());
+  std::printf("%s\n", name_on_stdout(path).c_str());
   std::printf("  kind                 %s\n", container_name(facts.container));
   if (!facts.compression.empty())
     std::printf("  compression          %s\n", facts.compression.c_str());

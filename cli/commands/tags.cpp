@@ -16,6 +16,7 @@
 #include "cli/files/tagged_file.h"
 #include "cli/files/tags_json.h"
 #include "cli/words/failure.h"
+#include "cli/words/stdout_name.h"
 #include "cli/words/unicode_text.h"
 #include "corvin.hpp"
 
@@ -28,7 +29,7 @@ struct Options {
 };
 
 void print(const std::string& path, const TagSet& tags) {
-  std::printf("%s\n", path.c_str());
+  std::printf("%s\n", name_on_stdout(path).c_str());
   for (const std::string& name : tags.names()) {
     uint32_t i = 0;
     for (const std::string& value : tags.values(name)) {
@@ -44,10 +45,10 @@ void print(const std::string& path, const TagSet& tags) {
                 description.empty() ? "" : ", ", description.c_str());
   }
   for (const TagFrame& frame : tags.frames())
-    std::printf("  other frame    %s, %zu bytes\n", frame.id.c_str(), frame.data.size());
+    std::printf("  other frame    %s, %zu bytes\n", printable(frame.id).c_str(), frame.data.size());
   if (tags.empty()) std::printf("  no tags\n");
   std::fflush(stdout);  // keeps notes below what they are about
-  for (const std::string& warning : tags.warnings()) note(path, printable(warning));
+  for (const std::string& warning : tags.warnings()) note_damage(path, warning);
 }
 
 int show(const Options& options) {
@@ -59,7 +60,7 @@ int show(const Options& options) {
     else
       print(path, tags);
   });
-  if (options.as_json) std::printf("%s\n", all.dump(2).c_str());
+  if (options.as_json) std::printf("%s\n", printable_json(all.dump(2)).c_str());
   return exit_code;
 }
 

@@ -27,6 +27,7 @@
 #include "cli/files/tagged_file.h"
 #include "cli/files/tags_json.h"
 #include "cli/words/failure.h"
+#include "cli/words/unicode_text.h"
 #include "corvin.hpp"
 
 namespace corvin::cli {
@@ -208,7 +209,7 @@ int export_tags(const Edits& edits) {
     if (!edits.pictures_to.empty()) write_pictures(path, tags, edits);
     all.push_back(json_of(path, tags, true));
   });
-  const std::string text = all.dump(2) + "\n";
+  const std::string text = printable_json(all.dump(2) + "\n");
   if (edits.output == "-")
     std::fwrite(text.data(), 1, text.size(), stdout);
   else if (!edits.output.empty())

@@ -20,7 +20,7 @@ void copy_tags(DsdInput& input, DsdOutput& output) {
   try {
     output.set_tags(input.file().all_tags());
   } catch (const Error& error) {
-    note(input.path(), std::string("its tags are left out: ") + error.what());
+    note_damage(input.path(), std::string("its tags are left out: ") + error.what());
   }
 }
 

@@ -37,7 +37,7 @@ void note_tags(const std::string& output, DsdInput& input) {
     const std::string contents = contents_of(input.file().all_tags());
     if (!contents.empty()) note(output, "gets no tags: without " + contents);
   } catch (const Error& error) {
-    note(input.path(), std::string("its tags are left out: ") + error.what());
+    note_damage(input.path(), std::string("its tags are left out: ") + error.what());
   }
 }
 

@@ -38,7 +38,7 @@ void DsdInput::require_sound() const {
 }
 
 void DsdInput::note_warnings() const {
-  for (const std::string& warning : file_.warnings()) note(path_, warning);
+  for (const std::string& warning : file_.warnings()) note_damage(path_, warning);
 }
 
 }  // namespace corvin::cli

@@ -12,7 +12,6 @@
 #include "cli/files/pcm_tags.h"
 #include "cli/words/failure.h"
 #include "cli/words/measures.h"
-#include "cli/words/unicode_text.h"
 
 namespace corvin::cli {
 
@@ -29,7 +28,7 @@ TagSet tags_of_file(const std::string& path) {
 std::string contents_of(const TagSet& tags) {
   std::string list;
   const auto add = [&](const std::string& one) { list += (list.empty() ? "" : ", ") + one; };
-  for (const std::string& name : tags.names()) add(printable(name));
+  for (const std::string& name : tags.names()) add(name);
   if (!tags.pictures().empty()) add(counted(tags.pictures().size(), "picture"));
   if (!tags.frames().empty()) add(counted(tags.frames().size(), "other frame"));
   return list;
@@ -37,7 +36,7 @@ std::string contents_of(const TagSet& tags) {
 
 void note_losses(const std::string& path, const TagSet& tags, corvin_id3_form form) {
   std::istringstream lines(tags.losses(form));
-  for (std::string line; std::getline(lines, line);) note(path, printable(line));
+  for (std::string line; std::getline(lines, line);) note(path, line);
 }
 
 void save_tags(const std::string& path, const TagSet& tags, corvin_id3_form form) {

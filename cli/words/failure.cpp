@@ -3,9 +3,16 @@
 
 #include "cli/words/failure.h"
 
+#include <atomic>
+
 #include "cli/words/said.h"
 
 namespace corvin::cli {
+namespace {
+
+std::atomic<bool> is_damage_noted = false;
+
+}  // namespace
 
 ExitCode report(const Failure& failure) {
   note(failure.subject(), failure.what());
@@ -13,7 +20,14 @@ ExitCode report(const Failure& failure) {
 }
 
 void note(const std::string& subject, const std::string& message) {
-  say("corvin: " + (subject.empty() ? "''" : subject) + ": " + message + "\n");
+  say("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
 }
+
+void note_damage(const std::string& subject, const std::string& message) {
+  is_damage_noted = true;
+  note(subject, message);
+}
+
+ExitCode with_damage(ExitCode code) { return code == kDone && is_damage_noted ? kDamage : code; }
 
 }  // namespace corvin::cli

@@ -18,6 +18,8 @@ enum ExitCode : int {
   kUsage = 2,             // the command line asks for what the tool will not do
   kBadInput = 3,          // unreadable or unsupported
   kWriteError = 4,
+  kVerifyFailed = 5,  // what was written is not what should have been
+  kDamage = 6,        // done, but something of the input is damaged
 };
 
 /** Ends the work on an input, and the command unless it has others: what went wrong with which
@@ -40,6 +42,13 @@ ExitCode report(const Failure& failure);
 
 /** Says what the user should know about `subject`; nothing has failed. */
 void note(const std::string& subject, const std::string& message);
+
+/** Says what is damaged in `subject`, of which the rest was good enough to go on. Unless something
+ *  worse comes up the tool ends with kDamage. */
+void note_damage(const std::string& subject, const std::string& message);
+
+/** Turns kDone into kDamage when any thread has noted damage. */
+ExitCode with_damage(ExitCode code);
 
 }  // namespace corvin::cli
 

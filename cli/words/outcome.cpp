@@ -12,7 +12,7 @@ void print_summary(const std::string& path, std::initializer_list<std::string> p
   std::string line;
   for (const std::string& part : parts)
     if (!part.empty()) line += (line.empty() ? "" : ", ") + part;
-  say(path + ": " + line + "\n");
+  say(path + ": " + line);
 }
 
 Failure no_convertible_sound(const std::string& path) {
@@ -27,7 +27,7 @@ void note_limited(const std::string& path, uint64_t samples) {
 }
 
 void note_cut_short(const std::string& path) {
-  note(path, "is cut short: it declares more sound than it holds");
+  note_damage(path, "is cut short: it declares more sound than it holds");
 }
 
 void note_clips(const std::string& path, uint64_t samples, const std::string& advice) {

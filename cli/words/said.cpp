@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "cli/words/unicode_text.h"
+
 namespace corvin::cli {
 namespace {
 
@@ -13,7 +15,9 @@ thread_local WordsHeld* holder = nullptr;
 
 }  // namespace
 
-void say(std::string_view lines) {
+void say(std::string_view line) { say_lines(printable(line) + "\n"); }
+
+void say_lines(std::string_view lines) {
   if (holder)
     holder->lines_ += lines;
   else
@@ -24,7 +28,7 @@ WordsHeld::WordsHeld() : outer_(std::exchange(holder, this)) {}
 
 WordsHeld::~WordsHeld() {
   holder = outer_;
-  say(lines_);
+  say_lines(lines_);
 }
 
 std::string WordsHeld::take() { return std::exchange(lines_, {}); }

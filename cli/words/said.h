@@ -12,9 +12,12 @@
 
 namespace corvin::cli {
 
-/** Writes whole lines on standard error; when this thread holds its words, adds them to those. Any
- *  number of threads at once: lines of two of them do not mix. */
-void say(std::string_view lines);
+/** Says a line on standard error, without its end and made printable(); when this thread holds its
+ *  words, adds it to those. Any number of threads at once: lines of two of them do not mix. */
+void say(std::string_view line);
+
+/** Says what was taken from a WordsHeld. */
+void say_lines(std::string_view lines);
 
 /** While it lives, what its thread says is held. Create and destroy it on that thread. Of several
  *  the latest holds. */
@@ -26,11 +29,11 @@ class WordsHeld {
   WordsHeld(const WordsHeld&) = delete;
   WordsHeld& operator=(const WordsHeld&) = delete;
 
-  /** What was said since the last call, in whole lines, for another thread to say(). */
+  /** What was said since the last call, in whole lines, for another thread to say_lines(). */
   std::string take();
 
  private:
-  friend void say(std::string_view lines);
+  friend void say_lines(std::string_view lines);
   WordsHeld* outer_;
   std::string lines_;
 };

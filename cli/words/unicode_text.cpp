@@ -3,7 +3,10 @@
 
 #include "cli/words/unicode_text.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdio>
+#include <iterator>
 #include <optional>
 
 namespace corvin::cli {
@@ -42,16 +45,88 @@ void append_utf8(std::string& text, char32_t point) {
   for (int k = more - 1; k >= 0; --k) text += static_cast<char>(0x80 | (point >> 6 * k & 0x3f));
 }
 
-// The second block steers some terminals as the first does all.
-bool is_control(char32_t point) { return point < 0x20 || (point >= 0x7f && point < 0xa0); }
+struct Range {
+  char32_t first, last;
+};
+
+// What a terminal obeys, or shows nothing of: with these a name can pass for another one. Ascending.
+constexpr Range kUnprintable[] = {
+    {0x0000, 0x001f},    // controls
+    {0x007f, 0x009f},    // more of them, which steer some terminals as the first do all
+    {0x00ad, 0x00ad},    // soft hyphen
+    {0x034f, 0x034f},    // grapheme joiner
+    {0x0600, 0x0605},    // format characters of Arabic
+    {0x061c, 0x061c},    // its direction mark
+    {0x06dd, 0x06dd},    //
+    {0x070f, 0x070f},    // of Syriac
+    {0x0890, 0x0891},    //
+    {0x08e2, 0x08e2},    //
+    {0x115f, 0x1160},    // fillers of Hangul
+    {0x17b4, 0x17b5},    // vowels of Khmer without a shape
+    {0x180e, 0x180e},    // of Mongolian
+    {0x200b, 0x200f},    // zero width, direction marks
+    {0x2028, 0x202e},    // ends of lines and paragraphs, directions and overrides
+    {0x2060, 0x206f},    // joiners, invisible operators, isolates
+    {0x3164, 0x3164},    // fillers of Hangul
+    {0xfeff, 0xfeff},    // byte order mark
+    {0xffa0, 0xffa0},    //
+    {0xfff0, 0xfffb},    // annotations
+    {0x110bd, 0x110bd},  // of Kaithi
+    {0x110cd, 0x110cd},  //
+    {0x13430, 0x1343f},  // of hieroglyphs
+    {0x1bca0, 0x1bca3},  // of shorthand
+    {0x1d173, 0x1d17a},  // of musical notation
+    {0xe0000, 0xe007f},  // tags
+};
+
+bool is_printable(char32_t point) {
+  const auto* range =
+      std::lower_bound(std::begin(kUnprintable), std::end(kUnprintable), point,
+                       [](const Range& one, char32_t value) { return one.last < value; });
+  return range == std::end(kUnprintable) || point < range->first;
+}
+
+bool breaks_line(char32_t point) {
+  return (point >= '\t' && point <= '\r') || point == 0x85 || point == 0x2028 || point == 0x2029;
+}
+
+void append_json_escape(std::string& text, char32_t point) {
+  char escape[16];
+  if (point < 0x10000) {
+    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(point));
+  } else {
+    const auto pair = static_cast<unsigned>(point - 0x10000);
+    std::snprintf(escape, sizeof escape, "\\u%04x\\u%04x", 0xd800 + (pair >> 10),
+                  0xdc00 + (pair & 0x3ff));
+  }
+  text += escape;
+}
 
 }  // namespace
 
 std::string printable(std::string_view text) {
   std::string result;
-  for (const char32_t point : decode(text)) {
-    const bool is_space = point == '\t' || point == '\n' || point == '\r';
-    append_utf8(result, is_space ? U' ' : is_control(point) ? U'?' : point);
+  for (const char32_t point : decode(text))
+    append_utf8(result, breaks_line(point) ? U' ' : is_printable(point) ? point : U'?');
+  return result;
+}
+
+std::string on_one_line(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<uint8_t>(c);
+    result += byte < 0x80 && breaks_line(byte) ? ' ' : byte < 0x20 || byte == 0x7f ? '?' : c;
+  }
+  return result;
+}
+
+std::string printable_json(std::string_view json) {
+  std::string result;
+  for (const char32_t point : decode(json)) {
+    if (point == '\n' || is_printable(point))
+      append_utf8(result, point);
+    else
+      append_json_escape(result, point);
   }
   return result;
 }

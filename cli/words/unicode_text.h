@@ -12,9 +12,16 @@
 
 namespace corvin::cli {
 
-/** UTF-8 on one line, with nothing in it that could steer a terminal: line feeds and tabs become
- *  spaces, other control characters question marks. */
+/** UTF-8 on one line, with nothing in it that could steer a terminal or make a name pass for another:
+ *  line feeds and tabs become spaces; other control characters, those that turn the direction of
+ *  writing, and those without width question marks. */
 std::string printable(std::string_view text);
+
+/** For programs that read lines: the bytes as they are but for the ASCII control characters. */
+std::string on_one_line(std::string_view text);
+
+/** JSON of the same content, in which what printable() replaces is written as escapes. */
+std::string printable_json(std::string_view json);
 
 /** UTF-8 with whatever characters the text has. */
 std::string utf8_of(std::string_view text);
