@@ -39,8 +39,8 @@ int run(int argc, char** argv) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
       app.exit(error);  // prints the help or the version
     } else {
-      say(std::string("corvin: ") + error.what());
-      say("See corvin --help.");
+      say_line(std::string("corvin: ") + error.what());
+      say_line("See corvin --help.");
       exit_code = kUsage;
     }
   } catch (const Failure& failure) {
@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    corvin::cli::say(std::string("corvin: ") + error.what());
+    corvin::cli::say_line(std::string("corvin: ") + error.what());
     return corvin::cli::kSomeInputsFailed;
   }
 }

@@ -57,7 +57,7 @@ void wait_for_the_end(sigset_t signals) {
   all.is_ending = true;
   all.released.wait(lock, [&] { return all.holders == 0; });
   for (const std::string& path : all.doomed) unlink(path.c_str());
-  say("corvin: interrupted");
+  say_line("corvin: interrupted");
   die_of(signal);
 }
 

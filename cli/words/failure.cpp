@@ -20,11 +20,12 @@ ExitCode report(const Failure& failure) {
 }
 
 void note(const std::string& subject, const std::string& message) {
-  say("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
+  say_line("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
 }
 
 void note_damage(const std::string& subject, const std::string& message) {
   is_damage_noted = true;
+  hold_damage();
   note(subject, message);
 }
 

@@ -15,20 +15,24 @@ thread_local WordsHeld* holder = nullptr;
 
 }  // namespace
 
-void say(std::string_view line) { say_lines(printable(line) + "\n"); }
-
-void say_lines(std::string_view lines) {
+void say(std::string_view lines) {
   if (holder)
     holder->lines_ += lines;
   else
     std::fwrite(lines.data(), 1, lines.size(), stderr);  // under the stream's lock, so in one piece
 }
 
+void say_line(std::string_view line) { say(printable(line) + "\n"); }
+
+void hold_damage() {
+  if (holder) holder->is_damage_noted_ = true;
+}
+
 WordsHeld::WordsHeld() : outer_(std::exchange(holder, this)) {}
 
 WordsHeld::~WordsHeld() {
   holder = outer_;
-  say_lines(lines_);
+  say(lines_);
 }
 
 std::string WordsHeld::take() { return std::exchange(lines_, {}); }

@@ -12,12 +12,15 @@
 
 namespace corvin::cli {
 
-/** Says a line on standard error, without its end and made printable(); when this thread holds its
- *  words, adds it to those. Any number of threads at once: lines of two of them do not mix. */
-void say(std::string_view line);
+/** Says whole lines on standard error, their characters as they are; when this thread holds its
+ *  words, adds them to those. Any number of threads at once: lines of two of them do not mix. */
+void say(std::string_view lines);
 
-/** Says what was taken from a WordsHeld. */
-void say_lines(std::string_view lines);
+/** Says one line, without its end, made printable(). */
+void say_line(std::string_view line);
+
+/** Has the WordsHeld of this thread know that damage was noted. */
+void hold_damage();
 
 /** While it lives, what its thread says is held. Create and destroy it on that thread. Of several
  *  the latest holds. */
@@ -29,13 +32,18 @@ class WordsHeld {
   WordsHeld(const WordsHeld&) = delete;
   WordsHeld& operator=(const WordsHeld&) = delete;
 
-  /** What was said since the last call, in whole lines, for another thread to say_lines(). */
+  /** What was said since the last call, in whole lines, for another thread to say(). */
   std::string take();
 
+  /** Whether damage has been noted. */
+  bool is_damage_noted() const { return is_damage_noted_; }
+
  private:
-  friend void say_lines(std::string_view lines);
+  friend void say(std::string_view lines);
+  friend void hold_damage();
   WordsHeld* outer_;
   std::string lines_;
+  bool is_damage_noted_ = false;
 };
 
 }  // namespace corvin::cli
