@@ -24,6 +24,7 @@
 #include "cli/commands/choice_option.h"
 #include "cli/commands/each_input.h"
 #include "cli/files/output_file.h"
+#include "cli/files/picture_mime.h"
 #include "cli/files/tagged_file.h"
 #include "cli/files/tags_json.h"
 #include "cli/words/failure.h"
@@ -79,16 +80,6 @@ std::string contents_of(const std::string& path) {
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   if (!file) throw Failure(kBadInput, path, errno != 0 ? std::strerror(errno) : "cannot be read");
   return bytes;
-}
-
-std::string mime_of(std::string_view data) {
-  if (data.starts_with("\x89PNG")) return "image/png";
-  if (data.starts_with("\xff\xd8\xff")) return "image/jpeg";
-  if (data.starts_with("GIF8")) return "image/gif";
-  if (data.starts_with("BM")) return "image/bmp";
-  if (data.starts_with("RIFF") && data.substr(std::min<size_t>(8, data.size())).starts_with("WEBP"))
-    return "image/webp";
-  return "image/";
 }
 
 // "TYPE:FILE" or "FILE", which stands for a front cover.
@@ -258,7 +249,8 @@ int import_tags(Edits edits) {
 // ---- Their options -----------------------------------------------------------------------------
 
 void add_files(CLI::App& command, const SharedEdits& edits) {
-  command.add_option("FILE", edits->paths, "DSF and DSDIFF files")->required();
+  command.add_option("FILE", edits->paths, "DSF, DSDIFF, FLAC, WAV, RF64, AIFF and WavPack files")
+      ->required();
 }
 
 void add_version(CLI::App& command, const SharedEdits& edits) {
@@ -329,8 +321,7 @@ void add_tags_edits(CLI::App& tags, int& exit_code) {
   command->add_option("JSON", edits->json, "File that export wrote; - for standard input")
       ->required();
   add_version(*command, edits);
-  command->add_option("FILE", edits->paths,
-                      "DSF and DSDIFF files that get them; by default those that it names");
+  command->add_option("FILE", edits->paths, "Files that get them; by default those that it names");
 }
 
 }  // namespace corvin::cli

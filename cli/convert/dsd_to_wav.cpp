@@ -32,12 +32,13 @@ PcmWriterConfig config_of(const WavRequest& request, const corvin_file_info& inf
           .expected_frames = static_cast<uint64_t>(seconds * request.settings.pcm_rate)};
 }
 
-void note_tags(const std::string& output, DsdInput& input) {
+// Tags that cannot be had are no reason to lose the sound.
+TagSet tags_of(DsdInput& input) {
   try {
-    const std::string contents = contents_of(input.file().all_tags());
-    if (!contents.empty()) note(output, "gets no tags: without " + contents);
+    return input.file().all_tags();
   } catch (const Error& error) {
     note_damage(input.path(), std::string("its tags are left out: ") + error.what());
+    return {};
   }
 }
 
@@ -45,7 +46,9 @@ void note_tags(const std::string& output, DsdInput& input) {
 
 void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
   input.require_sound();
+  const TagSet tags = tags_of(input);
   PcmWriterConfig config = config_of(request, input.info());
+  config.tags = &tags;
   if (const std::string why = why_not_writable(config); !why.empty())
     throw Failure(kUsage, request.output.path, why);
   OutputFile output(request.output);
@@ -81,7 +84,7 @@ void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
   output.commit();
 
   input.note_warnings();
-  note_tags(request.output.path, input);
+  note_left_out(request.output.path, config.kind, tags);
   if (result.frames == 0) note_no_sound(input.path());
   note_clips(input.path(), result.clips, "; a lower --gain avoids that");
   print_summary(request.output.path,

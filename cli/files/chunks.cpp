@@ -67,4 +67,43 @@ std::optional<Chunks> chunks_of(int descriptor) {
   return chunks;
 }
 
+bool state_significant_bits(int descriptor, uint32_t bits) {
+  const auto chunks = chunks_of(descriptor);
+  if (!chunks) return true;
+  constexpr uint64_t kExtensibleBytes = 40;
+  uint64_t place = 0;
+  std::array<std::byte, 2> number{};
+  const Chunk* common = chunks->find("COMM");
+  const Chunk* format = chunks->find("fmt ");
+  if (chunks->is_big_endian && common) {
+    place = common->offset + 6;
+    number[1] = static_cast<std::byte>(bits);
+  } else if (format && format->bytes >= kExtensibleBytes) {
+    place = format->offset + 18;
+    number[0] = static_cast<std::byte>(bits);
+  }
+  return place == 0 || write_at(descriptor, place, number);
+}
+
+bool append_to_form(int descriptor, std::span<const std::byte> added) {
+  struct stat status;
+  if (fstat(descriptor, &status) != 0) return false;
+  auto size = static_cast<uint64_t>(status.st_size);
+  const auto chunks = chunks_of(descriptor);
+  if (chunks && size % 2 != 0) ++size;  // what is skipped reads as the zero byte that belongs there
+  if (!write_at(descriptor, size, added)) return false;
+  size += added.size();
+  return !chunks || state_form_bytes(descriptor, *chunks, size - kHeadBytes);
+}
+
+bool state_form_bytes(int descriptor, const Chunks& chunks, uint64_t bytes) {
+  const size_t width = chunks.is_long ? 8 : 4;
+  std::array<std::byte, 8> number{};
+  for (size_t i = 0; i < width; ++i)
+    number[chunks.is_big_endian ? width - 1 - i : i] = static_cast<std::byte>(bytes >> 8 * i);
+  // RF64 has its sizes in its first chunk.
+  const uint64_t place = chunks.is_long ? 20 : 4;
+  return write_at(descriptor, place, std::span(number).first(width));
+}
+
 }  // namespace corvin::cli

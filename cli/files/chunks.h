@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,17 @@ struct Chunks {
 
 /** Walks the file; no value when it is none of the three kinds or cannot be read. */
 std::optional<Chunks> chunks_of(int descriptor);
+
+/** Puts bits in place of those that the file states for its samples, in those kinds that can say
+ *  fewer than the samples' room; false on failure, errno tells why. */
+bool state_significant_bits(int descriptor, uint32_t bits);
+
+/** States the bytes that follow the file's first eight. */
+bool state_form_bytes(int descriptor, const Chunks& chunks, uint64_t bytes);
+
+/** Puts whole chunks behind the last one and counts them in the file's size; false as above. The file
+ *  may also be of a kind that does not count. */
+bool append_to_form(int descriptor, std::span<const std::byte> chunks);
 
 }  // namespace corvin::cli
 

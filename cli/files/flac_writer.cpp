@@ -3,8 +3,6 @@
 
 #include "cli/files/flac_writer.h"
 
-#include <FLAC/metadata.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -24,10 +22,6 @@ constexpr size_t kFramesAtOnce = 4096;
 constexpr uint32_t kUsualSpeakers[] = {0, 0x4, 0x3, 0x7, 0x33, 0x37, 0x3f, 0x70f, 0x63f};
 
 }  // namespace
-
-void FlacWriter::DeleteBlock::operator()(FLAC__StreamMetadata* block) const {
-  FLAC__metadata_object_delete(block);
-}
 
 FlacWriter::FlacWriter(const PcmWriterConfig& config)
     : config_(config), encoder_(FLAC__stream_encoder_new()) {
@@ -73,22 +67,13 @@ void FlacWriter::begin() {
   // The subset for streaming leaves out high rates and 32 bits.
   FLAC__stream_encoder_set_streamable_subset(encoder, false);
 
+  const TagSet* tags = config_.tags;
   const bool is_usual =
       config_.speakers == 0 || config_.speakers == kUsualSpeakers[config_.channels];
-  if (!is_usual) {
-    FLAC__StreamMetadata* comment = FLAC__metadata_object_new(FLAC__METADATA_TYPE_VORBIS_COMMENT);
-    if (comment == nullptr) {
-      fail(std::strerror(ENOMEM));
-      return;
-    }
-    blocks_.emplace_back(comment);
-    char mask[16];
+  char mask[16] = "";
+  if (!is_usual)
     std::snprintf(mask, sizeof mask, "0x%04X", static_cast<unsigned>(config_.speakers));
-    FLAC__StreamMetadata_VorbisComment_Entry entry{};
-    FLAC__metadata_object_vorbiscomment_entry_from_name_value_pair(
-        &entry, "WAVEFORMATEXTENSIBLE_CHANNEL_MASK", mask);
-    FLAC__metadata_object_vorbiscomment_append_comment(comment, entry, false);
-  }
+  if (!is_usual || tags != nullptr) blocks_ = flac_blocks(tags, mask);
   std::vector<FLAC__StreamMetadata*> blocks;
   for (const auto& block : blocks_) blocks.push_back(block.get());
   FLAC__stream_encoder_set_metadata(encoder, blocks.data(), static_cast<uint32_t>(blocks.size()));

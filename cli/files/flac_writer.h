@@ -12,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+#include "cli/files/flac_tags.h"
 #include "cli/files/pcm_writer.h"
 
 namespace corvin::cli {
@@ -30,9 +31,6 @@ class FlacWriter : public PcmWriter {
   struct Delete {
     void operator()(FLAC__StreamEncoder* encoder) const { FLAC__stream_encoder_delete(encoder); }
   };
-  struct DeleteBlock {
-    void operator()(FLAC__StreamMetadata* block) const;
-  };
 
   static FlacWriter& of(void* data) { return *static_cast<FlacWriter*>(data); }
   void begin();
@@ -44,7 +42,7 @@ class FlacWriter : public PcmWriter {
   bool is_open_ = false;
   std::vector<int32_t> samples_;
   // Before the encoder: it looks at them until it is deleted.
-  std::vector<std::unique_ptr<FLAC__StreamMetadata, DeleteBlock>> blocks_;
+  std::vector<FlacBlock> blocks_;
   std::unique_ptr<FLAC__StreamEncoder, Delete> encoder_;
 };
 

@@ -33,7 +33,7 @@ std::string pcm_endings();
 
 /** Bytes of a sample. */
 constexpr size_t bytes_of(corvin_sample_format format) {
-  constexpr size_t kBytes[] = {2, 3, 4, 4, 8};
+  constexpr size_t kBytes[] = {2, 3, 4, 4, 8, 3};
   return kBytes[format];
 }
 

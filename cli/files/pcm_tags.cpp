@@ -6,6 +6,7 @@
 
 #include "cli/files/pcm_tags.h"
 
+#include <apetag.h>
 #include <fileref.h>
 #include <flacfile.h>
 #include <id3v2tag.h>
@@ -13,6 +14,7 @@
 #include <mpegfile.h>
 #include <tpropertymap.h>
 #include <wavfile.h>
+#include <wavpackfile.h>
 #include <xiphcomment.h>
 
 #include <algorithm>
@@ -22,37 +24,22 @@
 #include <utility>
 #include <vector>
 
+#include "cli/files/ape_pictures.h"
+#include "cli/files/caf_info.h"
+#include "cli/files/flac_tags.h"
 #include "cli/files/id3_chunk.h"
+#include "cli/files/tag_names.h"
 #include "cli/words/failure.h"
 #include "cli/words/unicode_text.h"
 
 namespace corvin::cli {
 namespace {
 
-using Names = std::pair<std::string_view, std::string_view>;
-
 // Other ways of naming a field.
-constexpr Names kAliases[] = {
+constexpr TagName kAliases[] = {
     {"TOTALTRACKS", "TRACKTOTAL"}, {"TOTALDISCS", "DISCTOTAL"}, {"ALBUM ARTIST", "ALBUMARTIST"},
     {"UNSYNCEDLYRICS", "LYRICS"},  {"DESCRIPTION", "COMMENT"},  {"YEAR", "DATE"},
 };
-
-constexpr Names kInfoNames[] = {
-    {"INAM", "TITLE"},       {"IART", "ARTIST"},
-    {"IPRD", "ALBUM"},       {"IPRT", "TRACKNUMBER"},
-    {"ITRK", "TRACKNUMBER"}, {"IGNR", "GENRE"},
-    {"ICRD", "DATE"},        {"ICMT", "COMMENT"},
-    {"ICOP", "COPYRIGHT"},   {"IMUS", "COMPOSER"},
-    {"IWRI", "LYRICIST"},    {"ISRC", "ISRC"},
-    {"IMED", "MEDIA"},       {"ILNG", "LANGUAGE"},
-    {"ITCH", "ENCODEDBY"},   {"ISFT", "ENCODERSETTINGS"},
-};
-
-std::string_view named(std::string_view name, std::span<const Names> names) {
-  for (const auto& [other, own] : names)
-    if (other == name) return own;
-  return name;
-}
 
 // What one source tells.
 class Source {
@@ -106,8 +93,8 @@ void add_comment(const TagLib::Ogg::XiphComment* comment, TagSet& tags) {
   Source source;
   for (const auto& [key, values] : comment->fieldListMap()) {
     const std::string name = utf8(key);
-    if (name == "WAVEFORMATEXTENSIBLE_CHANNEL_MASK") continue;  // about the sound
-    for (const auto& value : values) source.add(named(name, kAliases), utf8(value));
+    if (name == kFlacSpeakers) continue;  // about the sound
+    for (const auto& value : values) source.add(field_of(name, kAliases), utf8(value));
   }
   source.fill(tags);
 }
@@ -116,7 +103,24 @@ void add_info(const TagLib::RIFF::Info::Tag* info, TagSet& tags) {
   if (info == nullptr) return;
   Source source;
   for (const auto& [id, value] : info->fieldListMap())
-    source.add(named({id.data(), id.size()}, kInfoNames), utf8(value));
+    source.add(field_of({id.data(), id.size()}, kInfoNames), utf8(value));
+  source.fill(tags);
+}
+
+void add_ape(const TagLib::APE::Tag* tag, TagSet& tags) {
+  if (tag == nullptr) return;
+  Source source;
+  for (const auto& [key, item] : tag->itemListMap()) {
+    const std::string name = utf8(key);
+    if (item.type() == TagLib::APE::Item::Binary) {
+      const TagLib::ByteVector value = item.binaryData();
+      if (const auto type = ape_picture_type(name))
+        add_ape_picture(*type, {value.data(), value.size()}, tags);
+    } else {
+      const std::string_view field = field_of(field_of(name, kApeNames), kAliases);
+      for (const auto& value : item.values()) source.add(field, utf8(value));
+    }
+  }
   source.fill(tags);
 }
 
@@ -137,7 +141,7 @@ void add_id3(const TagLib::ID3v2::Tag* tag, TagSet& tags) {
 void add_properties(const std::string& path, const TagLib::PropertyMap& properties, TagSet& tags) {
   Source source;
   for (const auto& [key, values] : properties)
-    for (const auto& value : values) source.add(named(utf8(key), kAliases), utf8(value));
+    for (const auto& value : values) source.add(field_of(utf8(key), kAliases), utf8(value));
   source.fill(tags);
   for (const auto& name : properties.unsupportedData())
     note(path, "the tag " + utf8(name) + " cannot be read and is left out");
@@ -151,6 +155,9 @@ void add_all(const std::string& path, TagLib::File* file, TagSet& tags) {
     if (flac->hasID3v2Tag()) add_id3(flac->ID3v2Tag(), tags);
   } else if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file)) {
     add_info(wav->InfoTag(), tags);
+  } else if (auto* wavpack = dynamic_cast<TagLib::WavPack::File*>(file)) {
+    if (wavpack->hasAPETag()) add_ape(wavpack->APETag(), tags);
+    if (wavpack->hasID3v1Tag()) add_properties(path, wavpack->properties(), tags);
   } else if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file)) {
     if (mpeg->hasID3v2Tag()) add_id3(mpeg->ID3v2Tag(), tags);
     add_properties(path, mpeg->properties(), tags);
@@ -174,6 +181,15 @@ void add_strings(const PcmInput& input, TagSet& tags) {
   source.fill(tags);
 }
 
+void add_caf(const std::string& path, TagSet& tags) {
+  Source source;
+  for (const auto& [name, value] : caf_info(path)) {
+    const std::string text = utf8_of(name);
+    source.add(field_of(text, kCafNames), utf8_of(value));
+  }
+  source.fill(tags);
+}
+
 }  // namespace
 
 TagSet read_pcm_tags(const PcmInput& input) {
@@ -182,6 +198,7 @@ TagSet read_pcm_tags(const PcmInput& input) {
     if (const auto block = id3_chunk(input.path()); !block.empty()) tags.read_id3(block);
     const TagLib::FileRef file(input.path().c_str(), false);
     if (!file.isNull()) add_all(input.path(), file.file(), tags);
+    add_caf(input.path(), tags);
     add_strings(input, tags);
   } catch (const Error& error) {
     note(input.path(), std::string("some of its tags cannot be read: ") + error.what());

@@ -5,6 +5,7 @@
 
 #include "cli/files/flac_writer.h"
 #include "cli/files/sndfile_writer.h"
+#include "cli/files/tag_bytes.h"
 #include "cli/files/wavpack_writer.h"
 
 namespace corvin::cli {
@@ -30,12 +31,16 @@ std::string why_not_writable(const PcmWriterConfig& config) {
            std::to_string(kMostFlacRateHz);
   const uint64_t bytes =
       config.expected_frames.value_or(0) * config.channels * bytes_of(config.format);
-  if (config.kind == PcmKind::kAiff && bytes > kMostShortBytes)
+  const uint64_t tags = config.tags && config.kind == PcmKind::kAiff
+                            ? tag_bytes(config.kind, *config.tags).size()
+                            : 0;
+  if (config.kind == PcmKind::kAiff && bytes + tags > kMostShortBytes)
     return "would be larger than the 4 GiB that AIFF can hold; CAF, W64 and RF64 hold more";
   return {};
 }
 
-std::unique_ptr<PcmWriter> make_pcm_writer(const PcmWriterConfig& config) {
+std::unique_ptr<PcmWriter> make_pcm_writer(PcmWriterConfig config) {
+  if (config.format == CORVIN_S20) config.significant_bits = 20;
   switch (config.kind) {
     case PcmKind::kFlac:
       return std::make_unique<FlacWriter>(config);

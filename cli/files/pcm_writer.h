@@ -15,7 +15,7 @@
 #include <string>
 
 #include "cli/files/pcm_kind.h"
-#include "corvin.h"
+#include "corvin.hpp"
 
 namespace corvin::cli {
 
@@ -26,11 +26,12 @@ struct PcmWriterConfig {
   uint32_t channels = 2;
   uint32_t speakers = 0;  // mask of the channels' speakers; 0: not known
   corvin_sample_format format = CORVIN_S24;
-  /** Bits of a sample that count, from the top; the others are 0. 0: all. 20 is what files state
-   *  with samples of 24 bits. */
+  /** Bits of a sample that count, from the top; the others are 0. 0: all, 20 of
+   *  CORVIN_S20. */
   uint32_t significant_bits = 0;
-  std::optional<uint64_t> expected_frames =
-      {};  // decides between WAV and RF64; no value: not known
+  /** Decides between WAV and RF64; no value: not known. */
+  std::optional<uint64_t> expected_frames = {};
+  const TagSet* tags = nullptr;  // used while the writer is made; tags_left_out() tells the rest
 };
 
 class PcmWriter {
@@ -64,7 +65,7 @@ class PcmWriter {
 std::string why_not_writable(const PcmWriterConfig& config);
 
 /** Begins a file. Failures, also of this, are in the writer's error(). */
-std::unique_ptr<PcmWriter> make_pcm_writer(const PcmWriterConfig& config);
+std::unique_ptr<PcmWriter> make_pcm_writer(PcmWriterConfig config);
 
 }  // namespace corvin::cli
 

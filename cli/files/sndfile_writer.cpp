@@ -4,32 +4,32 @@
 #include "cli/files/sndfile_writer.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string>
 
 #include "cli/files/chunks.h"
-#include "cli/files/descriptor_bytes.h"
 #include "cli/files/speakers.h"
+#include "cli/files/tag_bytes.h"
 
 namespace corvin::cli {
 namespace {
 
 int sample_format(corvin_sample_format format) {
-  constexpr int kFormats[] = {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_PCM_32, SF_FORMAT_FLOAT,
-                              SF_FORMAT_DOUBLE};
+  constexpr int kFormats[] = {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_PCM_32,
+                              SF_FORMAT_FLOAT,  SF_FORMAT_DOUBLE, SF_FORMAT_PCM_24};
   return kFormats[format];
 }
 
 // RF64 shrinks to WAV at the end when it turns out short enough, but keeps a longer header that
 // some readers of plain WAV do not know; so it is not the choice for every file.
-bool may_outgrow_wav(const PcmWriterConfig& config) {
-  return !config.expected_frames ||
-         *config.expected_frames * config.channels * bytes_of(config.format) > kMostShortBytes;
+bool may_outgrow_wav(const PcmWriterConfig& config, uint64_t tags) {
+  if (!config.expected_frames) return true;
+  const uint64_t sound = *config.expected_frames * config.channels * bytes_of(config.format);
+  return sound + tags > kMostShortBytes;
 }
 
-int container(const PcmWriterConfig& config) {
+int container(const PcmWriterConfig& config, uint64_t tags) {
   switch (config.kind) {
     case PcmKind::kRf64:
       return SF_FORMAT_RF64;
@@ -40,7 +40,7 @@ int container(const PcmWriterConfig& config) {
     case PcmKind::kCaf:
       return SF_FORMAT_CAF | SF_ENDIAN_LITTLE;
     default:
-      if (may_outgrow_wav(config)) return SF_FORMAT_RF64;
+      if (may_outgrow_wav(config, tags)) return SF_FORMAT_RF64;
       // The plain format has no place for speakers and significant bits.
       return config.channels > 2 || config.significant_bits != 0 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
   }
@@ -53,7 +53,9 @@ std::string why(int error_number) {
 
 }  // namespace
 
-SndfileWriter::SndfileWriter(const PcmWriterConfig& config) : config_(config) {
+SndfileWriter::SndfileWriter(const PcmWriterConfig& config)
+    : config_(config),
+      tags_(config.tags ? tag_bytes(config.kind, *config.tags) : std::vector<std::byte>()) {
   if (const std::string refusal = why_not_writable(config); !refusal.empty())
     fail(refusal);
   else
@@ -64,7 +66,8 @@ bool SndfileWriter::write(std::span<const uint8_t> frames) {
   if (!error().empty() || !file_) return false;
   bytes_ += frames.size();
   if (config_.kind != PcmKind::kAiff) return put(frames);
-  if (bytes_ > kMostShortBytes) return fail("has reached the 4 GiB that AIFF can hold");
+  if (bytes_ + tags_.size() > kMostShortBytes)
+    return fail("has reached the 4 GiB that AIFF can hold");
   const size_t width = bytes_of(config_.format);
   swapped_.assign(frames.begin(), frames.end());
   for (auto sample = swapped_.begin(); sample != swapped_.end();
@@ -81,7 +84,7 @@ bool SndfileWriter::finish() {
   const int closing = sf_close(file_.release());
   if (pending != SF_ERR_NO_ERROR || closing != SF_ERR_NO_ERROR)
     return fail(why(pending != SF_ERR_NO_ERROR ? pending : closing));
-  return config_.significant_bits == 0 || state_significant_bits();
+  return complete() ? true : fail(std::strerror(errno));
 }
 
 // ---- Details --------------------------------------------------------------------------------
@@ -90,7 +93,7 @@ void SndfileWriter::begin() {
   SF_INFO info{};
   info.samplerate = static_cast<int>(config_.rate_hz);
   info.channels = static_cast<int>(config_.channels);
-  info.format = container(config_) | sample_format(config_.format);
+  info.format = container(config_, tags_.size()) | sample_format(config_.format);
   errno = 0;
   file_.reset(sf_open_fd(config_.descriptor, SFM_WRITE, &info, SF_FALSE));
   if (!file_) {
@@ -105,7 +108,7 @@ void SndfileWriter::begin() {
   if (has_place && map.size() == config_.channels)
     sf_command(file_.get(), SFC_SET_CHANNEL_MAP_INFO, map.data(),
                static_cast<int>(map.size() * sizeof(int)));
-  if (config_.kind == PcmKind::kWav && may_outgrow_wav(config_))
+  if (config_.kind == PcmKind::kWav && may_outgrow_wav(config_, tags_.size()))
     sf_command(file_.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
 }
 
@@ -116,24 +119,11 @@ bool SndfileWriter::put(std::span<const uint8_t> bytes) {
   return error().empty();
 }
 
-// libsndfile states the bits of the room that samples take.
-bool SndfileWriter::state_significant_bits() {
-  const auto chunks = chunks_of(config_.descriptor);
-  if (!chunks) return true;  // W64 and CAF have one number for both
-  const auto bits = static_cast<std::byte>(config_.significant_bits);
-  constexpr uint64_t kExtensibleBytes = 40;
-  uint64_t place = 0;
-  std::array<std::byte, 2> number{};
-  if (const Chunk* common = chunks->find("COMM")) {
-    place = common->offset + 6;
-    number[1] = bits;
-  } else if (const Chunk* format = chunks->find("fmt ");
-             format && format->bytes >= kExtensibleBytes) {
-    place = format->offset + 18;
-    number[0] = bits;
-  }
-  if (place != 0 && !write_at(config_.descriptor, place, number)) return fail(std::strerror(errno));
-  return true;
+bool SndfileWriter::complete() {
+  if (config_.significant_bits != 0 &&
+      !state_significant_bits(config_.descriptor, config_.significant_bits))
+    return false;
+  return tags_.empty() || append_to_form(config_.descriptor, tags_);
 }
 
 }  // namespace corvin::cli

@@ -16,7 +16,7 @@
 
 namespace corvin::cli {
 
-/** Of sound, in files whose sizes have 32 bits; the rest is room for headers. */
+/** Of sound and tags, in files whose sizes have 32 bits; the rest is room for headers. */
 constexpr uint64_t kMostShortBytes = 0xffffffff - 4096;
 
 class SndfileWriter : public PcmWriter {
@@ -33,10 +33,11 @@ class SndfileWriter : public PcmWriter {
 
   void begin();
   bool put(std::span<const uint8_t> bytes);
-  bool state_significant_bits();
+  bool complete();
 
   const PcmWriterConfig config_;
   uint64_t bytes_ = 0;
+  const std::vector<std::byte> tags_;  // that the file ends with
   std::vector<uint8_t> swapped_;
   std::unique_ptr<SNDFILE, Closer> file_;
 };

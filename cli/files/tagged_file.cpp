@@ -4,12 +4,15 @@
 #include "cli/files/tagged_file.h"
 
 #include <cstring>
+#include <optional>
 #include <sstream>
 #include <string>
 
 #include "cli/files/dsd_input.h"
 #include "cli/files/interrupt.h"
+#include "cli/files/pcm_tag_saving.h"
 #include "cli/files/pcm_tags.h"
+#include "cli/files/tag_bytes.h"
 #include "cli/words/failure.h"
 #include "cli/words/measures.h"
 
@@ -34,17 +37,33 @@ std::string contents_of(const TagSet& tags) {
   return list;
 }
 
+void note_left_out(const std::string& path, PcmKind kind, const TagSet& tags) {
+  const std::string left_out = tags_left_out(kind, tags);
+  if (left_out.empty()) return;
+  const bool has_tags = kind != PcmKind::kW64;
+  note(path, (has_tags ? "gets the tags without " : "gets no tags: without ") + left_out);
+}
+
 void note_losses(const std::string& path, const TagSet& tags, corvin_id3_form form) {
+  const auto kind = taggable_kind(path);
+  if (kind) note_left_out(path, *kind, tags);
+  if (kind == PcmKind::kFlac || kind == PcmKind::kWavPack) return;  // no ID3v2
   std::istringstream lines(tags.losses(form));
   for (std::string line; std::getline(lines, line);) note(path, line);
 }
 
 void save_tags(const std::string& path, const TagSet& tags, corvin_id3_form form) {
-  if (!DsdInput::open(path))
-    throw Failure(kBadInput, path, "is no DSF or DSDIFF file; tags are written to those alone");
+  const auto kind = DsdInput::open(path) ? std::nullopt : taggable_kind(path);
+  if (!kind && !DsdInput::open(path))
+    throw Failure(kBadInput, path,
+                  "is of no kind that tags are written to; those are DSF, DSDIFF, FLAC, WAV, RF64, "
+                  "AIFF and WavPack");
   const InterruptsHeld held;
   try {
-    tags.save(path.c_str(), form);
+    if (kind)
+      save_pcm_tags(path, *kind, tags, form);
+    else
+      tags.save(path.c_str(), form);
   } catch (const Error& error) {
     const int why = error.system_error();
     switch (error.status()) {

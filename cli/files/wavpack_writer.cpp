@@ -10,6 +10,7 @@
 
 #include "cli/files/descriptor_bytes.h"
 #include "cli/files/integer_samples.h"
+#include "cli/files/tag_bytes.h"
 
 namespace corvin::cli {
 namespace {
@@ -21,7 +22,9 @@ constexpr int kUnitExponent = 127;
 
 }  // namespace
 
-WavPackWriter::WavPackWriter(const PcmWriterConfig& config) : config_(config) {
+WavPackWriter::WavPackWriter(const PcmWriterConfig& config)
+    : config_(config),
+      tags_(config.tags ? tag_bytes(config.kind, *config.tags) : std::vector<std::byte>()) {
   if (const std::string why = why_not_writable(config); !why.empty())
     fail(why);
   else
@@ -57,6 +60,7 @@ bool WavPackWriter::finish() {
       return fail(std::strerror(errno));
   }
   context_.reset();
+  if (!write_at(config_.descriptor, offset_, tags_)) return fail(std::strerror(errno));
   return true;
 }
 

@@ -38,6 +38,7 @@ class WavPackWriter : public PcmWriter {
   std::vector<uint8_t> first_block_;  // written once more when the length is known
   uint64_t frames_ = 0;
   Md5 sum_;
+  const std::vector<std::byte> tags_;  // that the file ends with
   std::vector<int32_t> samples_;
   std::unique_ptr<WavpackContext, Close> context_;
 };

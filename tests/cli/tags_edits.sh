@@ -22,6 +22,7 @@ try corvin tags song.dsf
 try same_tags song.dsf song.dff
 for kind in dsf dff; do
   corvin convert song.$kind -o after.wav -y 2>/dev/null
+  corvin tags remove --all sound.wav after.wav
   cmp sound.wav after.wav
   mediainfo --Output='Audio;%Format% %Channel(s)% %SamplingRate% %Duration%' song.$kind
 done
@@ -70,7 +71,7 @@ try corvin tags set song.dsf
 try corvin tags set -t TITLE=x -p missing.png song.dsf
 no_utf8() { corvin tags set -t TITLE=$'\xff' song.dsf; }
 try no_utf8
-try corvin tags set -t TITLE=x in.flac missing
+try corvin tags set -t TITLE=x cover.png missing
 try corvin tags remove -p 21 song.dsf
 try corvin tags remove song.dsf
 try corvin tags copy missing song.dsf
