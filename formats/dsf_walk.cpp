@@ -9,6 +9,7 @@
 #include <bit>
 #include <string>
 
+#include "formats/bytes/block_layout.h"
 #include "formats/chunk_cursor.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
@@ -158,12 +159,9 @@ class DsfWalk {
       return;
     }
     // In a group that is cut, as far as the last channel reaches.
-    const std::uint64_t before_last = group - file_.block_bytes;
-    const std::uint64_t rest = there % group;
     file_.sound.bytes = there;
-    const std::uint64_t bytes =
-        groups_there * file_.block_bytes + (rest > before_last ? rest - before_last : 0);
-    file_.samples = std::min(file_.stated_samples, bytes * 8);
+    const BlockLayout layout = {file_.channels, file_.block_bytes};
+    file_.samples = std::min(file_.stated_samples, layout.WholeBytes(there) * 8);
     WarnOfMissingSound(file_);
   }
 

@@ -4,8 +4,10 @@
 #include "formats/sound_reader.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "formats/bytes/bit_order.h"
+#include "formats/speakers.h"
 
 namespace corvin::formats {
 namespace {
@@ -18,7 +20,19 @@ SoundReader::SoundReader(ByteSource& source, const SoundFile& file)
     : source_(source),
       file_(file),
       layout_{file.channels, file.block_bytes},
-      window_(kWindowBytes) {}
+      window_(kWindowBytes) {
+  Select({});
+}
+
+void SoundReader::Select(std::span<const std::uint32_t> channels) {
+  selects_ = !channels.empty();
+  selected_.assign(channels.begin(), channels.end());
+  if (!channels.empty()) return;
+  selected_.resize(file_.channels);
+  std::iota(selected_.begin(), selected_.end(), 0u);
+}
+
+std::uint32_t SoundReader::Speakers() const { return MappedSpeakers(file_.speakers, selected_); }
 
 // Null when fewer than `bytes` (at most a window) are there.
 const std::uint8_t* SoundReader::Fetch(std::uint64_t offset, std::size_t bytes) {
@@ -39,22 +53,23 @@ bool SoundReader::ReadRun(std::uint8_t* const* out, std::size_t stride, std::siz
                           bool reverse) {
   const bool together = layout_.interleaved();  // all channels in one part of the file
   const std::uint8_t* in = nullptr;
-  for (std::size_t c = 0; c < file_.channels; ++c) {
+  for (std::size_t c = 0; c < selected_.size(); ++c) {
     if (c == 0 || !together) {
-      in = Fetch(file_.sound.offset + layout_.Offset(c, position_),
+      const std::uint32_t channel = together ? 0 : selected_[c];
+      in = Fetch(file_.sound.offset + layout_.Offset(channel, position_),
                  together ? run * file_.channels : run);
       if (in == nullptr) return false;
     }
-    CopyBytes(together ? in + c : in, layout_.Stride(), out[c], stride, run, reverse);
+    CopyBytes(together ? in + selected_[c] : in, layout_.Stride(), out[c], stride, run, reverse);
   }
   return true;
 }
 
 std::size_t SoundReader::Read(std::uint8_t* const* out, std::size_t stride, std::size_t bytes,
                               bool lsb_first) {
-  const std::size_t channels = file_.channels;
+  const std::size_t channels = selected_.size();
   const std::uint64_t total = file_.ChannelBytes();
-  const std::uint64_t most = layout_.interleaved() ? kWindowBytes / channels : kWindowBytes;
+  const std::uint64_t most = layout_.interleaved() ? kWindowBytes / file_.channels : kWindowBytes;
   std::uint8_t* places[kMaxChannels];
   std::copy(out, out + channels, places);
   std::size_t done = 0;

@@ -3,6 +3,7 @@
 
 #include "formats/speakers.h"
 
+#include <bit>
 #include <cstring>
 
 namespace corvin::formats {
@@ -27,6 +28,19 @@ bool Is(const std::uint8_t* name, const char* known) {
 }
 
 }  // namespace
+
+std::uint32_t MappedSpeakers(std::uint32_t speakers, std::span<const std::uint32_t> channels) {
+  std::uint32_t mask = 0;
+  for (const std::uint32_t channel : channels) {
+    if (channel >= static_cast<std::uint32_t>(std::popcount(speakers))) return 0;
+    std::uint32_t bits = speakers;
+    for (std::uint32_t i = 0; i < channel; ++i) bits &= bits - 1;
+    const std::uint32_t speaker = bits & (~bits + 1);
+    if (speaker <= mask) return 0;
+    mask |= speaker;
+  }
+  return mask;
+}
 
 std::uint32_t DsfTypeOf(std::uint32_t speakers, std::uint32_t channels) {
   for (std::uint32_t type = 1; type <= 7; ++type) {

@@ -8,6 +8,7 @@
 #define CORVIN_FORMATS_SPEAKERS_H_
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace corvin::formats {
@@ -42,6 +43,10 @@ constexpr std::uint32_t SpeakersOfDsfType(std::uint32_t type) {
                                       kSurround51};
   return type <= 7 ? kTypes[type] : 0;
 }
+
+/// The mask of channels that come from those of `speakers` with these numbers; 0 where they do not
+/// stand in the order of the bits, or one has no speaker.
+std::uint32_t MappedSpeakers(std::uint32_t speakers, std::span<const std::uint32_t> channels);
 
 /// DSF's type of a layout; for one that it does not know, that of so many channels, at most 6.
 std::uint32_t DsfTypeOf(std::uint32_t speakers, std::uint32_t channels);

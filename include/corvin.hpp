@@ -687,6 +687,12 @@ struct ConvertSettings : corvin_convert_settings {
   ConvertSettings() { corvin_convert_settings_defaults(this); }
 };
 
+/// The mask of mapped channels.
+inline std::uint32_t speakers_mapped(std::uint32_t speakers,
+                                     std::span<const std::uint32_t> channel_map) {
+  return corvin_speakers_mapped(speakers, channel_map.data(), channel_map.size());
+}
+
 /// A conversion that failed, and how far it came.
 class ConvertError : public Error {
  public:
@@ -826,7 +832,7 @@ inline corvin_convert_report convert_dsd_rate(
   });
 }
 
-/// The sound bit for bit; of `settings` only their progress counts.
+/// The sound, or a stretch of it, bit for bit.
 inline void convert_copy(File& source, Writer& target,
                          const corvin_convert_settings& settings = ConvertSettings(),
                          const Progress& progress = {}) {

@@ -264,7 +264,8 @@ CORVIN_API int corvin_tags_save(const corvin_tags* tags, const char* path, uint3
 /** What a conversion is asked for. Fields mean what those of the decoder's and the encoder's
  *  settings do; each conversion looks at those that concern it. Neighbours and a place in a whole
  *  are for corvin_convert_to_pcm(): the others, which begin a modulator's or a container's bits
- *  anew, refuse them. */
+ *  anew, refuse them. A stretch and a map of channels are for the conversions from a file; those from
+ *  PCM refuse them. */
 typedef struct corvin_convert_settings {
   size_t size;          /**< sizeof(corvin_convert_settings), set by ..._defaults() */
   uint32_t pcm_rate;    /**< of PCM to come, Hz. Default 44100 */
@@ -291,7 +292,22 @@ typedef struct corvin_convert_settings {
   size_t next_count;
   uint64_t first_sample; /**< where in the whole the source's first sample stands; up to 2^60.
                               Default 0 */
-  uint64_t reserved[11]; /**< 0 */
+  uint64_t
+      begin_sample; /**< of the source, with which the stretch to convert begins, be it within a
+                              byte. Default 0 */
+  uint64_t sample_count; /**< of the stretch, which ends at the source's end or before; 0: all from
+                              begin_sample on. Default 0 */
+  /** channel_map[channel_map_count]: channel k of the output is the source's channel
+   *  channel_map[k]. Up to 64, the same one several times too; what comes out is what a file of
+   *  these channels makes. NULL and 0: all as they stand. Default NULL and 0 */
+  const uint32_t* channel_map;
+  size_t channel_map_count;
+  uint32_t keep_damaged; /**< not 0: when a file cannot be read on, what came before it is converted
+                              to its end, the writer finished, and CORVIN_E_READ returned all the
+                              same. Conversions from PCM have no use for it: a source that returns 0
+                              ends. Default 0 */
+  uint32_t reserved0;    /**< 0 */
+  uint64_t reserved[6];  /**< 0 */
 } corvin_convert_settings;
 
 /** What is to come, for a sink. */
@@ -299,7 +315,7 @@ typedef struct corvin_pcm_format {
   size_t size;       /**< sizeof(corvin_pcm_format) of the library */
   uint32_t pcm_rate; /**< Hz */
   uint32_t channels;
-  uint32_t speakers; /**< mask */
+  uint32_t speakers; /**< mask; with a map of channels as corvin_speakers_mapped() */
   uint32_t format;   /**< corvin_sample_format */
   uint64_t frames;   /**< that will come */
 } corvin_pcm_format;
@@ -332,21 +348,36 @@ typedef struct corvin_pcm_source {
 typedef struct corvin_convert_report {
   size_t size;        /**< sizeof(corvin_convert_report), set by the caller */
   uint64_t frames;    /**< of PCM: handed to the sink, or taken from the source */
-  uint64_t samples;   /**< one-bit samples per channel handed to the writer */
+  uint64_t samples;   /**< one-bit samples per channel handed to the writer; of
+                           corvin_convert_to_pcm(), read from the stretch */
   uint64_t clips;     /**< PCM samples that met a limit of their integer format */
   uint64_t limited;   /**< as in corvin_encoder_report */
   uint64_t overloads; /**< as in corvin_encoder_report */
   double peak;        /**< largest absolute sample after the gain, before limiting; 1.0 = full
                            scale */
   double gain_db;     /**< that was applied */
-  uint64_t finished;  /**< writers that became files, by corvin_convert_to_dsd() and ..._tracks() */
-  uint64_t reserved[7];
+  uint64_t finished;  /**< writers that became files */
+  uint64_t missing; /**< samples per channel of the stretch that were not read and, when it goes to
+                           the file's end, those that the file states and does not have */
+  uint64_t reserved[6];
 } corvin_convert_report;
 
 /** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
 CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settings);
 
+/** Returns the mask of channels that a map makes of those of a file, bit by bit: 0 when they do not
+ *  stand in the order of the bits, when one has no bit in `speakers` and when one comes twice.
+ *  @param speakers       of the file
+ *  @param channel_map    channel_map[count], as in corvin_convert_settings. NULL: 0 comes back
+ *  Since 0.1. */
+CORVIN_API uint32_t corvin_speakers_mapped(uint32_t speakers, const uint32_t* channel_map,
+                                           size_t count);
+
 /** Converts a file's sound, from its first to its last sample, to PCM.
+ *
+ *  Of a stretch from sample `a` to sample `b` of the file the frames come that converting all of it
+ *  makes from corvin_decoder_frames(a) to corvin_decoder_frames(b), bit for bit: the filters hear
+ *  what is around. With a place in a whole, `a` and `b` count in that.
  *
  *  The file may be a part of a whole, such as a track of an album. With the files around it, which
  *  the filters then hear in place of silence, and its place, what comes out is bit for bit what
@@ -364,8 +395,9 @@ CORVIN_API void corvin_convert_settings_defaults(corvin_convert_settings* settin
  *  @param settings  NULL: the defaults
  *  @param report    its `size` set; filled whenever the arguments are valid, for what came so far.
  *                   May be NULL
- *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, also when a neighbour has another rate or other channels
- *           or `previous` hold more than `first_sample` samples; CORVIN_E_MEMORY, CORVIN_E_THREAD;
+ *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, also when a neighbour has another rate or other channels,
+ *           `previous` hold more than `first_sample` samples, the stretch goes beyond the file or
+ *           a mapped channel is not there; CORVIN_E_MEMORY, CORVIN_E_THREAD;
  *           CORVIN_E_UNSUPPORTED when there is no plan for the rates; the `readable` of the file's
  *           info or a neighbour's; CORVIN_E_READ, of a neighbour too: of the sound before the
  *           source's it comes before the sink has begun; CORVIN_E_WRITE when the sink did not go
@@ -380,7 +412,7 @@ CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_s
  *  @param settings  NULL: the defaults
  *  @param report    as for corvin_convert_to_pcm()
  *  @return  CORVIN_OK; CORVIN_E_ARGUMENT (also when the channels differ, or the settings tell of
- *           neighbours or a place in a whole), CORVIN_E_MEMORY, CORVIN_E_THREAD;
+ *           neighbours, a place in a whole, a stretch or a map), CORVIN_E_MEMORY, CORVIN_E_THREAD;
  *           CORVIN_E_UNSUPPORTED when there is no plan for the rates;
  *           CORVIN_E_STATE when the writer has sound already; CORVIN_E_READ when the source failed;
  *           CORVIN_E_WRITE, CORVIN_E_CANCELLED. After a failure the writer is not finished
@@ -428,20 +460,26 @@ CORVIN_API int corvin_convert_to_dsd_tracks(const corvin_pcm_source* const* sour
  *      DSD512    41.9, 44.1     83.8, 88.2     167.6, 176.4    160, 240
  *
  *  `phase` holds for both filters on the way. The number of samples is the target's rate x samples
- *  / the source's rate, rounded up.
- *  @return  as corvin_convert_to_dsd(), and the `readable` of the file's info. Tags are not copied
+ *  / the source's rate, rounded up. Of a stretch the source's filter hears what is around; the
+ *  encoder begins with it, its first sample at that of the target.
+ *  @return  as corvin_convert_to_dsd(), but for a stretch and a map, which are to fit as in
+ *           corvin_convert_to_pcm(); and the `readable` of the file's info. Tags are not copied
  *  Since 0.1. */
 CORVIN_API int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
                                        const corvin_convert_settings* settings,
                                        corvin_convert_report* report);
 
-/** Copies a file's sound to a writer of the same rate and channel count, bit for bit, and finishes
- *  that. Tags are not copied: corvin_file_get_tags() and corvin_writer_set_tags() do that before.
- *  @param settings  its progress counts; NULL: none
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ, or the settings tell
- *           of neighbours or a place in a whole), CORVIN_E_MEMORY, CORVIN_E_STATE when the writer
- *           has sound already; the `readable` of the file's info; CORVIN_E_READ, CORVIN_E_WRITE,
- *           CORVIN_E_CANCELLED: the writer is not finished
+/** Copies a file's sound, or a stretch of it, to a writer of the same rate, bit for bit, and finishes
+ *  that. A stretch begins and ends anywhere, its bits moved up; DSDIFF and "1bit" know whole bytes,
+ *  the last of which is filled up with silence. Tags are not copied: corvin_file_get_tags() and
+ *  corvin_writer_set_tags() do that before.
+ *  @param target    of as many channels as the source, or the map of channels, has
+ *  @param settings  progress, stretch, map and `keep_damaged` count; NULL: none
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ, stretch or map do not
+ *           fit, or the settings tell of neighbours or a place in a whole), CORVIN_E_MEMORY,
+ *           CORVIN_E_STATE when the writer has sound already; the `readable` of the file's info;
+ *           CORVIN_E_READ, CORVIN_E_WRITE, CORVIN_E_CANCELLED: the writer is not finished, but
+ *           after CORVIN_E_READ with `keep_damaged`
  *  Since 0.1. */
 CORVIN_API int corvin_convert_copy(corvin_file* source, corvin_writer* target,
                                    const corvin_convert_settings* settings);

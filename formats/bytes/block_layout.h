@@ -26,6 +26,13 @@ struct BlockLayout {
     return (byte / block * channels + channel) * block + byte % block;
   }
 
+  /// Bytes of each channel that the first `bytes` of the row hold of all of them.
+  std::uint64_t WholeBytes(std::uint64_t bytes) const {
+    const std::uint64_t before_last = group() - block;
+    const std::uint64_t rest = bytes % group();
+    return bytes / group() * block + (rest > before_last ? rest - before_last : 0);
+  }
+
   /// From a channel's byte to its next one, within Run() bytes.
   std::size_t Stride() const { return interleaved() ? static_cast<std::size_t>(channels) : 1; }
 

@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
+#include "formats/speakers.h"
 #include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
 #include "studio/convert/copy.h"
+#include "studio/convert/stretch.h"
 #include "studio/convert/to_dsd.h"
 #include "studio/convert/to_pcm.h"
 
@@ -26,6 +29,54 @@ bool adopt_settings(const corvin_convert_settings* settings, corvin_convert_sett
 bool adopt_alone(const corvin_convert_settings* settings, corvin_convert_settings& known) {
   return adopt_settings(settings, known) && known.previous_count == 0 && known.next_count == 0 &&
          known.first_sample == 0;
+}
+
+// The same for one that has no file for a source, of which there could be a part.
+bool adopt_all(const corvin_convert_settings* settings, corvin_convert_settings& known) {
+  return adopt_alone(settings, known) && known.begin_sample == 0 && known.sample_count == 0 &&
+         known.channel_map_count == 0;
+}
+
+// What is wanted of a file: a stretch, and channels that its reader and those of its neighbours give
+// as long as this lives.
+class Part {
+ public:
+  // CORVIN_OK when the file has it.
+  int select(corvin_file& file, const corvin_convert_settings& settings,
+             const Neighbours& around = {}) {
+    const auto stretch = stretch_of(settings, file.sound);
+    if (!stretch) return CORVIN_E_ARGUMENT;
+    stretch_ = *stretch;
+    if (settings.channel_map_count == 0) return CORVIN_OK;
+    if (settings.channel_map == nullptr || settings.channel_map_count > formats::kMaxChannels) {
+      return CORVIN_E_ARGUMENT;
+    }
+    const std::span map(settings.channel_map, settings.channel_map_count);
+    const auto is_there = [&](std::uint32_t channel) { return channel < file.sound.channels; };
+    if (!std::all_of(map.begin(), map.end(), is_there)) return CORVIN_E_ARGUMENT;
+    readers_ = {&*file.reader};
+    readers_.insert(readers_.end(), around.previous.begin(), around.previous.end());
+    readers_.insert(readers_.end(), around.next.begin(), around.next.end());
+    for (formats::SoundReader* reader : readers_) reader->Select(map);
+    return CORVIN_OK;
+  }
+  Part() = default;
+  Part(const Part&) = delete;
+  Part& operator=(const Part&) = delete;
+  ~Part() {
+    for (formats::SoundReader* reader : readers_) reader->Select({});
+  }
+
+  const Stretch& stretch() const { return stretch_; }
+
+ private:
+  Stretch stretch_;
+  Sounds readers_;
+};
+
+// Whether a conversion with this status goes on to the end of what it has.
+bool comes_to_end(int status, const corvin_convert_settings& settings) {
+  return status == CORVIN_OK || (status == CORVIN_E_READ && settings.keep_damaged != 0);
 }
 
 int adopt_neighbours(const corvin_convert_settings& settings, const formats::SoundFile& file,
@@ -102,9 +153,12 @@ int convert_tracks(const Tracks& tracks, const corvin_convert_settings& settings
 }
 
 // What comes behind the last byte of a conversion with `status`.
-int complete(corvin_writer& writer, int status, std::uint64_t samples) {
+int complete(corvin_writer& writer, int status, const corvin_convert_settings& settings,
+             std::uint64_t samples) {
   writer.failed = writer.failed || status == CORVIN_E_WRITE;
-  return status == CORVIN_OK ? corvin_writer_finish(&writer, samples) : status;
+  if (!comes_to_end(status, settings)) return status;
+  const int finished = corvin_writer_finish(&writer, samples);
+  return finished == CORVIN_OK ? status : finished;
 }
 
 }  // namespace
@@ -123,6 +177,11 @@ void corvin_convert_settings_defaults(corvin_convert_settings* settings) {
   settings->kernel_mask = std::numeric_limits<std::uint32_t>::max();
 }
 
+uint32_t corvin_speakers_mapped(uint32_t speakers, const uint32_t* channel_map, size_t count) {
+  if (channel_map == nullptr) return 0;
+  return corvin::formats::MappedSpeakers(speakers, {channel_map, count});
+}
+
 int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* settings,
                           const corvin_pcm_sink* sink, corvin_convert_report* report) {
   corvin_convert_settings known;
@@ -135,9 +194,13 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
     corvin::studio::Neighbours around;
-    const int status = corvin::studio::adopt_neighbours(known, source->sound, around);
+    int status = corvin::studio::adopt_neighbours(known, source->sound, around);
     if (status != CORVIN_OK) return status;
-    return corvin::studio::convert_to_pcm(*source->reader, around, known, known_sink, result);
+    corvin::studio::Part part;
+    status = part.select(*source, known, around);
+    if (status != CORVIN_OK) return status;
+    return corvin::studio::convert_to_pcm(*source->reader, around, part.stretch(), known,
+                                          known_sink, result);
   });
 }
 
@@ -152,7 +215,7 @@ int corvin_convert_to_dsd_tracks(const corvin_pcm_source* const* sources,
                                  corvin_convert_report* report) {
   corvin_convert_settings known;
   if (sources == nullptr || targets == nullptr || count == 0 ||
-      !corvin::studio::adopt_alone(settings, known) || !corvin::studio::valid(report)) {
+      !corvin::studio::adopt_all(settings, known) || !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
   corvin::studio::Tracks tracks;
@@ -171,15 +234,20 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
       !corvin::studio::valid(report)) {
     return CORVIN_E_ARGUMENT;
   }
-  if (source->reader && target->settings.channels != source->sound.channels) {
-    return CORVIN_E_ARGUMENT;
-  }
-  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::reported(report, [&](corvin_convert_report& result) {
     if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-    const int status =
-        corvin::studio::convert_dsd_rate(*source->reader, *target->sound, known, result);
-    return corvin::studio::complete(*target, status, result.samples);
+    corvin::studio::Part part;
+    int status = part.select(*source, known);
+    if (status != CORVIN_OK) return status;
+    if (target->settings.channels != source->reader->channels()) {
+      return static_cast<int>(CORVIN_E_ARGUMENT);
+    }
+    if (corvin::studio::has_sound(*target)) return static_cast<int>(CORVIN_E_STATE);
+    status = corvin::studio::convert_dsd_rate(*source->reader, part.stretch(), *target->sound,
+                                              known, result);
+    status = corvin::studio::complete(*target, status, known, result.samples);
+    result.finished = target->finished && !target->failed ? 1 : 0;
+    return status;
   });
 }
 
@@ -190,14 +258,18 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
     return CORVIN_E_ARGUMENT;
   }
   if (!source->reader) return corvin::studio::status_of(source->sound.readable);
-  if (target->settings.dsd_rate != source->sound.rate_hz ||
-      target->settings.channels != source->sound.channels) {
-    return CORVIN_E_ARGUMENT;
-  }
-  if (corvin::studio::has_sound(*target)) return CORVIN_E_STATE;
   return corvin::studio::guarded([&] {
-    const int status = corvin::studio::copy(*source->reader, source->sound, *target->sound, known);
-    return corvin::studio::complete(*target, status, source->sound.samples);
+    corvin::studio::Part part;
+    int status = part.select(*source, known);
+    if (status != CORVIN_OK) return status;
+    if (target->settings.dsd_rate != source->sound.rate_hz ||
+        target->settings.channels != source->reader->channels()) {
+      return static_cast<int>(CORVIN_E_ARGUMENT);
+    }
+    if (corvin::studio::has_sound(*target)) return static_cast<int>(CORVIN_E_STATE);
+    std::uint64_t samples = 0;
+    status = corvin::studio::copy(*source->reader, part.stretch(), *target->sound, known, samples);
+    return corvin::studio::complete(*target, status, known, samples);
   });
 }
 

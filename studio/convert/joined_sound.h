@@ -2,8 +2,7 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // The sound of several files, one behind the other, as bytes of each channel. A file may begin and
-// end within a byte: what follows is moved up to it bit by bit. Meant for the little that the
-// filters hear around a stretch, not for the stretch itself.
+// end within a byte: what follows is moved up to it bit by bit.
 
 #ifndef CORVIN_STUDIO_CONVERT_JOINED_SOUND_H_
 #define CORVIN_STUDIO_CONVERT_JOINED_SOUND_H_
@@ -40,11 +39,14 @@ class JoinedSound {
   std::size_t next();
   std::uint8_t* const* places() const { return joined_.places(); }
 
-  /// Whether a file could not be read, which ends the sound.
+  /// Made so far.
+  std::uint64_t samples() const { return samples_; }
+
+  /// Whether a file could not be read, which ends the sound with what came before.
   bool failed() const { return failed_; }
 
  private:
-  bool append(const SoundPart& part, std::size_t samples, std::size_t at);
+  std::size_t append(const SoundPart& part, std::size_t samples, std::size_t at);
 
   std::vector<SoundPart> parts_;
   std::size_t part_ = 0;
@@ -54,6 +56,7 @@ class JoinedSound {
   ChannelBytes joined_;
   ChannelBytes read_;  // of one file, from the byte on that holds the next sample
   std::size_t channels_;
+  std::uint64_t samples_ = 0;
   bool failed_ = false;
 };
 

@@ -34,7 +34,7 @@ int seek_with_preroll(Decoder& decoder, formats::SoundReader& file, const Sounds
   const std::uint64_t first = decoder.settings().first_sample;
   const std::uint64_t byte = (sample - first) / 8;
   JoinedSound sound(parts_before(file, byte, previous, 8 * decoder.preroll(sample)),
-                    file.file().channels, first, decoder.settings().bit_order == CORVIN_LSB_FIRST);
+                    file.channels(), first, decoder.settings().bit_order == CORVIN_LSB_FIRST);
   while (const std::size_t bytes = sound.next()) {
     // All of it is taken: nothing comes out before what follows it.
     std::size_t taken = 0;
@@ -46,16 +46,17 @@ int seek_with_preroll(Decoder& decoder, formats::SoundReader& file, const Sounds
 }
 
 std::vector<SoundPart> rest_and_next(const Decoder& decoder, formats::SoundReader& file,
-                                     std::uint64_t from, const Sounds& next) {
-  const std::uint64_t samples = file.file().samples;
-  std::vector<SoundPart> parts = {{&file, 8 * from, samples}};
-  // What the file's last byte lacks, and the bytes behind it.
-  std::uint64_t wanted = 8 * (formats::BytesOf(samples) + decoder.preroll()) - samples;
-  for (formats::SoundReader* one : next) {
-    const std::uint64_t taken = std::min(wanted, one->file().samples);
-    parts.push_back({one, 0, taken});
+                                     std::uint64_t from, std::uint64_t end, const Sounds& next) {
+  std::vector<SoundPart> parts = {{&file, 8 * from, end}};
+  // What the last byte lacks, and the bytes behind it.
+  std::uint64_t wanted = 8 * (formats::BytesOf(end) + decoder.preroll()) - end;
+  const auto take = [&](formats::SoundReader* reader, std::uint64_t first) {
+    const std::uint64_t taken = std::min(wanted, reader->file().samples - first);
+    parts.push_back({reader, first, first + taken});
     wanted -= taken;
-  }
+  };
+  take(&file, end);
+  for (formats::SoundReader* one : next) take(one, 0);
   return parts;
 }
 

@@ -34,10 +34,10 @@ struct Neighbours {
 int seek_with_preroll(Decoder& decoder, formats::SoundReader& file, const Sounds& previous,
                       std::uint64_t sample);
 
-/// What a decoder of the file's sound takes from byte `from` of it on: the rest of the file, and
-/// as much behind it as is of use.
+/// What a decoder of the file's sound up to sample `end` takes from byte `from` of it on: the rest,
+/// and as much behind it as is of use.
 std::vector<SoundPart> rest_and_next(const Decoder& decoder, formats::SoundReader& file,
-                                     std::uint64_t from, const Sounds& next);
+                                     std::uint64_t from, std::uint64_t end, const Sounds& next);
 
 }  // namespace corvin::studio
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -87,8 +88,9 @@ int convert_to_dsd(std::span<const corvin_pcm_source> sources,
   return result;
 }
 
-int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
-                     const corvin_convert_settings& settings, corvin_convert_report& report) {
+int convert_dsd_rate(formats::SoundReader& source, const Stretch& stretch,
+                     formats::SoundWriter& target, const corvin_convert_settings& settings,
+                     corvin_convert_report& report) {
   const formats::SoundFile& file = source.file();
   const auto from = dsd_family(file.rate_hz);
   const formats::SoundFormat& format = target.format();
@@ -100,6 +102,9 @@ int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
   decoding.pcm_rate = rate_between(*from, *to);
   decoding.format = CORVIN_F64;
   decoding.gain_db = 0;
+  // A place in a whole where the stretch begins with a frame.
+  const std::uint64_t frame = file.rate_hz / std::gcd(file.rate_hz, decoding.pcm_rate);
+  decoding.first_sample = (frame - stretch.begin % frame) % frame;
   if (decoding.pass_hz == 0 && decoding.stop_hz == 0) {
     // The source's noise is of no use to anybody, the target's modulator least of all.
     const PassBand band = sound_band(*from, decoding.pcm_rate / 2.0);
@@ -111,12 +116,11 @@ int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
   const int status =
       Encoder::create(encoder_settings(decoding.pcm_rate, CORVIN_F64, format, settings), encoder);
   if (status != CORVIN_OK) return status;
-  const std::uint64_t samples = samples_of(file.samples, file.rate_hz, format.rate_hz);
-  // What follows the last sample is dropped.
-  const std::uint64_t most_bytes = formats::BytesOf(samples);
+  std::uint64_t samples = samples_of(stretch.samples(), file.rate_hz, format.rate_hz);
   const auto take = [&](const std::uint8_t* const* bytes, std::size_t count) {
+    // What follows the last sample is dropped.
     const auto wanted = static_cast<std::size_t>(
-        std::min<std::uint64_t>(count, most_bytes - target.channel_bytes()));
+        std::min<std::uint64_t>(count, formats::BytesOf(samples) - target.channel_bytes()));
     return target.Write(bytes, 1, wanted, false) ? CORVIN_OK : CORVIN_E_WRITE;
   };
   Encoding encoding(*encoder, format.channels, sizeof(double) * format.channels, take);
@@ -127,14 +131,17 @@ int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
   sink.write = [](void* user, const void* frames, std::size_t count) {
     return static_cast<Encoding*>(user)->push(frames, count) == CORVIN_OK ? 0 : 1;
   };
-  int result = convert_to_pcm(source, {}, decoding, sink, report);
-  if (result == CORVIN_OK) {
+  int result = convert_to_pcm(source, {}, stretch, decoding, sink, report);
+  if (result == CORVIN_OK || (result == CORVIN_E_READ && settings.keep_damaged != 0)) {
+    samples = samples_of(report.samples, file.rate_hz, format.rate_hz);
     // The PCM ends with the last whole frame, which may lie before the last sample.
     const std::vector<double> silence(format.channels);
-    while (result == CORVIN_OK && encoder->samples_of(encoding.frames()) < samples) {
-      result = encoding.push(silence.data(), 1);
+    int ended = CORVIN_OK;
+    while (ended == CORVIN_OK && encoder->samples_of(encoding.frames()) < samples) {
+      ended = encoding.push(silence.data(), 1);
     }
-    if (result == CORVIN_OK) result = encoding.finish();
+    if (ended == CORVIN_OK) ended = encoding.finish();
+    if (ended != CORVIN_OK) result = ended;
   }
   encoding.tell(report);
   report.samples = std::min(report.samples, samples);

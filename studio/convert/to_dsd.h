@@ -12,6 +12,7 @@
 #include "corvin.h"
 #include "formats/sound_reader.h"
 #include "formats/sound_writer.h"
+#include "studio/convert/stretch.h"
 #include "studio/convert/track_cuts.h"
 
 namespace corvin::studio {
@@ -23,9 +24,11 @@ int convert_to_dsd(std::span<const corvin_pcm_source> sources,
                    std::span<formats::SoundWriter* const> targets, TrackCuts::Finish finish,
                    const corvin_convert_settings& settings, corvin_convert_report& report);
 
-/// As corvin_convert_dsd_rate(), in the same way, up to the last byte.
-int convert_dsd_rate(formats::SoundReader& source, formats::SoundWriter& target,
-                     const corvin_convert_settings& settings, corvin_convert_report& report);
+/// As corvin_convert_dsd_rate(), in the same way, of `stretch` and the reader's channels, up to the
+/// last byte.
+int convert_dsd_rate(formats::SoundReader& source, const Stretch& stretch,
+                     formats::SoundWriter& target, const corvin_convert_settings& settings,
+                     corvin_convert_report& report);
 
 }  // namespace corvin::studio
 
