@@ -12,6 +12,7 @@
 #include <string>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/manner_options.h"
 #include "cli/files/interrupt.h"
 #include "cli/words/failure.h"
 #include "cli/words/said.h"
@@ -33,6 +34,7 @@ int run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kExitCodes);
   for (AddCommand* add : kCommands) add(app, exit_code);
+  add_manner_options(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

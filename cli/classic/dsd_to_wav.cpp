@@ -13,22 +13,22 @@
 #include "cli/classic/ways.h"
 #include "cli/files/pcm_writer.h"
 #include "cli/words/failure.h"
+#include "cli/words/job_progress.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
-#include "cli/words/progress_line.h"
 
 namespace corvin::cli {
 namespace {
 
 // What the conversion's progress callback works on.
 struct Watch {
-  ProgressLine line;
+  JobProgress progress;
   const PcmDrain& drain;
 };
 
 bool go_on(int percent, void* data) {
   auto* watch = static_cast<Watch*>(data);
-  watch->line.show(percent);
+  watch->progress.show(static_cast<uint64_t>(percent), 100);
   return !watch->drain.refused();
 }
 
@@ -69,8 +69,9 @@ void convert_dsd_to_wav_classic(const ClassicWavRequest& request, const DsdHeade
   int result = 0;
   {
     PcmDrain drain;
-    Watch watch{{}, drain};
-    watch.line.show(0);
+    const double seconds = static_cast<double>(expected) / rate_hz;
+    Watch watch{{input.path, seconds > 0 ? 100 / seconds : 0}, drain};
+    watch.progress.show(0, 100);
     drain.run(
         bytes_per_frame,
         [&](std::FILE* stream) {

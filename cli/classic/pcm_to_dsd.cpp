@@ -22,9 +22,9 @@
 #include "cli/files/dsd_container.h"
 #include "cli/files/pcm_tags.h"
 #include "cli/words/failure.h"
+#include "cli/words/job_progress.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
-#include "cli/words/progress_line.h"
 
 namespace corvin::cli {
 namespace {
@@ -56,7 +56,7 @@ void require_possible(const ClassicDsdRequest& request, const PcmInput& input) {
 }
 
 bool go_on(int percent, void* data) {
-  static_cast<ProgressLine*>(data)->show(percent);
+  static_cast<JobProgress*>(data)->show(static_cast<uint64_t>(percent), 100);
   return true;
 }
 
@@ -90,8 +90,9 @@ Pass write_dsd(const ClassicDsdRequest& request, PcmInput input, uint64_t frames
   Pass pass;
   int result = 0;
   {
-    ProgressLine progress;
-    progress.show(0);
+    const double seconds = static_cast<double>(frames) / input.rate_hz();
+    JobProgress progress(input.path(), seconds > 0 ? 100 / seconds : 0);
+    progress.show(0, 100);
     feed_pcm(
         [&](std::span<uint8_t> buffer) {
           const size_t bytes = pcm.read(buffer);

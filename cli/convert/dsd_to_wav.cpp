@@ -77,8 +77,7 @@ void convert_dsd_to_wav(const WavRequest& request, DsdInput& input) {
       {.input_path = input.path(),
        .input_rate_hz = info.dsd_rate,
        .why_writing = [&] { return failure(writer ? writer->error() : "out of memory"); },
-       .advice = "; --engine classic may",
-       .begins_at_zero = true});
+       .advice = "; --engine classic may"});
   if (result.frames == 0 && info.stated_samples != 0) throw no_convertible_sound(input.path());
   if (!writer->finish()) throw failure(writer->error());
   output.commit();

@@ -4,9 +4,12 @@
 #include "cli/convert/engine_run.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <thread>
 
-#include "cli/words/progress_line.h"
+#include "cli/words/job_progress.h"
+#include "cli/words/loudness.h"
+#include "cli/words/measures.h"
 
 namespace corvin::cli {
 namespace {
@@ -27,6 +30,14 @@ Failure failure_of(const Error& error, const EngineRun& run) {
               " Hz, which the studio engine does not convert" + run.advice};
 }
 
+std::string manner_of(const ConvertSettings& settings) {
+  char gain[40];
+  std::snprintf(gain, sizeof gain, "%.2f dB", settings.gain_db);
+  return std::string("goes through filters of ") +
+         (settings.phase == CORVIN_MINIMUM_PHASE ? "minimum" : "linear") +
+         " phase, with a gain of " + gain + " and " + counted(settings.threads, "worker thread");
+}
+
 }  // namespace
 
 corvin_convert_report run_engine(const ConvertSettings& settings, const EngineCall& convert,
@@ -34,14 +45,14 @@ corvin_convert_report run_engine(const ConvertSettings& settings, const EngineCa
   ConvertSettings all = settings;
   all.threads = threads_of_this_machine();
   try {
-    ProgressLine line;
-    if (run.begins_at_zero) line.show(0);
-    return convert(all, [&](uint64_t done, uint64_t total) {
-      if (total == 0) return true;
-      const double part = std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
-      line.show(static_cast<int>(100 * part));
+    JobProgress progress(run.input_path, run.input_rate_hz);
+    note_detail(run.input_path, manner_of(all));
+    const corvin_convert_report report = convert(all, [&](uint64_t done, uint64_t total) {
+      progress.show(done, total);
       return true;
     });
+    note_detail(run.input_path, progress.result());
+    return report;
   } catch (const Error& error) {
     throw failure_of(error, run);
   }

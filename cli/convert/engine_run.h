@@ -24,7 +24,6 @@ struct EngineRun {
   uint32_t input_rate_hz = 0;
   std::function<Failure()> why_writing;  // failed; called when it has
   std::string advice = {};               // on a rate that the engine does not convert
-  bool begins_at_zero = false;           // the line shows 0 % before the first piece is through
 };
 
 /** Runs `convert` with `settings`. Throws Failure. */

@@ -12,7 +12,7 @@
 #include <system_error>
 #include <thread>
 
-#include "cli/words/said.h"
+#include "cli/words/screen.h"
 
 namespace corvin::cli {
 namespace {
@@ -57,7 +57,7 @@ void wait_for_the_end(sigset_t signals) {
   all.is_ending = true;
   all.released.wait(lock, [&] { return all.holders == 0; });
   for (const std::string& path : all.doomed) unlink(path.c_str());
-  say_line("corvin: interrupted");
+  leave_screen();
   die_of(signal);
 }
 

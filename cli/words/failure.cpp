@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+#include "cli/words/loudness.h"
 #include "cli/words/said.h"
 
 namespace corvin::cli {
@@ -12,15 +13,19 @@ namespace {
 
 std::atomic<bool> is_damage_noted = false;
 
+void say_of(const std::string& subject, const std::string& message) {
+  say_line("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
+}
+
 }  // namespace
 
 ExitCode report(const Failure& failure) {
-  note(failure.subject(), failure.what());
+  say_of(failure.subject(), failure.what());
   return failure.code();
 }
 
 void note(const std::string& subject, const std::string& message) {
-  say_line("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
+  if (!loudness().is_quiet) say_of(subject, message);
 }
 
 void note_damage(const std::string& subject, const std::string& message) {

@@ -40,7 +40,7 @@ class Failure : public std::runtime_error {
 /** Says what went wrong and returns the failure's code. */
 ExitCode report(const Failure& failure);
 
-/** Says what the user should know about `subject`; nothing has failed. */
+/** Says what the user should know about `subject`, unless he wants quiet; nothing has failed. */
 void note(const std::string& subject, const std::string& message);
 
 /** Says what is damaged in `subject`, of which the rest was good enough to go on. Unless something

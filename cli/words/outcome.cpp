@@ -3,12 +3,14 @@
 
 #include "cli/words/outcome.h"
 
+#include "cli/words/loudness.h"
 #include "cli/words/measures.h"
 #include "cli/words/said.h"
 
 namespace corvin::cli {
 
 void print_summary(const std::string& path, std::initializer_list<std::string> parts) {
+  if (loudness().is_quiet) return;
   std::string line;
   for (const std::string& part : parts)
     if (!part.empty()) line += (line.empty() ? "" : ", ") + part;

@@ -3,9 +3,9 @@
 
 #include "cli/words/said.h"
 
-#include <cstdio>
 #include <utility>
 
+#include "cli/words/screen.h"
 #include "cli/words/unicode_text.h"
 
 namespace corvin::cli {
@@ -19,7 +19,7 @@ void say(std::string_view lines) {
   if (holder)
     holder->lines_ += lines;
   else
-    std::fwrite(lines.data(), 1, lines.size(), stderr);  // under the stream's lock, so in one piece
+    print_words(lines);
 }
 
 void say_line(std::string_view line) { say(printable(line) + "\n"); }

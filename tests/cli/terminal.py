@@ -6,6 +6,7 @@
 import json
 import os
 import pty
+import re
 import shutil
 import subprocess
 import unicodedata
@@ -34,7 +35,7 @@ def on_terminal(*command):
 
 def refused(text):
     """What must not reach a terminal but for the ends of lines."""
-    text = text.replace("\r", "").replace("\n", "")
+    text = re.sub("\\r|\\n|\x1b\\[(K|1A)", "", text)
     return sorted({unicodedata.category(c) for c in text} & {"Cc", "Cf", "Zl", "Zp"})
 
 
