@@ -3,19 +3,10 @@
 
 #include "cli/commands/convert_options.h"
 
-#include <charconv>
-
 #include "cli/commands/choice_option.h"
 
 namespace corvin::cli {
 namespace {
-
-constexpr Choice<corvin_sample_format> kFormats[] = {
-    {"16", CORVIN_S16},
-    {"24", CORVIN_S24},
-    {"32", CORVIN_S32},
-    {"float", CORVIN_F32},
-};
 
 constexpr Choice<corvin_dither> kDithers[] = {
     {"none", CORVIN_DITHER_NONE},
@@ -34,93 +25,129 @@ constexpr Choice<corvin_modulator> kModulators[] = {
     {"best", CORVIN_MODULATOR_BEST},
 };
 
-constexpr Choice<uint32_t> kMultiples[] = {
-    {"dsd64", 64},
-    {"dsd128", 128},
-    {"dsd256", 256},
-    {"dsd512", 512},
+constexpr Choice<GainGroup> kGainGroups[] = {
+    {"file", GainGroup::kFile},
+    {"dir", GainGroup::kDirectory},
+    {"all", GainGroup::kAll},
 };
 
-// No value: `text` is not a number from its first to its last character.
-template <class Number>
-std::optional<Number> number_in(const std::string& text) {
-  Number number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return {};
-  return number;
+// Adds an option that `parse` makes a value of, or refuses by saying that it is not `wanted`.
+template <class Target, class Parse>
+CLI::Option* add_value(CLI::App& command, const std::string& option, Target& target, Parse parse,
+                       const std::string& wanted, const std::string& description) {
+  return command
+      .add_option_function<std::string>(
+          option, [&target, parse](const std::string& text) { target = *parse(text); }, description)
+      ->check([parse, wanted](const std::string& text) {
+        return parse(text) ? std::string() : text + " is not " + wanted;
+      });
 }
 
-// An empty text asks for nothing.
-std::optional<AskedRate> rate_in(const std::string& text) {
-  if (text.empty()) return {};
-  AskedRate rate{.text = text, .hz = number_in<uint32_t>(text), .dsd_multiple = {}};
-  for (const Choice<uint32_t>& multiple : kMultiples)
-    if (text == multiple.name) rate.dsd_multiple = multiple.value;
-  return rate;
+void add_files(CLI::App& command, ConvertOptions& options) {
+  command
+      .add_option("IN", options.inputs,
+                  "DSDIFF, DSF or 1bit files, told by their content; or PCM in any file that can "
+                  "be read (WAV, AIFF, FLAC, WavPack, Ogg...)")
+      ->required();
+  auto* output = command
+                     .add_option("-o,--output", options.output,
+                                 "File to write, of the kind that its ending says; for one input")
+                     ->type_name("FILE");
+  command
+      .add_option("-O,--output-dir", options.directory,
+                  "Directory for the outputs, made if it is missing; by default each comes beside "
+                  "its input. What was found by -R keeps its subdirectories")
+      ->type_name("DIR")
+      ->excludes(output);
+  command.add_flag("-R,--recursive", options.recursive,
+                   "Convert what is in directories, and below them");
+  add_value(command, "-f,--format", options.kind, output_kind_named,
+            "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit",
+            "Kind of the outputs: flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit; by "
+            "default flac for DSD and dsf for PCM")
+      ->type_name("KIND");
+  command.add_flag("-y,--overwrite", options.overwrite, "Replace outputs that exist");
+  command
+      .add_option("-j,--jobs", options.jobs,
+                  "Inputs to convert at once; by default as many as there are processors")
+      ->check(CLI::Range(1u, 256u))
+      ->type_name("N");
 }
 
-std::optional<double> gain_in(const std::string& text) {
-  const auto db = number_in<double>(text);
-  return db && *db >= -120 && *db <= 60 ? db : std::nullopt;
+void add_sound(CLI::App& command, ConvertOptions& options) {
+  add_value(command, "-r,--rate", options.rate, rate_in,
+            "a rate such as 44.1k, 88200, dxd, dsd64 or 128",
+            "Of PCM: 8000 to 768000 Hz, also as 44.1k or dxd; by default 88200 for DSD64 and "
+            "176400 above, 96000 and 192000 for multiples of 48 kHz. Of DSD: dsd64, dsd128, "
+            "dsd256, dsd512 or one of these rates in Hz; by default dsd64, or the input's own")
+      ->type_name("RATE");
+  add_value(command, "-b,--bits", options.format, sample_format_in, "16, 20, 24, 32, f32 or f64",
+            "Of PCM: 16, 20, 24 or 32 bits, f32 (float) or f64; by default 24")
+      ->type_name("N");
+  add_choice(command, "--dither", options.dither, kDithers,
+             "For 16 to 32 bits: none, tpdf, or shaped, its noise moved to where the ear hears "
+             "least; by default tpdf")
+      ->type_name("KIND")
+      ->check(one_of(kDithers));
+  add_choice(command, "--phase", options.phase, kPhases,
+             "Phase of the filters: linear, or minimum, which has no ringing ahead of a sound; by "
+             "default linear")
+      ->type_name("KIND")
+      ->check(one_of(kPhases));
+  add_value(command, "--lowpass", options.lowpass, band_in, "off, a frequency, or PASS:STOP",
+            "Band to keep: flat up to PASS Hz and closed from STOP Hz on (1.6 times PASS if it is "
+            "not given), or off for all that the rates allow. By default it ends where the noise "
+            "of the source's modulator begins to rise: 20k:32k for DSD64, 40k:60k for DSD128")
+      ->type_name("PASS[:STOP]");
+  add_value(command, "--gain", options.gain, gain_in, "auto or a number of dB from -120 to 60",
+            "Change of level in dB; or auto, which measures the true peak first and brings it to "
+            "-0.1 dBFS. By default 0, which makes 50 % modulation full scale both ways")
+      ->type_name("DB");
+  add_choice(command, "--group", options.gain_group, kGainGroups,
+             "For --gain auto: one gain for each file, for each directory (dir), or for all")
+      ->type_name("WHICH")
+      ->check(one_of(kGainGroups));
+  add_choice(command, "--modulator", options.modulator, kModulators,
+             "For DSD: standard, high or best, each with less noise and several times the work of "
+             "the one before; by default high")
+      ->type_name("GRADE")
+      ->check(one_of(kModulators));
+}
+
+void add_cuts(CLI::App& command, ConvertOptions& options) {
+  command.add_flag("--gapless", options.gapless,
+                   "Inputs that follow each other are one recording: the filters hear across the "
+                   "joints, so that the outputs played one after the other have none");
+  const std::string wanted = "a number of samples, or a time such as 90s, 1:30 or 0:01:30.5";
+  add_value(command, "--skip", options.skip, position_in, wanted,
+            "Begin there, in samples of the input or as a time (90s, 1:30, 0:01:30.5)")
+      ->type_name("WHERE");
+  add_value(command, "--until", options.until, position_in, wanted, "End there")
+      ->type_name("WHERE");
+  add_value(command, "--channels", options.channels, channel_map_in,
+            "a list of the input's channels such as 2,1",
+            "The input's channels, counted from 1, that become the output's: 2,1 swaps two")
+      ->type_name("MAP");
+}
+
+void add_care(CLI::App& command, ConvertOptions& options) {
+  command.add_flag("--verify", options.verify, "Read each output back and compare");
+  command.add_flag("--strict", options.strict,
+                   "Write nothing for an input that is damaged or cut short, instead of converting "
+                   "what is there");
+  add_choice(command, "--engine", options.engine, kEngines,
+             "studio, or classic, which converts two channels at the rates that it plans")
+      ->type_name("NAME")
+      ->check(one_of(kEngines));
 }
 
 }  // namespace
 
 void add_convert_options(CLI::App& command, ConvertOptions& options) {
-  command
-      .add_option("IN", options.input,
-                  "DSDIFF, DSF or 1bit file, told by its content; or PCM in any file that "
-                  "libsndfile reads (WAV, AIFF, FLAC...) of up to 8 channels")
-      ->required();
-  command
-      .add_option(
-          "-o,--output", options.output,
-          "File to write, of the kind that its ending stands for: .dff, .dsf, .1bit; .flac, "
-          ".wav (RF64 above 4 GiB), .rf64, .w64, .aiff, .caf, .wv. PCM and .1bit files get "
-          "no tags")
-      ->required()
-      ->type_name("OUT");
-  command
-      .add_option_function<std::string>(
-          "-r,--rate", [&](const std::string& text) { options.rate = rate_in(text); },
-          "Of PCM: 44100 or 48000 Hz times 1, 2, 4, 8 or 16 (classic: any up to 768000 "
-          "Hz); by default 96000 for multiples of 48 kHz, 88200 for all others. Of DSD: "
-          "dsd64, dsd128, dsd256, dsd512 (times 44100 or 48000 Hz, as fits the input) or "
-          "one of these rates in Hz; by default dsd64, or the input's own")
-      ->type_name("RATE");
-  add_choice(command, "-b,--bits", options.format, kFormats,
-             "Bits per sample of PCM, 16, 24, 32 or float; by default 24")
-      ->type_name("N")
-      ->check(one_of(kFormats));
-  add_choice(command, "--dither", options.dither, kDithers,
-             "For 16, 24 and 32 bits: none, tpdf, or shaped, its noise moved to where the "
-             "ear hears least; by default tpdf")
-      ->type_name("KIND")
-      ->check(one_of(kDithers));
-  add_choice(command, "--phase", options.phase, kPhases,
-             "Phase of the filters: linear, or minimum, which has no ringing ahead of a "
-             "sound; by default linear")
-      ->type_name("KIND")
-      ->check(one_of(kPhases));
-  command
-      .add_option_function<std::string>(
-          "--gain", [&](const std::string& text) { options.gain_db = gain_in(text); },
-          "Level change in dB, -120 to 60; by default 0, which makes 50 % modulation full "
-          "scale")
-      ->type_name("DB")
-      ->check([](const std::string& text) {
-        return gain_in(text) ? std::string() : text + " is no number from -120 to 60";
-      });
-  add_choice(command, "--modulator", options.modulator, kModulators,
-             "For DSD: standard, high or best, each with less noise and several times the "
-             "work of the one before; by default high")
-      ->type_name("GRADE")
-      ->check(one_of(kModulators));
-  add_choice(command, "--engine", options.engine, kEngines,
-             "studio, or classic, which converts two channels to WAV and rates of any kind")
-      ->type_name("NAME")
-      ->check(one_of(kEngines));
-  command.add_flag("-y,--overwrite", options.overwrite, "Replace OUT if it exists");
+  add_files(command, options);
+  add_sound(command, options);
+  add_cuts(command, options);
+  add_care(command, options);
 }
 
 }  // namespace corvin::cli

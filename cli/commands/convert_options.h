@@ -10,29 +10,43 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/option_values.h"
+#include "cli/files/output_kind.h"
 #include "corvin.h"
 
 namespace corvin::cli {
 
-/** A rate that was asked for: in Hz, as a multiple, or as neither, which no way accepts. */
-struct AskedRate {
-  std::string text;  // as given, for messages
-  std::optional<uint32_t> hz;
-  std::optional<uint32_t> dsd_multiple;  // 64, 128, 256 or 512
-};
+/** Which inputs share the gain that the loudest of them needs. */
+enum class GainGroup { kFile, kDirectory, kAll };
 
 struct ConvertOptions {
-  std::string input;
-  std::string output;
+  std::vector<std::string> inputs;
+  std::optional<std::string> output;  // by default beside the input, or in `directory`
+  std::string directory;              // of -O
+  bool recursive = false;
+  uint32_t jobs = 0;  // at once; 0: as fits the machine
+  std::optional<OutputKind> kind;
+
   Engine engine = Engine::kStudio;
   std::optional<AskedRate> rate;
   std::optional<corvin_sample_format> format;
   std::optional<corvin_dither> dither;
   std::optional<corvin_phase> phase;
-  std::optional<double> gain_db;
+  std::optional<Gain> gain;
+  GainGroup gain_group = GainGroup::kFile;
+  std::optional<Band> lowpass;
   std::optional<corvin_modulator> modulator;
+
+  bool gapless = false;
+  std::optional<Position> skip;
+  std::optional<Position> until;
+  std::optional<std::vector<uint32_t>> channels;
+
+  bool verify = false;
+  bool strict = false;
   bool overwrite = false;
 };
 

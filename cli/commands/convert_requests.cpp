@@ -3,6 +3,8 @@
 
 #include "cli/commands/convert_requests.h"
 
+#include <algorithm>
+
 #include "cli/files/dsd_container.h"
 #include "cli/words/failure.h"
 #include "cli/words/measures.h"
@@ -10,7 +12,8 @@
 namespace corvin::cli {
 namespace {
 
-constexpr uint32_t kMaxClassicPcmRateHz = 768000;
+constexpr uint32_t kMinPcmRateHz = 8000;
+constexpr uint32_t kMaxPcmRateHz = 768000;
 constexpr uint32_t kMinClassicDsdRateHz = 64 * 44100;
 constexpr uint32_t kMaxClassicDsdRateHz = 256 * 48000;
 
@@ -24,69 +27,80 @@ Failure bad_rate(const AskedRate& rate, const std::string& message) {
 
 // ---- Options that a way has no use for ------------------------------------------------------
 
-void refuse_wav_options(const ConvertOptions& options) {
-  const char* given = options.format   ? "--bits"
-                      : options.dither ? "--dither"
-                      : options.phase  ? "--phase"
-                                       : nullptr;
-  if (given) throw usage(given, "is for WAV files");
+void refuse_pcm_options(const ConvertOptions& options) {
+  const char* given = options.format ? "--bits" : options.dither ? "--dither" : nullptr;
+  if (given) throw usage(given, "is for PCM files");
 }
 
-void refuse_studio_options(const ConvertOptions& options, const char* message) {
-  const char* given = options.format == CORVIN_F32 ? "--bits float"
-                      : options.dither             ? "--dither"
-                      : options.phase              ? "--phase"
-                      : options.gain_db            ? "--gain"
-                      : options.modulator          ? "--modulator"
-                                                   : nullptr;
-  if (given) throw usage(given, message);
+void refuse_studio_options(const ConvertOptions& options) {
+  const bool has_wide_samples = options.format && *options.format != CORVIN_S16 &&
+                                *options.format != CORVIN_S24 && *options.format != CORVIN_S32;
+  const char* given = has_wide_samples    ? "--bits with 20, f32 or f64"
+                      : options.dither    ? "--dither"
+                      : options.phase     ? "--phase"
+                      : options.gain      ? "--gain"
+                      : options.lowpass   ? "--lowpass"
+                      : options.modulator ? "--modulator"
+                      : options.gapless   ? "--gapless"
+                      : options.skip      ? "--skip"
+                      : options.until     ? "--until"
+                      : options.channels  ? "--channels"
+                      : options.verify    ? "--verify"
+                                          : nullptr;
+  if (given) throw usage(given, "needs the studio engine");
 }
 
 // ---- Parts of requests ----------------------------------------------------------------------
 
-OutputFile::Config output_of(const ConvertOptions& options) {
-  return {.path = options.output, .input_path = options.input, .overwrite = options.overwrite};
+OutputFile::Config output_file(const ConvertOptions& options, const PlannedConversion& planned) {
+  return {.path = planned.output, .input_path = planned.input.path, .overwrite = options.overwrite};
 }
 
-// Threads and progress are the engine's run's own; what was not given keeps the library's default.
-ConvertSettings settings_of(const ConvertOptions& options) {
+// Progress and files are the ways' own; what was not given keeps the library's default.
+ConvertSettings settings_of(const ConvertOptions& options, const Share& share) {
   ConvertSettings settings;
   settings.format = options.format.value_or(CORVIN_S24);
   if (options.dither) settings.dither = *options.dither;
   if (options.phase) settings.phase = *options.phase;
-  if (options.gain_db) settings.gain_db = *options.gain_db;
   if (options.modulator) settings.modulator = *options.modulator;
+  if (options.gain) settings.gain_db = options.gain->db.value_or(share.gain_db);
+  settings.threads = share.threads;
   return settings;
 }
 
-corvin_container container_for_pcm(const ConvertOptions& options) {
-  if (const auto container = container_of(options.output)) return *container;
-  throw usage(options.output,
-              "PCM is converted to DSD, so the name must end in .dsf, .dff or .1bit");
+/** Sets the band that is asked for; the filters can be closed from `highest_hz` on at most. */
+void set_band(ConvertSettings& settings, const std::optional<Band>& band, double highest_hz) {
+  if (!band) return;
+  if (band->is_full) {
+    settings.stop_hz = highest_hz;
+    return;
+  }
+  const double narrowest_hz = 0.03 * highest_hz;
+  settings.pass_hz = band->pass_hz;
+  settings.stop_hz = std::min(band->stop_hz == 0 ? 1.6 * band->pass_hz : band->stop_hz, highest_hz);
+  if (settings.stop_hz - settings.pass_hz < narrowest_hz)
+    throw usage("--lowpass", "has to be flat to " + hz_text(narrowest_hz) +
+                                 " below the edge from which it is closed, and closed from " +
+                                 hz_text(highest_hz) + " on, for these rates");
 }
 
-PcmKind kind_for_pcm(const ConvertOptions& options) {
-  if (const auto kind = pcm_kind_of(options.output)) return *kind;
-  throw usage(
-      options.output,
-      "its ending stands for no kind of file; known are .dsf, .dff, .1bit, " + pcm_endings());
-}
+// ---- Rates ----------------------------------------------------------------------------------
 
-bool is_studio_pcm_rate(uint32_t rate_hz) {
-  for (uint32_t times = 1; times <= 16; times *= 2)
-    if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
-  return false;
+uint32_t pcm_rate_hz(const ConvertOptions& options, uint32_t dsd_rate_hz) {
+  if (!options.rate) return default_pcm_rate_hz(dsd_rate_hz);
+  const uint32_t rate_hz = options.rate->hz.value_or(0);
+  if (rate_hz < kMinPcmRateHz || rate_hz > kMaxPcmRateHz)
+    throw bad_rate(*options.rate, " is no PCM rate from 8000 to 768000 Hz, as " +
+                                      std::string("44.1k, 88200 or dxd are"));
+  return rate_hz;
 }
 
 // The rate asked for; a multiple counts from the base of the input's rate.
-uint32_t studio_dsd_rate_hz(const AskedRate& rate, uint32_t input_rate_hz, const char* advice) {
+uint32_t studio_dsd_rate_hz(const AskedRate& rate, uint32_t input_rate_hz) {
   if (rate.dsd_multiple) return *rate.dsd_multiple * base_rate_hz(input_rate_hz);
   for (const uint32_t multiple : {64, 128, 256, 512})
     if (rate.hz == multiple * 44100 || rate.hz == multiple * 48000) return *rate.hz;
-  throw bad_rate(rate,
-                 std::string(" is not dsd64, dsd128, dsd256 or dsd512, nor one of these rates "
-                             "in Hz") +
-                     advice);
+  throw bad_rate(rate, " is not dsd64, dsd128, dsd256 or dsd512, nor one of these rates in Hz");
 }
 
 uint32_t classic_dsd_rate_hz(const AskedRate& rate, uint32_t input_rate_hz) {
@@ -99,72 +113,107 @@ uint32_t classic_dsd_rate_hz(const AskedRate& rate, uint32_t input_rate_hz) {
                            std::to_string(kMaxClassicDsdRateHz));
 }
 
+// The pairs for which the flat functions have a plan: DSD64 to DSD256, and the rates of both
+// families up to 16 times their base. What comes of others has a level and a length of its own.
+bool is_classic_pair(uint32_t dsd_rate_hz, uint32_t pcm_rate_hz) {
+  return is_octave_of_base(dsd_rate_hz, 64, 256) && is_octave_of_base(pcm_rate_hz, 1, 16);
+}
+
+// ---- Containers -----------------------------------------------------------------------------
+
+corvin_container container_for_pcm(const PlannedConversion& planned) {
+  if (is_dsd(planned.kind)) return std::get<corvin_container>(planned.kind);
+  throw usage(planned.output, "PCM is converted to DSD, so the kind must be dsf, dff or 1bit");
+}
+
 }  // namespace
 
-WavRequest wav_request(const ConvertOptions& options, const DsdInput& input) {
+PcmRequest pcm_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const DsdInput& input, const Share& share) {
   if (options.modulator) throw usage("--modulator", "is for DSD files");
-  WavRequest request{.output = output_of(options),
-                     .kind = kind_for_pcm(options),
-                     .settings = settings_of(options)};
-  request.settings.pcm_rate = default_pcm_rate_hz(input.info().dsd_rate);
-  if (options.rate) {
-    if (!options.rate->hz || !is_studio_pcm_rate(*options.rate->hz))
-      throw bad_rate(*options.rate,
-                     " is not 44100 or 48000 times 1, 2, 4, 8 or 16; --engine classic takes other "
-                     "rates");
-    request.settings.pcm_rate = *options.rate->hz;
-  }
+  PcmRequest request{.output = output_file(options, planned),
+                     .kind = std::get<PcmKind>(planned.kind),
+                     .rate_hz = pcm_rate_hz(options, input.info().dsd_rate),
+                     .settings = settings_of(options, share),
+                     .care = {.verify = options.verify, .strict = options.strict}};
+  request.settings.pcm_rate = engine_rate_hz(request.rate_hz);
+  set_band(request.settings, options.lowpass, request.rate_hz / 2.0);
   return request;
 }
 
-DsdRequest dsd_request(const ConvertOptions& options, const DsdInput& input) {
-  refuse_wav_options(options);
-  const uint32_t input_rate_hz = input.info().dsd_rate;
-  return {.output = output_of(options),
-          .container = *container_of(options.output),
-          .dsd_rate_hz =
-              options.rate ? studio_dsd_rate_hz(*options.rate, input_rate_hz, "") : input_rate_hz,
-          .settings = settings_of(options),
-          .changes_level = options.gain_db.has_value()};
+PcmRequest peak_request(const ConvertOptions& options, const PlannedConversion& planned,
+                        const DsdInput& input, const Share& share) {
+  const uint32_t from_hz = input.info().dsd_rate;
+  PcmRequest request{.output = {}, .settings = settings_of(options, share), .care = {}};
+  request.rate_hz =
+      is_dsd(planned.kind) ? default_pcm_rate_hz(from_hz) : pcm_rate_hz(options, from_hz);
+  request.settings.pcm_rate = engine_rate_hz(request.rate_hz);
+  set_band(request.settings, options.lowpass, request.rate_hz / 2.0);
+  return request;
 }
 
-DsdRequest dsd_request(const ConvertOptions& options, const PcmInput& input) {
-  const corvin_container container = container_for_pcm(options);
-  refuse_wav_options(options);
-  return {.output = output_of(options),
-          .container = container,
-          .dsd_rate_hz = options.rate ? studio_dsd_rate_hz(*options.rate, input.rate_hz(),
-                                                           "; --engine classic takes others")
-                                      : 64 * base_rate_hz(input.rate_hz()),
-          .settings = settings_of(options)};
+DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const DsdInput& input, const Share& share) {
+  refuse_pcm_options(options);
+  const uint32_t from_hz = input.info().dsd_rate;
+  DsdRequest request{
+      .output = output_file(options, planned),
+      .container = std::get<corvin_container>(planned.kind),
+      .dsd_rate_hz = options.rate ? studio_dsd_rate_hz(*options.rate, from_hz) : from_hz,
+      .settings = settings_of(options, share),
+      .changes_sound = options.lowpass.has_value(),
+      .care = {.verify = options.verify, .strict = options.strict}};
+  if (request.settings.gain_db != 0) request.changes_sound = true;
+  set_band(request.settings, options.lowpass, std::min(from_hz, request.dsd_rate_hz) / 64.0);
+  return request;
 }
 
-ClassicWavRequest classic_wav_request(const ConvertOptions& options, const DsdHeaders& input) {
-  if (container_of(options.output))
-    throw usage(options.output, "a DSD file is converted to WAV, which this name denies");
-  const uint32_t input_rate_hz = input.info.samplingFrequency;
-  uint32_t rate_hz = default_pcm_rate_hz(input_rate_hz);
-  if (options.rate) {
-    rate_hz = options.rate->hz.value_or(0);
-    if (rate_hz < 1 || rate_hz > kMaxClassicPcmRateHz)
-      throw bad_rate(*options.rate,
-                     " is no whole number from 1 to " + std::to_string(kMaxClassicPcmRateHz));
-  }
-  if (rate_hz > input_rate_hz)
-    throw usage(options.input, "its rate of " + std::to_string(input_rate_hz) +
-                                   " Hz is below the " + std::to_string(rate_hz) + " Hz asked for");
-  refuse_studio_options(options, "is not for the classic engine");
-  return {.output = output_of(options),
-          .kind = kind_for_pcm(options),
+DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const PcmInput& input, const Share& share) {
+  if (input.rate_hz() < kMinPcmRateHz || input.rate_hz() > kMaxPcmRateHz)
+    throw Failure(kBadInput, input.path(),
+                  "has a rate of " + std::to_string(input.rate_hz()) +
+                      " Hz; from 8000 to 768000 Hz can be converted");
+  const corvin_container container = container_for_pcm(planned);
+  refuse_pcm_options(options);
+  DsdRequest request{.output = output_file(options, planned),
+                     .container = container,
+                     .dsd_rate_hz = options.rate
+                                        ? studio_dsd_rate_hz(*options.rate, input.rate_hz())
+                                        : 64 * base_rate_hz(input.rate_hz()),
+                     .settings = settings_of(options, share),
+                     .care = {.verify = options.verify, .strict = options.strict}};
+  set_band(request.settings, options.lowpass,
+           std::min(engine_rate_hz(input.rate_hz()) / 2.0, request.dsd_rate_hz / 16.0));
+  return request;
+}
+
+ClassicWavRequest classic_wav_request(const ConvertOptions& options,
+                                      const PlannedConversion& planned, const DsdHeaders& input) {
+  if (is_dsd(planned.kind)) throw usage(planned.output, "the classic engine makes no DSD of DSD");
+  refuse_studio_options(options);
+  const uint32_t from_hz = input.info.samplingFrequency;
+  const uint32_t rate_hz =
+      options.rate ? options.rate->hz.value_or(0) : default_pcm_rate_hz(from_hz);
+  if (!is_classic_pair(from_hz, rate_hz))
+    throw usage("--engine",
+                "classic converts DSD64 to DSD256 to 44100 or 48000 Hz times 1, 2, 4, "
+                "8 or 16, not " +
+                    std::to_string(from_hz) + " Hz to " +
+                    (options.rate ? options.rate->text : std::to_string(rate_hz)) +
+                    "; studio takes any rate");
+  return {.output = output_file(options, planned),
+          .kind = std::get<PcmKind>(planned.kind),
           .rate_hz = rate_hz,
           .format = options.format.value_or(CORVIN_S24)};
 }
 
-ClassicDsdRequest classic_dsd_request(const ConvertOptions& options, const PcmInput& input) {
-  const corvin_container container = container_for_pcm(options);
-  refuse_wav_options(options);
-  refuse_studio_options(options, "needs the studio engine");
-  return {.output = output_of(options),
+ClassicDsdRequest classic_dsd_request(const ConvertOptions& options,
+                                      const PlannedConversion& planned, const PcmInput& input) {
+  const corvin_container container = container_for_pcm(planned);
+  refuse_pcm_options(options);
+  refuse_studio_options(options);
+  return {.output = output_file(options, planned),
           .container = container,
           .dsd_rate_hz = options.rate ? classic_dsd_rate_hz(*options.rate, input.rate_hz())
                                       : 64 * base_rate_hz(input.rate_hz())};

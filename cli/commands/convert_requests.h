@@ -1,24 +1,41 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// From the options of corvin convert to what each way is asked for. An option that the way has no
-// use for, or cannot follow, throws a Failure of usage.
+// What the options of corvin convert come to for one input, way by way. All throw a Failure for
+// options that the way has no use for, and for what cannot be done to this input.
 
 #ifndef CORVIN_CLI_COMMANDS_CONVERT_REQUESTS_H_
 #define CORVIN_CLI_COMMANDS_CONVERT_REQUESTS_H_
 
+#include <cstdint>
+
 #include "cli/classic/ways.h"
 #include "cli/commands/convert_options.h"
+#include "cli/commands/convert_plan.h"
 #include "cli/convert/ways.h"
 
 namespace corvin::cli {
 
-WavRequest wav_request(const ConvertOptions& options, const DsdInput& input);
-DsdRequest dsd_request(const ConvertOptions& options, const DsdInput& input);
-DsdRequest dsd_request(const ConvertOptions& options, const PcmInput& input);
+/** What several conversions share. */
+struct Share {
+  uint32_t threads = 0;  // for each
+  double gain_db = 0;    // that --gain auto has found
+};
 
-ClassicWavRequest classic_wav_request(const ConvertOptions& options, const DsdHeaders& input);
-ClassicDsdRequest classic_dsd_request(const ConvertOptions& options, const PcmInput& input);
+PcmRequest pcm_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const DsdInput& input, const Share& share);
+/** What shows the peak of a conversion of either kind to come. */
+PcmRequest peak_request(const ConvertOptions& options, const PlannedConversion& planned,
+                        const DsdInput& input, const Share& share);
+DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const DsdInput& input, const Share& share);
+DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
+                       const PcmInput& input, const Share& share);
+
+ClassicWavRequest classic_wav_request(const ConvertOptions& options,
+                                      const PlannedConversion& planned, const DsdHeaders& input);
+ClassicDsdRequest classic_dsd_request(const ConvertOptions& options,
+                                      const PlannedConversion& planned, const PcmInput& input);
 
 }  // namespace corvin::cli
 

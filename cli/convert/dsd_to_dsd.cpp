@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from a DSD file to another one: of another rate or level through the engine, else
-// bit for bit.
+// corvin convert from a DSD file to another one: of another rate, level or band through the engine,
+// else bit for bit.
 
 #include <string>
 
 #include "cli/convert/engine_run.h"
+#include "cli/convert/verify.h"
 #include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
 #include "cli/words/measures.h"
@@ -24,19 +25,30 @@ void copy_tags(DsdInput& input, DsdOutput& output) {
   }
 }
 
+// DSDIFF and 1bit know whole bytes only, so the last one may be filled up with silence.
+void verify_copy(DsdInput& input, const DsdOutput& output, const std::string& name) {
+  DsdInput copy = DsdInput::open_dsd(output.path());
+  const DsdPayload from = dsd_payload_of(input.file(), name);
+  const DsdPayload to = dsd_payload_of(copy.file(), name);
+  if ((from.samples + 7) / 8 != (to.samples + 7) / 8 || !XXH128_isEqual(from.hash, to.hash))
+    throw verification_failed(name, "its samples are others");
+}
+
 }  // namespace
 
 void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
   input.require_sound();
+  if (request.care.strict) input.require_whole();
   const corvin_file_info& info = input.info();
   DsdOutput output({.file = request.output,
                     .container = request.container,
                     .dsd_rate_hz = request.dsd_rate_hz,
                     .channels = info.channels,
-                    .speakers = info.speakers});
+                    .speakers = info.speakers,
+                    .verify = request.care.verify});
   copy_tags(input, output);
 
-  const bool is_copied = request.dsd_rate_hz == info.dsd_rate && !request.changes_level;
+  const bool is_copied = request.dsd_rate_hz == info.dsd_rate && !request.changes_sound;
   const auto convert = [&](const ConvertSettings& settings, const Progress& progress) {
     if (!is_copied) return convert_dsd_rate(input.file(), output.writer(), settings, progress);
     convert_copy(input.file(), output.writer(), settings, progress);
@@ -49,6 +61,7 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
                      .input_rate_hz = info.dsd_rate,
                      .why_writing = [&] { return output.write_failure(); },
                  });
+  if (request.care.verify && is_copied) verify_copy(input, output, request.output.path);
   output.commit();
   note_limited(input.path(), result.limited);
   output.print_summary(duration_text(info.samples, info.dsd_rate),

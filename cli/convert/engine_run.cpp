@@ -3,9 +3,7 @@
 
 #include "cli/convert/engine_run.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <thread>
 
 #include "cli/words/job_progress.h"
 #include "cli/words/loudness.h"
@@ -14,20 +12,12 @@
 namespace corvin::cli {
 namespace {
 
-// More do not pay: reading and writing are the limit by then.
-constexpr unsigned kMostThreads = 8;
-
-uint32_t threads_of_this_machine() {
-  const unsigned processors = std::thread::hardware_concurrency();
-  return processors < 2 ? 0 : std::min(processors, kMostThreads);
-}
-
 Failure failure_of(const Error& error, const EngineRun& run) {
   if (error.status() == CORVIN_E_WRITE) return run.why_writing();
   if (error.status() != CORVIN_E_UNSUPPORTED) return {kBadInput, run.input_path, error.what()};
   return {kBadInput, run.input_path,
           "has a rate of " + std::to_string(run.input_rate_hz) +
-              " Hz, which the studio engine does not convert" + run.advice};
+              " Hz, which the engine does not convert"};
 }
 
 std::string manner_of(const ConvertSettings& settings) {
@@ -42,12 +32,10 @@ std::string manner_of(const ConvertSettings& settings) {
 
 corvin_convert_report run_engine(const ConvertSettings& settings, const EngineCall& convert,
                                  const EngineRun& run) {
-  ConvertSettings all = settings;
-  all.threads = threads_of_this_machine();
   try {
     JobProgress progress(run.input_path, run.input_rate_hz);
-    note_detail(run.input_path, manner_of(all));
-    const corvin_convert_report report = convert(all, [&](uint64_t done, uint64_t total) {
+    note_detail(run.input_path, manner_of(settings));
+    const corvin_convert_report report = convert(settings, [&](uint64_t done, uint64_t total) {
       progress.show(done, total);
       return true;
     });

@@ -23,7 +23,6 @@ struct EngineRun {
   std::string input_path;
   uint32_t input_rate_hz = 0;
   std::function<Failure()> why_writing;  // failed; called when it has
-  std::string advice = {};               // on a rate that the engine does not convert
 };
 
 /** Runs `convert` with `settings`. Throws Failure. */

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// corvin convert from PCM to a DSD file.
+// corvin convert from PCM to DSD files.
 
-#include <span>
+#include <deque>
 
 #include "cli/convert/engine_run.h"
+#include "cli/convert/pcm_feed.h"
+#include "cli/convert/true_peak.h"
 #include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
 #include "cli/files/pcm_tags.h"
@@ -13,41 +15,93 @@
 #include "cli/words/outcome.h"
 
 namespace corvin::cli {
+namespace {
 
-void convert_pcm_to_dsd(const DsdRequest& request, PcmInput& input) {
-  DsdOutput output({.file = request.output,
-                    .container = request.container,
-                    .dsd_rate_hz = request.dsd_rate_hz,
-                    .channels = input.channels(),
-                    .speakers = input.speakers()});
-  output.set_tags(read_pcm_tags(input));
+// One file that becomes one file.
+struct Track {
+  const DsdRequest& request;
+  PcmInput& input;
+  PcmFeed feed;
+  DsdOutput output;
 
-  const auto declared = input.declared_frames();
-  const auto read = [&](void* frames, size_t count) {
-    const std::span samples(static_cast<double*>(frames), count * input.channels());
-    return static_cast<int64_t>(input.read(samples));
+  Track(const DsdRequest& request, PcmInput& input)
+      : request(request),
+        input(input),
+        feed(input, 0, UINT64_MAX, static_cast<corvin_phase>(request.settings.phase)),
+        output({.file = request.output,
+                .container = request.container,
+                .dsd_rate_hz = request.dsd_rate_hz,
+                .channels = input.channels(),
+                .speakers = input.speakers(),
+                .verify = request.care.verify}) {
+    output.set_tags(read_pcm_tags(input));
+  }
+
+  bool is_cut_short() const { return feed.frames_read() < input.declared_frames().value_or(0); }
+
+  void require_sound() const {
+    if (feed.frames_read() == 0 && input.declared_frames())
+      throw no_convertible_sound(input.path());
+    if (request.care.strict && is_cut_short())
+      throw Failure(kBadInput, input.path(),
+                    "is cut short; without --strict what is there is converted");
+  }
+};
+
+corvin_convert_report convert_tracks(std::deque<Track>& tracks, const ConvertSettings& settings) {
+  std::vector<PcmSource> sources;
+  std::vector<Writer> writers;
+  const Track* writing = &tracks.front();
+  for (Track& track : tracks) {
+    sources.push_back({.pcm_rate = track.feed.rate_hz(),
+                       .channels = track.input.channels(),
+                       .format = CORVIN_F64,
+                       .frames = track.feed.declared_frames().value_or(0),
+                       .read = [&track](void* frames, size_t count) {
+                         return static_cast<int64_t>(
+                             track.feed.read(static_cast<double*>(frames), count));
+                       }});
+    writers.push_back(std::move(track.output.writer()));
+  }
+  const auto convert = [&](const ConvertSettings& all, const Progress& progress) {
+    return convert_to_dsd_tracks(sources, writers, all, progress);
   };
-  const PcmSource source = {.pcm_rate = input.rate_hz(),
-                            .channels = input.channels(),
-                            .format = CORVIN_F64,
-                            .frames = declared.value_or(0),
-                            .read = read};
-  const auto convert = [&](const ConvertSettings& settings, const Progress& progress) {
-    return convert_to_dsd(source, output.writer(), settings, progress);
+  const auto why_writing = [&] {
+    for (const Track& track : tracks)
+      if (track.output.has_failed()) writing = &track;
+    return writing->output.write_failure();
   };
-  const corvin_convert_report result =
-      run_engine(request.settings, convert,
-                 {
-                     .input_path = input.path(),
-                     .input_rate_hz = input.rate_hz(),
-                     .why_writing = [&] { return output.write_failure(); },
-                 });
-  if (result.frames == 0 && declared) throw no_convertible_sound(input.path());
-  output.commit();
-  note_limited(input.path(), result.limited);
-  output.print_summary(duration_text(result.frames, input.rate_hz()), level_text(result.peak));
-  if (result.frames == 0) note_no_sound(input.path());
-  if (result.frames < declared.value_or(0)) note_cut_short(input.path());
+  return run_engine(settings, convert,
+                    {.input_path = tracks.front().input.path(),
+                     .input_rate_hz = tracks.front().feed.rate_hz(),
+                     .why_writing = why_writing});
+}
+
+}  // namespace
+
+void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<PcmInput>& inputs) {
+  std::deque<Track> tracks;
+  for (size_t i = 0; i < inputs.size(); ++i) tracks.emplace_back(requests[i], inputs[i]);
+  const corvin_convert_report result = convert_tracks(tracks, requests.front().settings);
+  for (const Track& track : tracks) track.require_sound();
+  note_limited(tracks.front().input.path(), result.limited);
+  for (Track& track : tracks) {
+    track.output.commit();
+    const uint64_t frames = track.feed.frames_read();
+    track.output.print_summary(duration_text(frames, track.input.rate_hz()),
+                               tracks.size() == 1 ? level_text(result.peak) : "");
+    if (frames == 0) note_no_sound(track.input.path());
+    if (track.is_cut_short()) note_cut_short(track.input.path());
+  }
+}
+
+double true_peak_of(PcmInput& input, uint64_t begin, uint64_t end) {
+  constexpr size_t kFramesAtOnce = 1 << 13;
+  PcmFeed feed(input, begin, end, CORVIN_LINEAR_PHASE);
+  TruePeak peak(feed.rate_hz(), input.channels());
+  std::vector<double> frames(kFramesAtOnce * input.channels());
+  while (const size_t got = feed.read(frames.data(), kFramesAtOnce)) peak.add(frames.data(), got);
+  return peak.largest();
 }
 
 }  // namespace corvin::cli

@@ -37,6 +37,11 @@ void DsdInput::require_sound() const {
   if (!problem().empty()) throw Failure(kBadInput, path_, problem());
 }
 
+void DsdInput::require_whole() const {
+  if (is_cut_short())
+    throw Failure(kBadInput, path_, "is cut short; without --strict what is there is converted");
+}
+
 void DsdInput::note_warnings() const {
   for (const std::string& warning : file_.warnings()) note_damage(path_, warning);
 }

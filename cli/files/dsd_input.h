@@ -36,6 +36,12 @@ class DsdInput {
   /** Throws the problem, if there is one, as a Failure. */
   void require_sound() const;
 
+  /** Whether the file has less sound than its headers state. */
+  bool is_cut_short() const { return info_.samples < info_.stated_samples; }
+
+  /** Throws a Failure when the file is cut short. */
+  void require_whole() const;
+
   /** Says on standard error what is odd about the file. */
   void note_warnings() const;
 

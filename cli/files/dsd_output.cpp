@@ -3,11 +3,10 @@
 
 #include "cli/files/dsd_output.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
+#include "cli/files/descriptor_bytes.h"
 #include "cli/files/dsd_container.h"
 #include "cli/files/tagged_file.h"
 #include "cli/words/measures.h"
@@ -55,6 +54,13 @@ void DsdOutput::set_tags(const TagSet& tags) {
   }
 }
 
+void DsdOutput::commit() {
+  if (config_.verify && !log_.is_in(file_.descriptor()))
+    throw Failure(kVerifyFailed, config_.file.path,
+                  "does not hold what was written; nothing is kept of it");
+  file_.commit();
+}
+
 void DsdOutput::print_summary(const std::string& duration, const std::string& level) const {
   cli::print_summary(config_.file.path,
                      {container_name(config_.container), rate_name(config_.dsd_rate_hz),
@@ -69,17 +75,12 @@ bool DsdOutput::seek(std::uint64_t offset) {
 }
 
 bool DsdOutput::write(std::span<const std::byte> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written =
-        pwrite(file_.descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(offset_));
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) {
-      error_ = std::strerror(written < 0 ? errno : EIO);
-      return false;
-    }
-    bytes = bytes.subspan(static_cast<size_t>(written));
-    offset_ += static_cast<uint64_t>(written);
+  if (!write_at(file_.descriptor(), offset_, bytes)) {
+    error_ = std::strerror(errno);
+    return false;
   }
+  if (config_.verify) log_.add(offset_, bytes);
+  offset_ += bytes.size();
   return true;
 }
 

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "cli/files/output_file.h"
+#include "cli/files/write_log.h"
 #include "cli/words/failure.h"
 #include "corvin.hpp"
 
@@ -25,6 +26,7 @@ class DsdOutput : private ByteStream {
     uint32_t dsd_rate_hz = 0;
     uint32_t channels = 0;
     uint32_t speakers = 0;
+    bool verify = false;  // commit() reads the file back first
   };
 
   /** Begins the file. Throws Failure. */
@@ -37,11 +39,16 @@ class DsdOutput : private ByteStream {
   /** To be finished by the one who writes. */
   Writer& writer() { return *writer_; }
 
+  /** Its name until commit(). */
+  const std::string& path() const { return file_.path(); }
+
+  bool has_failed() const { return !error_.empty(); }
+
   /** Why writing failed, once it has. */
   Failure write_failure() const { return {kWriteError, config_.file.path, error_}; }
 
   /** Gives the finished file its name. Throws Failure. */
-  void commit() { file_.commit(); }
+  void commit();
 
   /** Prints the line on the finished file.
    *  @param duration  of the sound
@@ -54,6 +61,7 @@ class DsdOutput : private ByteStream {
 
   Config config_;
   OutputFile file_;
+  WriteLog log_;  // when it is to be verified
   uint64_t offset_ = 0;
   std::string error_;  // the system's
   std::optional<Writer> writer_;

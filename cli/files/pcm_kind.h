@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The Corvin developers
 //
-// The kinds of PCM files that the tool writes: their names, the endings of their files, and what
-// samples they hold.
+// The kinds of PCM files that the tool writes, and the samples that they hold.
 
 #ifndef CORVIN_CLI_FILES_PCM_KIND_H_
 #define CORVIN_CLI_FILES_PCM_KIND_H_
 
 #include <cstddef>
-#include <optional>
-#include <string>
-#include <string_view>
 
 #include "corvin.h"
 
@@ -18,18 +14,8 @@ namespace corvin::cli {
 
 enum class PcmKind { kFlac, kWav, kRf64, kW64, kAiff, kCaf, kWavPack };
 
-/** The kind that the ending of a file name stands for, in letters of either case. A name without a
- *  dot stands for WAV; no value: the ending is that of no kind. */
-std::optional<PcmKind> pcm_kind_of(const std::string& path);
-
-/** The kind of a name as options have it: "flac", "wav", "rf64", "w64", "aiff", "caf", "wavpack". */
-std::optional<PcmKind> pcm_kind_named(std::string_view name);
-
 /** "FLAC", "WAV", ... */
 const char* pcm_kind_name(PcmKind kind);
-
-/** ".flac, .wav, ...": all endings that stand for a kind, for messages. */
-std::string pcm_endings();
 
 /** Bytes of a sample. */
 constexpr size_t bytes_of(corvin_sample_format format) {

@@ -14,7 +14,25 @@ bool is_48k_family(uint32_t rate_hz) { return rate_hz % 44100 != 0 && rate_hz % 
 
 uint32_t base_rate_hz(uint32_t rate_hz) { return is_48k_family(rate_hz) ? 48000 : 44100; }
 
-uint32_t default_pcm_rate_hz(uint32_t dsd_rate_hz) { return 2 * base_rate_hz(dsd_rate_hz); }
+bool is_octave_of_base(uint32_t rate_hz, uint32_t least, uint32_t most) {
+  for (uint32_t times = least; times <= most; times *= 2)
+    if (rate_hz == times * 44100 || rate_hz == times * 48000) return true;
+  return false;
+}
+
+uint32_t default_pcm_rate_hz(uint32_t dsd_rate_hz) {
+  const uint32_t base_hz = base_rate_hz(dsd_rate_hz);
+  return dsd_rate_hz > 64 * base_hz ? 4 * base_hz : 2 * base_hz;
+}
+
+uint32_t engine_rate_hz(uint32_t rate_hz) {
+  for (uint32_t times = 1; times <= 16; times *= 2)
+    for (const uint32_t base_hz : {44100, 48000})
+      if (times * base_hz >= rate_hz) return times * base_hz;
+  return 16 * 48000;
+}
+
+std::string hz_text(double hz) { return std::to_string(std::lround(hz)) + " Hz"; }
 
 std::string rate_name(uint32_t rate_hz) {
   const uint32_t base_hz = base_rate_hz(rate_hz);

@@ -12,7 +12,7 @@ refused() {
 }
 
 # What the tool will not do.
-for name in out/out out/out.wav out/dsf /dev/full ""; do try corvin convert in.wav -o "$name"; done
+for name in out/out out/out.wav out/new.mp3 ""; do try corvin convert in.wav -o "$name"; done
 try corvin convert in.wav -o out/out.dsf
 try corvin convert in.wav -o out/out.dsf -b 24
 for rate in dsd32 dsd dsd64x 44100 3000000 24576001 -1 x; do
@@ -29,7 +29,7 @@ ln -s in.wav link.dsf
 try corvin convert in.wav -o link.dsf -y
 
 # What the library can not do.
-make_wav low.wav 0.1 32000
+make_wav low.wav 0.1 && patch low.wav 24 3f1f0000
 make_wav nine.wav 0.1 44100 9
 refused low.wav -o out/out.dsf
 refused nine.wav -o out/out.dsf

@@ -16,7 +16,7 @@ wav_facts out.wav | sed -n 1p
 ln -s in.dsf link
 ln in.dsf hard
 before=$(cksum <in.dsf)
-for name in in.dsf ./in.dsf link hard; do try corvin convert in.dsf -o $name -y; done
+for name in in.dsf ./in.dsf link hard; do try corvin convert in.dsf -o $name -f dsf -y; done
 [ "$(cksum <in.dsf)" = "$before" ] || echo "the input has changed"
 
 # A link stays a link.
@@ -24,18 +24,18 @@ mkdir shelf
 echo old >shelf/out.wav
 ln -s shelf/out.wav there
 ln -s shelf/missing.wav nowhere
-try quietly corvin convert in.dsf -o there -y
+try quietly corvin convert in.dsf -o there -f wav -y
 [ -L there ] && wav_facts shelf/out.wav | sed -n 1p
-try corvin convert in.dsf -o nowhere
+try corvin convert in.dsf -o nowhere -f wav
 
 # Places where nothing can be written.
 mkfifo fifo
 for name in shelf missing/out.wav in.dsf/out.wav shelf/new/ fifo /proc/out.wav /dev/full \
   $(printf 'x%.0s' {1..256}); do
-  try corvin convert in.dsf -o $name -y 2>&1 | sed -E 's/x{256}/x.../'
+  try corvin convert in.dsf -o $name -f wav -y 2>&1 | sed -E 's/x{256}/x.../'
 done
 [ -c /dev/full ] || echo "a device was replaced"
-quietly corvin convert in.dsf -o $(printf 'x%.0s' {1..255}) && rm x*
+quietly corvin convert in.dsf -f wav -o $(printf 'x%.0s' {1..255}) && rm x*
 
 # terminal COMMAND...: runs it on a terminal of its own, where it shows percentages.
 terminal() {

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "cli/batch/jobs.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "cli/words/said.h"
+
+namespace corvin::cli {
+namespace {
+
+ExitCode outcome_of(const Job& job, const WordsHeld& held) {
+  try {
+    job();
+    return held.is_damage_noted() ? kDamage : kDone;
+  } catch (const Failure& failure) {
+    return report(failure);
+  } catch (const std::exception& error) {
+    say_line(std::string("corvin: ") + error.what());
+    return kSomeInputsFailed;
+  }
+}
+
+// What is said, job by job. A job that is through before those ahead of it leaves its words here.
+class InOrder {
+ public:
+  explicit InOrder(size_t jobs) : words_(jobs), is_through_(jobs, false) {}
+
+  void end(size_t job, std::string words) {
+    const std::lock_guard lock(mutex_);
+    words_[job] = std::move(words);
+    is_through_[job] = true;
+    for (; next_ < words_.size() && is_through_[next_]; ++next_) {
+      say(words_[next_]);
+      words_[next_] = {};
+    }
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::string> words_;
+  std::vector<bool> is_through_;
+  size_t next_ = 0;
+};
+
+}  // namespace
+
+std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once) {
+  std::vector<ExitCode> codes(jobs.size(), kDone);
+  std::atomic<size_t> next = 0;
+  InOrder in_order(jobs.size());
+  const auto work = [&] {
+    for (size_t i; (i = next++) < jobs.size();) {
+      std::string words;
+      {
+        WordsHeld held;
+        codes[i] = outcome_of(jobs[i], held);
+        words = held.take();
+      }
+      in_order.end(i, std::move(words));
+    }
+  };
+  std::vector<std::thread> others;
+  try {
+    while (others.size() + 1 < std::min<size_t>(at_once, jobs.size())) others.emplace_back(work);
+  } catch (const std::system_error&) {
+    // Fewer threads do the same work.
+  }
+  work();
+  for (std::thread& other : others) other.join();
+  return codes;
+}
+
+bool is_failure(ExitCode code) { return code != kDone && code != kDamage; }
+
+ExitCode exit_code_of(const std::vector<ExitCode>& codes) {
+  if (codes.size() == 1) return codes[0];
+  if (std::any_of(codes.begin(), codes.end(), is_failure)) return kSomeInputsFailed;
+  return std::find(codes.begin(), codes.end(), kDamage) != codes.end() ? kDamage : kDone;
+}
+
+void note_failures(const std::vector<ExitCode>& codes) {
+  const auto failed = std::count_if(codes.begin(), codes.end(), is_failure);
+  if (codes.size() > 1 && failed > 0)
+    say("corvin: " + std::to_string(failed) + " of " + std::to_string(codes.size()) +
+        " inputs failed\n");
+}
+
+}  // namespace corvin::cli

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+
+#include "cli/commands/convert_plan.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "cli/files/dsd_input.h"
+#include "cli/files/pcm_input.h"
+
+namespace corvin::cli {
+namespace {
+
+std::string directory_of(const std::string& path) {
+  const size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+// The name without its directory and ending; a point at its beginning begins no ending.
+std::string stem_of(const std::string& path) {
+  const std::string name = path.substr(directory_of(path).size());
+  const size_t point = name.rfind('.');
+  return point == std::string::npos || point == 0 ? name : name.substr(0, point);
+}
+
+// Of the one output that is named, or of all; no value: as fits each input.
+std::optional<OutputKind> asked_kind(const ConvertOptions& options) {
+  if (!options.output) return options.kind;
+  const std::string& output = *options.output;
+  if (output.empty()) throw Failure(kUsage, output, "is no file name");
+  const auto by_name = output_kind_of(output);
+  if (options.kind && by_name && *options.kind != *by_name)
+    throw Failure(kUsage, output,
+                  std::string("its ending says another kind than --format; end it in ") +
+                      ending_of(*options.kind));
+  if (by_name || options.kind) return options.kind ? options.kind : by_name;
+  throw Failure(kUsage, output,
+                "its ending stands for no kind of file; end it in .flac, .wav, .rf64, .w64, .aiff, "
+                ".caf, .wv, .dsf, .dff or .1bit, or name the kind by --format");
+}
+
+// In directories PCM is taken only for DSD, so that the rest of a music library stays what it is.
+bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind) {
+  switch (input_ending_of(path)) {
+    case InputEnding::kDsd:
+      return true;
+    case InputEnding::kPcm:
+      return kind && is_dsd(*kind);
+    case InputEnding::kOther:
+      break;
+  }
+  return false;
+}
+
+void look_at(PlannedConversion& planned) {
+  if (!planned.input.problem.empty())
+    throw Failure(kBadInput, planned.input.path, planned.input.problem);
+  if (const auto dsd = DsdInput::open(planned.input.path)) {
+    dsd->require_sound();
+    planned.is_dsd = true;
+    planned.rate_hz = dsd->info().dsd_rate;
+    planned.channels = dsd->info().channels;
+    planned.samples = dsd->info().samples;
+    return;
+  }
+  const PcmInput pcm(planned.input.path);
+  planned.rate_hz = pcm.rate_hz();
+  planned.channels = pcm.channels();
+}
+
+std::string output_of(const ConvertOptions& options, const PlannedConversion& planned) {
+  if (options.output) return *options.output;
+  std::string directory = directory_of(planned.input.path);
+  if (!options.directory.empty())
+    directory =
+        options.directory + (options.directory.ends_with('/') ? "" : "/") + planned.input.below;
+  return directory + stem_of(planned.input.path) + ending_of(planned.kind);
+}
+
+// Two inputs of one stem would follow each other under one name.
+void refuse_shared_outputs(std::vector<PlannedConversion>& all) {
+  std::map<std::string, const PlannedConversion*> first;
+  for (PlannedConversion& planned : all) {
+    if (planned.failure) continue;
+    const auto [at, is_new] = first.emplace(planned.output, &planned);
+    if (!is_new)
+      planned.failure.emplace(kUsage, planned.input.path,
+                              "would become " + planned.output + ", as " + at->second->input.path +
+                                  " does; convert it by itself with -o");
+  }
+}
+
+// The outputs of one recording come of one run, in one order: directories are no part of that.
+void join_neighbours(std::vector<PlannedConversion>& all) {
+  for (size_t i = 0; i + 1 < all.size(); ++i) {
+    const PlannedConversion& next = all[i + 1];
+    all[i].goes_on = !all[i].failure && !next.failure && all[i].is_dsd == next.is_dsd &&
+                     all[i].rate_hz == next.rate_hz && all[i].channels == next.channels &&
+                     directory_of(all[i].input.path) == directory_of(next.input.path);
+  }
+}
+
+}  // namespace
+
+std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options) {
+  const std::optional<OutputKind> asked = asked_kind(options);
+  const auto inputs =
+      collect_inputs(options.inputs, options.recursive,
+                     [&](const std::string& path) { return is_wanted(path, asked); });
+  if (options.output && inputs.size() != 1)
+    throw Failure(kUsage, "--output",
+                  "names one file, for " + std::to_string(inputs.size()) +
+                      " inputs; -O names a directory for them");
+  std::vector<PlannedConversion> all;
+  for (const Input& input : inputs) {
+    PlannedConversion planned;
+    planned.input = input;
+    try {
+      look_at(planned);
+      planned.kind = asked            ? *asked
+                     : planned.is_dsd ? OutputKind(PcmKind::kFlac)
+                                      : OutputKind(CORVIN_DSF);
+      planned.output = output_of(options, planned);
+    } catch (const Failure& failure) {
+      planned.failure = failure;
+    }
+    all.push_back(std::move(planned));
+  }
+  refuse_shared_outputs(all);
+  if (options.gapless) join_neighbours(all);
+  return all;
+}
+
+}  // namespace corvin::cli

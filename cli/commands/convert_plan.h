@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The Corvin developers
+//
+// Which conversions the inputs of corvin convert come to, before the first one begins: what each
+// makes, under which name, and which inputs are one recording.
+
+#ifndef CORVIN_CLI_COMMANDS_CONVERT_PLAN_H_
+#define CORVIN_CLI_COMMANDS_CONVERT_PLAN_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/batch/inputs.h"
+#include "cli/commands/convert_options.h"
+#include "cli/files/output_kind.h"
+#include "cli/words/failure.h"
+
+namespace corvin::cli {
+
+struct PlannedConversion {
+  Input input;
+  bool is_dsd = false;  // the input
+  uint32_t rate_hz = 0;
+  uint32_t channels = 0;
+  uint64_t samples = 0;  // of a DSD input, per channel
+
+  OutputKind kind = PcmKind::kFlac;
+  std::string output;
+  bool goes_on = false;  // the next conversion's input follows this one's in the same recording
+  std::optional<Failure> failure;  // why it cannot begin
+};
+
+/** Looks at all inputs. Throws Failure when the options do not fit them as a whole. */
+std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options);
+
+}  // namespace corvin::cli
+
+#endif  // CORVIN_CLI_COMMANDS_CONVERT_PLAN_H_
