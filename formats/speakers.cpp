@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <cstring>
+#include <iterator>
 
 namespace corvin::formats {
 namespace {
@@ -22,6 +23,12 @@ constexpr DsdiffName kDsdiffNames[] = {
     {kFrontLeft, "MLFT", "SLFT"},  {kFrontRight, "MRGT", "SRGT"}, {kFrontCentre, "C   ", ""},
     {kLowFrequencies, "LFE ", ""}, {kBackLeft, "LS  ", ""},       {kBackRight, "RS  ", ""},
 };
+
+// Of DSDIFF's free names those from C106 on, by the number of the bit, for what has no name of its
+// own. Channels that are numbered only lie below C100.
+std::string FreeName(unsigned bit) {
+  return {'C', '1', static_cast<char>('0' + bit / 10), static_cast<char>('0' + bit % 10)};
+}
 
 bool Is(const std::uint8_t* name, const char* known) {
   return known[0] != '\0' && std::memcmp(name, known, kNameBytes) == 0;
@@ -54,6 +61,9 @@ std::uint32_t SpeakerOfDsdiffName(const std::uint8_t* name) {
   for (const DsdiffName& known : kDsdiffNames) {
     if (Is(name, known.name) || Is(name, known.in_stereo)) return known.speaker;
   }
+  for (unsigned bit = std::size(kDsdiffNames); bit < kMostSpeakers; ++bit) {
+    if (Is(name, FreeName(bit).c_str())) return 1u << bit;
+  }
   return 0;
 }
 
@@ -64,6 +74,9 @@ std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
     if ((speakers & known.speaker) == 0) continue;
     names += speakers == kStereo ? known.in_stereo : known.name;
   }
+  for (unsigned bit = std::size(kDsdiffNames); bit < kMostSpeakers; ++bit) {
+    if ((speakers >> bit & 1) != 0) names += FreeName(bit);
+  }
   if (names.size() == kNameBytes * channels) return names;
   names.clear();
   for (std::uint32_t c = 0; c < channels; ++c) {
@@ -72,6 +85,19 @@ std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels) {
     names.append(number, sizeof number);
   }
   return names;
+}
+
+std::uint32_t SpeakersAsWritten(ContainerKind kind, std::uint32_t speakers,
+                                std::uint32_t channels) {
+  switch (kind) {
+    case kDsf:
+      return SpeakersOfDsfType(DsfTypeOf(speakers, channels));
+    case kDsdiff:
+      if (channels == 1) return kFrontCentre;  // whatever it is called
+      return speakers >> kMostSpeakers == 0 ? speakers : 0;
+    default:
+      return channels <= 2 ? UsualSpeakers(channels) : 0;
+  }
 }
 
 }  // namespace corvin::formats

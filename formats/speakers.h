@@ -11,6 +11,8 @@
 #include <span>
 #include <string>
 
+#include "formats/container.h"
+
 namespace corvin::formats {
 
 inline constexpr std::uint32_t kFrontLeft = 1;
@@ -19,6 +21,9 @@ inline constexpr std::uint32_t kFrontCentre = 4;
 inline constexpr std::uint32_t kLowFrequencies = 8;
 inline constexpr std::uint32_t kBackLeft = 16;
 inline constexpr std::uint32_t kBackRight = 32;
+
+/// Those that a mask has bits for, from front left to the last one above.
+inline constexpr unsigned kMostSpeakers = 18;
 
 inline constexpr std::uint32_t kStereo = kFrontLeft | kFrontRight;
 inline constexpr std::uint32_t kQuad = kStereo | kBackLeft | kBackRight;
@@ -51,11 +56,15 @@ std::uint32_t MappedSpeakers(std::uint32_t speakers, std::span<const std::uint32
 /// DSF's type of a layout; for one that it does not know, that of so many channels, at most 6.
 std::uint32_t DsfTypeOf(std::uint32_t speakers, std::uint32_t channels);
 
-/// The speaker that a DSDIFF file calls by the four characters; 0 when it is none of the above.
+/// The speaker that a DSDIFF file calls by the four characters; 0 when it is none.
 std::uint32_t SpeakerOfDsdiffName(const std::uint8_t* name);
 
 /// DSDIFF's names of all channels, in a row; numbers where the layout does not fit their count.
 std::string DsdiffNames(std::uint32_t speakers, std::uint32_t channels);
+
+/// What a file of that kind says of its speakers, and is read as, when it is written with a mask of
+/// as many channels; 0: nothing. A kind that has no way to say nothing says something else.
+std::uint32_t SpeakersAsWritten(ContainerKind kind, std::uint32_t speakers, std::uint32_t channels);
 
 }  // namespace corvin::formats
 

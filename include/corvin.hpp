@@ -639,6 +639,11 @@ class File {
   std::unique_ptr<corvin_file, Close> handle_;
 };
 
+/// Whether a file can tell that its channels are those of the mask.
+inline bool names_speakers(corvin_container container, std::uint32_t speakers) {
+  return corvin_container_names_speakers(container, speakers) != 0;
+}
+
 /// corvin_writer_settings with its defaults.
 struct WriterSettings : corvin_writer_settings {
   WriterSettings() { corvin_writer_settings_defaults(this); }

@@ -174,14 +174,16 @@ CORVIN_API int corvin_file_seek_decoder(corvin_file* file, corvin_decoder* decod
 
 /** What a file is to be. */
 typedef struct corvin_writer_settings {
-  size_t size;          /**< sizeof(corvin_writer_settings), set by ..._defaults() */
-  uint32_t container;   /**< corvin_container. Default CORVIN_DSF */
-  uint32_t dsd_rate;    /**< Hz, not 0. Default 2822400 */
-  uint32_t channels;    /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
-  uint32_t bit_order;   /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
-  uint32_t speakers;    /**< mask of as many bits as channels; 0: the usual ones. DSF has a name for
-                            some layouts only, "1bit" for none. Default 0 */
-  uint32_t reserved0;   /**< 0 */
+  size_t size;        /**< sizeof(corvin_writer_settings), set by ..._defaults() */
+  uint32_t container; /**< corvin_container. Default CORVIN_DSF */
+  uint32_t dsd_rate;  /**< Hz, not 0. Default 2822400 */
+  uint32_t channels;  /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
+  uint32_t bit_order; /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
+  uint32_t speakers;  /**< mask of as many bits as channels; 0: the usual ones, up to six channels.
+                            corvin_container_names_speakers() tells which a file can name. DSDIFF
+                            leaves those open that it cannot, "1bit" of more than two channels all;
+                            else what would read as another mask is refused. Default 0 */
+  uint32_t reserved0; /**< 0 */
   uint64_t reserved[8]; /**< 0 */
 } corvin_writer_settings;
 
@@ -191,10 +193,20 @@ typedef struct corvin_writer corvin_writer;
 /** Fills `settings` with the defaults. NULL is ignored. Since 0.1. */
 CORVIN_API void corvin_writer_settings_defaults(corvin_writer_settings* settings);
 
+/** Tells whether a file of that container can say that its channels are those of a mask, so that it is
+ *  read with the same one. DSF can for its seven types: 0x4, 0x3, 0x7, 0x33, 0xf, 0x37 and 0x3f.
+ *  DSDIFF can for the 18 speakers of extensible WAV in any number but one, which is front centre;
+ *  those beyond the first six have names there that other programs may not know. "1bit" says nothing:
+ *  one channel counts as front centre, two as front left and right.
+ *  @return  1 or 0; 0 also for no container, and a mask without a bit
+ *  Since 0.1. */
+CORVIN_API int corvin_container_names_speakers(uint32_t container, uint32_t speakers);
+
 /** Begins a file. It is written beside its name under another one and takes the name at
  *  corvin_writer_finish(), in place of an older file; until then that one stays.
  *  @param writer  receives the handle, NULL on failure
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_WRITE
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_WRITE; CORVIN_E_UNSUPPORTED for
+ *           `speakers` that would be read as others
  *  A process that does not want to be ended by a file size limit ignores SIGXFSZ. Since 0.1. */
 CORVIN_API int corvin_writer_create(const char* path, const corvin_writer_settings* settings,
                                     corvin_writer** writer);

@@ -31,7 +31,8 @@ DsdOutput::DsdOutput(const Config& config) : config_(checked(config)), file_(con
   settings.container = config.container;
   settings.dsd_rate = config.dsd_rate_hz;
   settings.channels = config.channels;
-  settings.speakers = config.speakers;
+  // The usual ones in place of those that the file cannot name.
+  settings.speakers = names_speakers(config.container, config.speakers) ? config.speakers : 0;
   try {
     writer_.emplace(static_cast<ByteStream&>(*this), settings);
   } catch (const Error& error) {

@@ -6,6 +6,7 @@
 #include <bit>
 #include <utility>
 
+#include "formats/speakers.h"
 #include "formats/tags/id3_block.h"
 #include "studio/c_api/boundary.h"
 #include "studio/c_api/file.h"
@@ -26,7 +27,11 @@ int check(const corvin_writer_settings* settings, corvin_writer_settings& known)
       known.bit_order <= CORVIN_LSB_FIRST &&
       (known.speakers == 0 ||
        static_cast<std::uint32_t>(std::popcount(known.speakers)) == known.channels);
-  return valid ? CORVIN_OK : CORVIN_E_ARGUMENT;
+  if (!valid) return CORVIN_E_ARGUMENT;
+  if (known.speakers == 0) return CORVIN_OK;
+  const std::uint32_t written = formats::SpeakersAsWritten(
+      static_cast<ContainerKind>(known.container), known.speakers, known.channels);
+  return written == 0 || written == known.speakers ? CORVIN_OK : CORVIN_E_UNSUPPORTED;
 }
 
 int start(std::unique_ptr<corvin_writer> writer, corvin_writer** made) {
@@ -69,6 +74,16 @@ void corvin_writer_settings_defaults(corvin_writer_settings* settings) {
   settings->container = CORVIN_DSF;
   settings->dsd_rate = 2822400;
   settings->channels = 2;
+}
+
+int corvin_container_names_speakers(uint32_t container, uint32_t speakers) {
+  const auto kind = static_cast<corvin::formats::ContainerKind>(container);
+  const auto channels = static_cast<std::uint32_t>(std::popcount(speakers));
+  if (container > CORVIN_ONE_BIT || channels == 0 ||
+      channels > corvin::formats::MostChannels(kind)) {
+    return 0;
+  }
+  return corvin::formats::SpeakersAsWritten(kind, speakers, channels) == speakers ? 1 : 0;
 }
 
 int corvin_writer_create(const char* path, const corvin_writer_settings* settings,

@@ -124,19 +124,50 @@ TEST(RoundTrip, SpeakersAreNamedAndFound) {
   const struct {
     corvin_container container;
     std::uint32_t channels, asked, found;
-  } kCases[] = {
-      {CORVIN_DSF, 1, 0, 4},        {CORVIN_DSF, 2, 0, 3},       {CORVIN_DSF, 3, 0, 7},
-      {CORVIN_DSF, 4, 0, 0x33},     {CORVIN_DSF, 4, 0xf, 0xf},   {CORVIN_DSF, 5, 0, 0x37},
-      {CORVIN_DSF, 6, 0, 0x3f},     {CORVIN_DSDIFF, 1, 0, 4},    {CORVIN_DSDIFF, 2, 0, 3},
-      {CORVIN_DSDIFF, 3, 0xb, 0xb}, {CORVIN_DSDIFF, 4, 0, 0x33}, {CORVIN_DSDIFF, 5, 0, 0x37},
-      {CORVIN_DSDIFF, 6, 0, 0x3f},  {CORVIN_DSDIFF, 7, 0, 0},    {CORVIN_DSDIFF, 2, 0x600, 0},
-      {CORVIN_ONE_BIT, 2, 0, 3}};
+  } kCases[] = {{CORVIN_DSF, 1, 0, 4},
+                {CORVIN_DSF, 2, 0, 3},
+                {CORVIN_DSF, 3, 0, 7},
+                {CORVIN_DSF, 4, 0, 0x33},
+                {CORVIN_DSF, 4, 0xf, 0xf},
+                {CORVIN_DSF, 5, 0, 0x37},
+                {CORVIN_DSF, 6, 0, 0x3f},
+                {CORVIN_DSDIFF, 1, 0, 4},
+                {CORVIN_DSDIFF, 2, 0, 3},
+                {CORVIN_DSDIFF, 3, 0xb, 0xb},
+                {CORVIN_DSDIFF, 4, 0, 0x33},
+                {CORVIN_DSDIFF, 5, 0, 0x37},
+                {CORVIN_DSDIFF, 6, 0, 0x3f},
+                {CORVIN_DSDIFF, 7, 0, 0},
+                {CORVIN_DSDIFF, 2, 0x600, 0x600},
+                {CORVIN_DSDIFF, 8, 0x63f, 0x63f},
+                {CORVIN_DSDIFF, 8, 0xff, 0xff},
+                {CORVIN_DSDIFF, 18, 0x3ffff, 0x3ffff},
+                {CORVIN_DSDIFF, 2, 0x40001, 0},
+                {CORVIN_ONE_BIT, 2, 0, 3},
+                {CORVIN_ONE_BIT, 6, 0x3f, 0}};
   for (const auto& one : kCases) {
     WriterSettings settings = writer_settings(one.container, one.channels);
     settings.speakers = one.asked;
     EXPECT_EQ(MemoryFile(file_of(settings, Bytes(one.channels * 3))).info().speakers, one.found)
         << one.container << ", " << one.channels << " channels";
+    if (one.asked != 0) {
+      EXPECT_EQ(names_speakers(one.container, one.asked), one.asked == one.found) << one.asked;
+    }
   }
+  // What would be read as another layout.
+  for (const auto& [container, mask] : {std::pair{CORVIN_DSF, 1u},
+                                        {CORVIN_DSF, 0x9u},
+                                        {CORVIN_DSF, 0x60fu},
+                                        {CORVIN_DSDIFF, 1u},
+                                        {CORVIN_ONE_BIT, 2u},
+                                        {CORVIN_ONE_BIT, 0x30u}}) {
+    WriterSettings settings =
+        writer_settings(container, static_cast<std::uint32_t>(std::popcount(mask)));
+    settings.speakers = mask;
+    EXPECT_EQ(status_of([&] { file_of(settings, {}); }), CORVIN_E_UNSUPPORTED) << mask;
+    EXPECT_FALSE(names_speakers(container, mask));
+  }
+  EXPECT_FALSE(names_speakers(CORVIN_DSDIFF, 0));
 }
 
 std::uint64_t number(const Bytes& file, std::size_t at, bool big) {
