@@ -76,6 +76,7 @@ struct Pass {
   uint64_t frames = 0;  // that there were
   uint64_t clipped = 0;
   std::string level;
+  std::string damage;
 };
 
 // Writes the file with a header for `frames` frames.
@@ -111,6 +112,7 @@ Pass write_dsd(const ClassicDsdRequest& request, PcmInput input, uint64_t frames
     throw Failure(kWriteError, request.output.path, why_writing_failed(output.descriptor()));
   pass.clipped = pcm.clipped();
   pass.level = level.text();
+  pass.damage = input.damage();
   return pass;
 }
 
@@ -138,7 +140,8 @@ void convert_pcm_to_dsd_classic(const ClassicDsdRequest& request, PcmInput& inpu
   output.commit();
 
   if (frames == 0) note_no_sound(input.path());
-  if (is_cut_short) note_cut_short(input.path());
+  if (is_cut_short || !pass.damage.empty())
+    note_damage(input.path(), pass.damage.empty() ? "is cut short" : pass.damage);
   note_clips(input.path(), pass.clipped);
   print_summary(
       request.output.path,

@@ -4,6 +4,7 @@
 // corvin convert from PCM to DSD files.
 
 #include <deque>
+#include <string>
 
 #include "cli/convert/engine_run.h"
 #include "cli/convert/pcm_feed.h"
@@ -11,6 +12,7 @@
 #include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
 #include "cli/files/pcm_tags.h"
+#include "cli/files/speakers.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
 
@@ -32,19 +34,18 @@ struct Track {
                 .container = request.container,
                 .dsd_rate_hz = request.dsd_rate_hz,
                 .channels = input.channels(),
-                .speakers = input.speakers(),
+                .speakers = dsd_speakers(input.speakers()),
                 .verify = request.care.verify}) {
     output.set_tags(read_pcm_tags(input));
   }
 
-  bool is_cut_short() const { return feed.frames_read() < input.declared_frames().value_or(0); }
-
   void require_sound() const {
     if (feed.frames_read() == 0 && input.declared_frames())
       throw no_convertible_sound(input.path());
-    if (request.care.strict && is_cut_short())
+    const std::string damage = input.damage();
+    if (request.care.strict && !damage.empty())
       throw Failure(kBadInput, input.path(),
-                    "is cut short; without --strict what is there is converted");
+                    damage + "; without --strict what is there is converted");
   }
 };
 
@@ -91,7 +92,8 @@ void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<Pcm
     track.output.print_summary(duration_text(frames, track.input.rate_hz()),
                                tracks.size() == 1 ? level_text(result.peak) : "");
     if (frames == 0) note_no_sound(track.input.path());
-    if (track.is_cut_short()) note_cut_short(track.input.path());
+    if (const std::string damage = track.input.damage(); !damage.empty())
+      note_damage(track.input.path(), damage);
   }
 }
 

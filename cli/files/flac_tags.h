@@ -8,6 +8,7 @@
 
 #include <FLAC/metadata.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -30,6 +31,9 @@ bool fits_flac(const Picture& picture);
 
 /** Names the speakers, for orders of channels that FLAC does not have by itself. */
 inline constexpr char kFlacSpeakers[] = "WAVEFORMATEXTENSIBLE_CHANNEL_MASK";
+
+/** What a number of channels means unless a comment says otherwise. */
+inline constexpr uint32_t kFlacUsualSpeakers[] = {0, 0x4, 0x3, 0x7, 0x33, 0x37, 0x3f, 0x70f, 0x63f};
 
 /** The blocks of all that fits. Throws std::bad_alloc.
  *  @param tags      null: none

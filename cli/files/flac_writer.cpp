@@ -18,9 +18,6 @@ namespace {
 // Frames that are unpacked at a time, so that memory does not grow with what is handed in.
 constexpr size_t kFramesAtOnce = 4096;
 
-// What a number of channels means unless the file says otherwise.
-constexpr uint32_t kUsualSpeakers[] = {0, 0x4, 0x3, 0x7, 0x33, 0x37, 0x3f, 0x70f, 0x63f};
-
 }  // namespace
 
 FlacWriter::FlacWriter(const PcmWriterConfig& config)
@@ -69,7 +66,7 @@ void FlacWriter::begin() {
 
   const TagSet* tags = config_.tags;
   const bool is_usual =
-      config_.speakers == 0 || config_.speakers == kUsualSpeakers[config_.channels];
+      config_.speakers == 0 || config_.speakers == kFlacUsualSpeakers[config_.channels];
   char mask[16] = "";
   if (!is_usual)
     std::snprintf(mask, sizeof mask, "0x%04X", static_cast<unsigned>(config_.speakers));

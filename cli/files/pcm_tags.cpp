@@ -12,6 +12,7 @@
 #include <id3v2tag.h>
 #include <infotag.h>
 #include <mpegfile.h>
+#include <sndfile.h>
 #include <tpropertymap.h>
 #include <wavfile.h>
 #include <wavpackfile.h>

@@ -74,4 +74,11 @@ uint32_t speaker_mask(std::span<const int> channel_map) {
   return mask;
 }
 
+uint32_t dsd_speakers(uint32_t mask) {
+  constexpr uint32_t kBack = 0x30;
+  constexpr uint32_t kSides = 0x600;
+  const bool has_sides_alone = (mask & kSides) == kSides && (mask & kBack) == 0;
+  return has_sides_alone ? (mask & ~kSides) | kBack : mask;
+}
+
 }  // namespace corvin::cli

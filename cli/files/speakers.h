@@ -22,6 +22,10 @@ std::vector<int> channel_map(uint32_t mask);
 /** The mask of such places; 0 when one has no bit or they stand in another order. */
 uint32_t speaker_mask(std::span<const int> channel_map);
 
+/** The mask for DSD, which has one pair of speakers behind or beside the listener: two at the sides
+ *  alone become that pair. */
+uint32_t dsd_speakers(uint32_t mask);
+
 }  // namespace corvin::cli
 
 #endif  // CORVIN_CLI_FILES_SPEAKERS_H_

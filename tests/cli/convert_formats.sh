@@ -39,8 +39,9 @@ for bits in 16 24 32 float; do
     case $ending in
     flac) flac -ts $out && cmp <(sound $out) <(sound wav$bits.wav) ;;
     wv) wvunpack -qv $out && cmp <(sound $out) <(sound wav$bits.wav) ;;
-    *) corvin convert $out -o back.dsf -y --modulator standard 2>/dev/null && cmp back.dsf wav$bits.dsf ;;
     esac
+    corvin convert $out -o back.dsf -y --modulator standard 2>/dev/null
+    cmp back.dsf wav$bits.dsf
   done
 done
 
