@@ -85,6 +85,16 @@ bool state_significant_bits(int descriptor, uint32_t bits) {
   return place == 0 || write_at(descriptor, place, number);
 }
 
+bool hide_peaks(int descriptor) {
+  const auto chunks = chunks_of(descriptor);
+  const Chunk* peaks = chunks ? chunks->find("PEAK") : nullptr;
+  if (peaks == nullptr) return true;
+  constexpr std::array<char, 4> kSkipped = {'J', 'U', 'N', 'K'};
+  const std::vector<std::byte> nothing(static_cast<size_t>(peaks->bytes));
+  return write_at(descriptor, peaks->offset - kHeadBytes, std::as_bytes(std::span(kSkipped))) &&
+         write_at(descriptor, peaks->offset, nothing);
+}
+
 bool append_to_form(int descriptor, std::span<const std::byte> added) {
   struct stat status;
   if (fstat(descriptor, &status) != 0) return false;

@@ -39,6 +39,10 @@ std::optional<Chunks> chunks_of(int descriptor);
  *  fewer than the samples' room; false on failure, errno tells why. */
 bool state_significant_bits(int descriptor, uint32_t bits);
 
+/** Turns a chunk of peaks, which states when it was written, into one that readers skip; false as
+ *  above. */
+bool hide_peaks(int descriptor);
+
 /** States the bytes that follow the file's first eight. */
 bool state_form_bytes(int descriptor, const Chunks& chunks, uint64_t bytes);
 

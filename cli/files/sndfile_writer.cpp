@@ -123,6 +123,8 @@ bool SndfileWriter::complete() {
   if (config_.significant_bits != 0 &&
       !state_significant_bits(config_.descriptor, config_.significant_bits))
     return false;
+  // The command above does nothing for RF64.
+  if (is_float(config_.format) && !hide_peaks(config_.descriptor)) return false;
   return tags_.empty() || append_to_form(config_.descriptor, tags_);
 }
 

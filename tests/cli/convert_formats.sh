@@ -35,6 +35,7 @@ for bits in 16 24 32 float; do
     corvin convert in.dsf -o $out -b $bits 2>/dev/null
     corvin convert in.dsf -o again.$ending -b $bits -y 2>/dev/null
     cmp $out again.$ending
+    grep -q PEAK $out && echo "states when it was made"
     facts $out
     case $ending in
     flac) flac -ts $out && cmp <(sound $out) <(sound wav$bits.wav) ;;
