@@ -53,7 +53,7 @@ class DsdiffWalk {
       return file_.Fail(Readable::kUnsupported, "is a form of another kind, " + Name(type));
     }
     const std::uint64_t rest = cursor_.file_size() - kChunkHeaderBytes;
-    if (!sized || form.size > rest || rest - form.size > 1) {
+    if (!file_.sequential && (!sized || form.size > rest || rest - form.size > 1)) {
       file_.Warn("the form states " + std::to_string(form.size) + " bytes; the file holds " +
                  std::to_string(rest));
     }
@@ -107,6 +107,7 @@ class DsdiffWalk {
         file_.Warn("chunk " + Name(chunk.id) + " is cut short");
       }
       place = ReadChunk(chunk, body);
+      if (file_.sequential && (has_sound_ || has_compressed_)) return;
     }
     if (place < cursor_.file_size()) {
       file_.Warn(std::to_string(cursor_.file_size() - place) + " bytes at the end are no chunk");
@@ -120,6 +121,7 @@ class DsdiffWalk {
     if (chunk.id == MakeChunkId("DSD ") && !has_sound_) return TakeSound(chunk, body);
     if (chunk.id == MakeChunkId("DST ")) {
       ReadCompressedLength(body, there);
+      if (file_.sequential) return body;
     } else if (chunk.id == MakeChunkId("COMT")) {
       ReadComments(body, there);
     } else if (chunk.id == MakeChunkId("DIIN")) {
@@ -137,11 +139,15 @@ class DsdiffWalk {
     const auto next = IdAt(body);
     const bool never_stated = chunk.size > static_cast<std::uint64_t>(INT64_MAX) ||
                               (chunk.size == 0 && left > 0 && !(next && IsOfForm(*next)));
-    if (never_stated) {
+    if (never_stated && file_.sequential) {
+      file_.Fail(Readable::kUnsupported,
+                 "does not state the size of its sound, which a pipe does not tell");
+    } else if (never_stated) {
       file_.Warn("the sound chunk states no size; the file's end stands in");
       stated_sound_ = left;
     }
     file_.sound = {body, std::min(stated_sound_, left)};
+    if (file_.sequential) return body;
     return Behind({chunk.id, stated_sound_}, body, IsOfForm);
   }
 

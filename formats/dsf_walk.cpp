@@ -33,7 +33,7 @@ class DsfWalk {
       return file_.Fail(Readable::kDamaged, "is damaged: its header is cut short");
     }
     if (first.size != kFirstChunkBytes) file_.Warn("the first chunk states a wrong size");
-    FindTag();
+    if (!file_.sequential) FindTag();  // which stands behind the sound
     FindChunks();
     if (!has_format_) return file_.Fail(Readable::kDamaged, "is damaged: it has no format chunk");
     if (!has_sound_) return file_.Fail(Readable::kDamaged, "is damaged: it has no sound chunk");
@@ -42,6 +42,7 @@ class DsfWalk {
   }
 
   void CheckEnd() {
+    if (file_.sequential) return;
     const std::uint64_t size = source_.Size();
     if (stated_bytes_ != size) {
       file_.Warn("the header states a file of " + std::to_string(stated_bytes_) +

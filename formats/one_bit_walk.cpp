@@ -32,11 +32,14 @@ void WalkOneBit(ByteSource& source, SoundFile& file) {
     return file.Fail(Readable::kDamaged, "is damaged: its sound does not begin within the file");
   }
   std::uint64_t end = stated_end;
+  if (stated_end < start && file.sequential) {
+    return file.Fail(Readable::kUnsupported, "does not state its end, which a pipe does not tell");
+  }
   if (stated_end < start) {
     file.Warn("the header states a file of " + std::to_string(stated_end) +
               " bytes; the file's own end stands in");
     end = size;
-  } else if (stated_end < size) {
+  } else if (stated_end < size && !file.sequential) {
     file.Warn(std::to_string(size - stated_end) + " bytes at the end do not belong to the sound");
   }
   file.sound = {start, std::min(end, size) - start};

@@ -5,9 +5,17 @@
 
 #include <utility>
 
+#include "formats/bytes/sequential_source.h"
 #include "formats/chunk_cursor.h"
 
 namespace corvin::formats {
+
+namespace {
+
+// Its channels are read one after the other, behind a window of a quarter of the backlog.
+constexpr std::uint64_t kMostSequentialGroup = SequentialSource::kBacklogBytes / 2;
+
+}  // namespace
 
 void SoundFile::Warn(std::string sentence) {
   constexpr std::size_t kMost = 32;  // a broken file could go on for ever
@@ -22,6 +30,7 @@ void SoundFile::Fail(Readable why, std::string sentence) {
 
 bool ReadSoundFile(ByteSource& source, SoundFile& file) {
   file = {};
+  file.sequential = source.IsSequential();
   ChunkCursor cursor(source, ByteOrder::kBig);
   ChunkId magic{};
   if (!cursor.Read(magic.data(), magic.size())) return false;
@@ -47,6 +56,10 @@ bool ReadSoundFile(ByteSource& source, SoundFile& file) {
   }
   if (file.rate_hz == 0) {
     file.Fail(Readable::kDamaged, "is damaged: its headers declare no rate");
+  }
+  const std::uint64_t group = std::uint64_t{file.block_bytes} * file.channels;
+  if (file.sequential && group > kMostSequentialGroup) {
+    file.Fail(Readable::kUnsupported, "has blocks that are too large to be read from a pipe");
   }
   if (file.readable != Readable::kYes) file.samples = 0;
   return true;

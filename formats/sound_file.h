@@ -46,6 +46,8 @@ struct SoundFile {
   std::uint32_t speakers = 0;  ///< by formats/speakers.h, in the channels' order; 0 unknown
   std::uint64_t samples = 0;   ///< per channel, that are there
   std::uint64_t stated_samples = 0;
+  bool sequential =
+      false;  ///< read once, in order: then `samples` are what is stated until the end
   bool lsb_first = false;
   std::uint32_t block_bytes = 1;  ///< of a channel before the next one's
   ByteRange sound;                ///< from the first byte to the end of what is there

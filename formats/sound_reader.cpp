@@ -16,7 +16,7 @@ constexpr std::size_t kWindowBytes = 1 << 18;
 
 }  // namespace
 
-SoundReader::SoundReader(ByteSource& source, const SoundFile& file)
+SoundReader::SoundReader(ByteSource& source, SoundFile& file)
     : source_(source),
       file_(file),
       layout_{file.channels, file.block_bytes},
@@ -30,6 +30,17 @@ void SoundReader::Select(std::span<const std::uint32_t> channels) {
   if (!channels.empty()) return;
   selected_.resize(file_.channels);
   std::iota(selected_.begin(), selected_.end(), 0u);
+}
+
+bool SoundReader::EndsEarly() {
+  const ByteRange& sound = file_.sound;
+  if (!file_.sequential || source_.failed() || source_.Size() >= sound.offset + sound.bytes) {
+    return false;
+  }
+  file_.sound.bytes = source_.Size() - std::min(source_.Size(), sound.offset);
+  file_.samples = std::min(file_.samples, layout_.WholeBytes(file_.sound.bytes) * 8);
+  WarnOfMissingSound(file_);
+  return true;
 }
 
 std::uint32_t SoundReader::Speakers() const { return MappedSpeakers(file_.speakers, selected_); }
@@ -68,7 +79,7 @@ bool SoundReader::ReadRun(std::uint8_t* const* out, std::size_t stride, std::siz
 std::size_t SoundReader::Read(std::uint8_t* const* out, std::size_t stride, std::size_t bytes,
                               bool lsb_first) {
   const std::size_t channels = selected_.size();
-  const std::uint64_t total = file_.ChannelBytes();
+  std::uint64_t total = file_.ChannelBytes();
   const std::uint64_t most = layout_.interleaved() ? kWindowBytes / file_.channels : kWindowBytes;
   std::uint8_t* places[kMaxChannels];
   std::copy(out, out + channels, places);
@@ -77,6 +88,10 @@ std::size_t SoundReader::Read(std::uint8_t* const* out, std::size_t stride, std:
     const auto run = static_cast<std::size_t>(
         std::min({std::uint64_t{bytes - done}, total - position_, layout_.Run(position_), most}));
     if (!ReadRun(places, stride, run, lsb_first != file_.lsb_first)) {
+      if (EndsEarly()) {
+        total = file_.ChannelBytes();
+        continue;
+      }
       failed_ = true;
       break;
     }

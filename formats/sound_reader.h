@@ -20,7 +20,7 @@ namespace corvin::formats {
 class SoundReader {
  public:
   /// Both outlive the reader; the file is readable.
-  SoundReader(ByteSource& source, const SoundFile& file);
+  SoundReader(ByteSource& source, SoundFile& file);
 
   /// Has Read() give the file's channels of these numbers, at most kMaxChannels; none: all of them.
   void Select(std::span<const std::uint32_t> channels);
@@ -29,7 +29,7 @@ class SoundReader {
 
   /// Reads `bytes` bytes of each channel from the position on; byte i of channel c goes to
   /// out[c][i * stride]. Returns how many there were: fewer at the end, and when the source fails
-  /// or has become shorter; then failed(). Bits behind the last sample are silence.
+  /// or has become shorter; then failed(). A sequential source that ends early is no failure. Bits behind the last sample are silence.
   std::size_t Read(std::uint8_t* const* out, std::size_t stride, std::size_t bytes, bool lsb_first);
 
   /// Moves to byte `position` of each channel, at most the end.
@@ -43,6 +43,10 @@ class SoundReader {
   std::uint64_t position() const { return position_; }
   bool failed() const { return failed_; }
 
+  /// After a read that brought less than it should: whether the source is sequential and has ended.
+  /// The file has then the samples that came, and a warning.
+  bool EndsEarly();
+
   ByteSource& source() const { return source_; }
   const SoundFile& file() const { return file_; }
 
@@ -51,7 +55,7 @@ class SoundReader {
   bool ReadRun(std::uint8_t* const* out, std::size_t stride, std::size_t run, bool reverse);
 
   ByteSource& source_;
-  const SoundFile& file_;
+  SoundFile& file_;
   BlockLayout layout_;
   bool selects_ = false;
   std::vector<std::uint32_t> selected_;  // the file's number of each channel that is read

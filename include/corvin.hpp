@@ -513,14 +513,17 @@ inline std::string without_byte_order_mark(std::string text) {
 
 // ---- Files -----------------------------------------------------------------------------------
 
-/// A host's own file. Lives longer than the File or Writer on it. Reading needs seek(), read() and
-/// length(), writing seek() and write().
+/// A host's own file. Lives longer than the File or Writer on it. Reading needs read() and, where it
+/// can seek, seek() and length(); writing needs write(), and seek() where it can.
 class ByteStream {
  public:
   virtual ~ByteStream() = default;
 
+  /// Whether seek() is of use.
+  virtual bool can_seek() { return true; }
+
   /// Moves to a byte; false on failure.
-  virtual bool seek(std::uint64_t offset) = 0;
+  virtual bool seek(std::uint64_t) { return false; }
 
   /// Returns the bytes read, 0 at the end, a negative number on failure.
   virtual std::int64_t read(std::span<std::byte>) { return -1; }
@@ -536,9 +539,11 @@ class ByteStream {
     corvin_stream stream = {};
     stream.size = sizeof stream;
     stream.user = this;
-    stream.seek = [](void* user, std::uint64_t offset) {
-      return detail::kept_in(1, [&] { return of(user).seek(offset) ? 0 : 1; });
-    };
+    const bool seeks = detail::kept_in(true, [&] { return can_seek(); });
+    if (seeks)
+      stream.seek = [](void* user, std::uint64_t offset) {
+        return detail::kept_in(1, [&] { return of(user).seek(offset) ? 0 : 1; });
+      };
     stream.read = [](void* user, void* to, std::size_t bytes) {
       return detail::kept_in<std::int64_t>(-1, [&] {
         return of(user).read({static_cast<std::byte*>(to), bytes});

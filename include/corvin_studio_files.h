@@ -11,7 +11,12 @@
  *    16 back left, 32 back right (and on as in extensible WAV files). The channels stand in the
  *    order of the bits. 0: not known, or another order.
  *  - A path goes to the system as it is. When a function fails because of the system, errno says
- *    why. */
+ *    why.
+ *  - A file that cannot seek, such as a pipe, is read once, in order: corvin_file_read() and one
+ *    conversion, of a stretch too, do that. Its headers are all that is known of its length, and one
+ *    that ends before is cut short: that it is shows when the sound is read so far, in the info, in
+ *    a warning and as `missing` in the report. Tags, moving to a sample, and standing as a neighbour
+ *    are CORVIN_E_UNSUPPORTED. */
 
 #ifndef CORVIN_STUDIO_FILES_H_
 #define CORVIN_STUDIO_FILES_H_
@@ -35,7 +40,7 @@ typedef struct corvin_stream {
   size_t size; /**< sizeof(corvin_stream) */
   void* user;  /**< passed to each call */
   /** Moves to a byte, for the read or write that follows; returns 0, or another value on
-   *  failure. */
+   *  failure. NULL: the stream cannot seek; `length` is not called then. */
   int (*seek)(void* user, uint64_t offset);
   /** Reads up to `bytes` bytes and returns their number, 0 at the end, a negative number on
    *  failure. For reading only. */
@@ -69,12 +74,15 @@ typedef struct corvin_file_info {
   int32_t readable;        /**< CORVIN_OK, or what corvin_file_read() will return; then
                                 corvin_file_problem() tells more and the other fields what could be
                                 found */
-  uint64_t samples;        /**< per channel, that are there: without the padding of a last block */
+  uint64_t samples;        /**< per channel, that are there: without the padding of a last block. Of
+                                a file that cannot seek, those stated until it has ended early */
   uint64_t stated_samples; /**< per channel, by the headers; more than `samples` in a file that was
                                 cut short */
   uint64_t sound_bytes;    /**< of all channels in the file, padding included */
   char compression[256];   /**< DSDIFF: the compression's name, terminated, else empty */
-  uint64_t reserved[8];
+  uint32_t sequential;     /**< not 0: the file cannot seek */
+  uint32_t reserved0;
+  uint64_t reserved[7];
 } corvin_file_info;
 
 /** A DSD file open for reading. */
@@ -83,13 +91,15 @@ typedef struct corvin_file corvin_file;
 /** Opens a file and reads its headers. A damaged file opens as long as its first bytes tell a
  *  container: see `readable`.
  *  @param file  receives the handle, NULL on failure
+ *  @param path  of a regular file or a FIFO, which keeps it waiting until somebody writes to that;
+ *               "/dev/stdin" where that is one of these, a pipe or a socket
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_READ when it cannot be opened
- *           or is not a regular file (errno is 0 then); CORVIN_E_FORMAT when it is no DSD file
+ *           or is something else (errno is 0 then); CORVIN_E_FORMAT when it is no DSD file
  *  Since 0.1. */
 CORVIN_API int corvin_file_open(const char* path, corvin_file** file);
 
-/** The same on a host's callbacks, of which `seek`, `read` and `length` are needed. `stream` is
- *  copied. Since 0.1. */
+/** The same on a host's callbacks, of which `read` is needed, and with `seek` also `length`. No more
+ *  is read than is used, up to the end of the sound. `stream` is copied. Since 0.1. */
 CORVIN_API int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file);
 
 /** Closes a file. NULL is ignored. Since 0.1. */
@@ -113,15 +123,16 @@ CORVIN_API const char* corvin_file_problem(const corvin_file* file);
  *  properties, of which the blocks win; of DSF files the ID3v2 block. Versions 2.3 and 2.4,
  *  comments in any language.
  *  @param tag  emptied first; zero it before its first use. DSDTagClear() releases what it holds
- *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT, CORVIN_E_MEMORY
+ *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_UNSUPPORTED
+ *           for a file that cannot seek
  *  Since 0.1. */
 CORVIN_API int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag);
 
 /** Reads all tags, of any version of ID3v2; of DSDIFF files also names and general comments that no
  *  block has. What is odd about them corvin_tags_warning() tells.
  *  @param tags  its content is replaced
- *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT; CORVIN_E_MEMORY, CORVIN_E_READ:
- *           without content
+ *  @return  CORVIN_OK (also without tags), CORVIN_E_ARGUMENT; CORVIN_E_MEMORY, CORVIN_E_READ and,
+ *           for a file that cannot seek, CORVIN_E_UNSUPPORTED: without content
  *  Since 0.1. */
 CORVIN_API int corvin_file_get_all_tags(corvin_file* file, corvin_tags* tags);
 
@@ -142,7 +153,8 @@ CORVIN_API int corvin_file_read_planar(corvin_file* file, uint8_t* const* channe
                                        uint32_t bit_order, size_t* done);
 
 /** Moves to a sample: to the byte that holds it, so multiples of eight are reached exactly.
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT when it is beyond the end. Since 0.1. */
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT when it is beyond the end, CORVIN_E_UNSUPPORTED for a file
+ *           that cannot seek. Since 0.1. */
 CORVIN_API int corvin_file_seek(corvin_file* file, uint64_t sample);
 
 /** Returns the sample that the next byte read begins with; 0 for NULL. Since 0.1. */
@@ -163,7 +175,8 @@ CORVIN_API uint64_t corvin_file_tell(const corvin_file* file);
  *                   are left at unspecified positions. What they lack is silence. NULL and 0: none
  *  @return  CORVIN_OK; CORVIN_E_ARGUMENT, also when rate or channels of a file differ from the
  *           decoder's, and for `previous` without that context or with more samples than
- *           `first_sample`; the `readable` of a file's info: then nothing has moved.
+ *           `first_sample`; the `readable` of a file's info; CORVIN_E_UNSUPPORTED when one cannot
+ *           seek: then nothing has moved.
  *           CORVIN_E_READ, CORVIN_E_MEMORY: then both stand anywhere until they are moved again
  *  Reads and pushes up to corvin_decoder_preroll() bytes of each channel, which is more than an
  *  audio callback has time for. Since 0.1. */
@@ -329,7 +342,7 @@ typedef struct corvin_pcm_format {
   uint32_t channels;
   uint32_t speakers; /**< mask; with a map of channels as corvin_speakers_mapped() */
   uint32_t format;   /**< corvin_sample_format */
-  uint64_t frames;   /**< that will come */
+  uint64_t frames;   /**< that will come; fewer do when a file ends early that cannot seek */
 } corvin_pcm_format;
 
 /** Where PCM goes. The calls come on the caller's thread. */
@@ -403,7 +416,9 @@ CORVIN_API uint32_t corvin_speakers_mapped(uint32_t speakers, const uint32_t* ch
  *  corvin_decoder_preroll() bytes is heard: files that lie farther away may be left out. Where the
  *  neighbours have less than that there is silence.
  *  @param source    left at an unspecified position, as are its neighbours; none is to be used
- *                   meanwhile. The same file may come in several places
+ *                   meanwhile. The same file may come in several places. One that cannot seek has
+ *                   one conversion in it, and before that no reading: CORVIN_E_STATE, here and in
+ *                   the other conversions from a file
  *  @param settings  NULL: the defaults
  *  @param report    its `size` set; filled whenever the arguments are valid, for what came so far.
  *                   May be NULL

@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "formats/bytes/input_file.h"
+#include "formats/bytes/sequential_source.h"
 
 namespace corvin::formats {
 namespace {
@@ -40,18 +41,47 @@ class FileSource : public ByteSource {
   std::uint64_t size_;
 };
 
+class PipeSource : public SequentialSource {
+ public:
+  explicit PipeSource(int descriptor) : descriptor_(descriptor) {}
+  ~PipeSource() override { close(descriptor_); }
+  PipeSource(const PipeSource&) = delete;
+  PipeSource& operator=(const PipeSource&) = delete;
+
+ private:
+  std::int64_t Next(void* to, std::size_t bytes) override {
+    for (;;) {
+      const ssize_t got = read(descriptor_, to, bytes);
+      if (got >= 0 || errno != EINTR) return got;
+    }
+  }
+
+  int descriptor_;
+};
+
+// Null for no descriptor.
+template <class Source, typename... Args>
+std::unique_ptr<ByteSource> Own(int descriptor, Args... args) {
+  if (descriptor < 0) return nullptr;
+  try {
+    return std::make_unique<Source>(descriptor, args...);
+  } catch (...) {
+    close(descriptor);
+    throw;
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<ByteSource> OpenFileSource(const char* path) {
   std::uint64_t size = 0;
   const int descriptor = OpenInputDescriptor(path, size);
-  if (descriptor < 0) return nullptr;
-  try {
-    return std::make_unique<FileSource>(descriptor, size);
-  } catch (...) {
-    close(descriptor);
-    throw;
-  }
+  return Own<FileSource>(descriptor, size);
+}
+
+std::unique_ptr<ByteSource> OpenFileOrPipeSource(const char* path) {
+  if (IsPipe(path)) return Own<PipeSource>(OpenPipeDescriptor(path));
+  return OpenFileSource(path);
 }
 
 }  // namespace corvin::formats

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 namespace corvin::formats {
 
@@ -26,6 +27,27 @@ int OpenInputDescriptor(const char* path, std::uint64_t& bytes) {
   close(descriptor);
   errno = 0;
   return -1;
+}
+
+namespace {
+
+// Opening it anew would wait for a writer of a FIFO, though that one may be done.
+bool IsStandardInput(const char* path) { return std::strcmp(path, "/dev/stdin") == 0; }
+
+}  // namespace
+
+bool IsPipe(const char* path) {
+  struct stat status;
+  if (IsStandardInput(path)) {
+    return fstat(STDIN_FILENO, &status) == 0 &&
+           (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+  }
+  return stat(path, &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+int OpenPipeDescriptor(const char* path) {
+  if (IsStandardInput(path)) return fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0);
+  return open(path, O_RDONLY | O_CLOEXEC);
 }
 
 InputFile OpenInputFile(const char* path) {

@@ -26,6 +26,13 @@ InputFile OpenInputFile(const char* path);
 /// what is not a regular file.
 int OpenInputDescriptor(const char* path, std::uint64_t& bytes);
 
+/// Whether the path is that of a FIFO, or of standard input where that is a pipe or a socket.
+bool IsPipe(const char* path);
+
+/// Opens such a path for reading; -1, with errno, on failure. A FIFO that nobody has open for writing
+/// keeps it waiting, for to be read before that is to be at its end.
+int OpenPipeDescriptor(const char* path);
+
 }  // namespace corvin::formats
 
 #endif  // CORVIN_FORMATS_BYTES_INPUT_FILE_H_

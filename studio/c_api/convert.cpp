@@ -198,6 +198,7 @@ int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_settings* se
     if (status != CORVIN_OK) return status;
     corvin::studio::Part part;
     status = part.select(*source, known, around);
+    if (status == CORVIN_OK) status = corvin::studio::begin_sound(*source);
     if (status != CORVIN_OK) return status;
     return corvin::studio::convert_to_pcm(*source->reader, around, part.stretch(), known,
                                           known_sink, result);
@@ -243,6 +244,8 @@ int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* target,
       return static_cast<int>(CORVIN_E_ARGUMENT);
     }
     if (corvin::studio::has_sound(*target)) return static_cast<int>(CORVIN_E_STATE);
+    status = corvin::studio::begin_sound(*source);
+    if (status != CORVIN_OK) return status;
     status = corvin::studio::convert_dsd_rate(*source->reader, part.stretch(), *target->sound,
                                               known, result);
     status = corvin::studio::complete(*target, status, known, result.samples);
@@ -267,6 +270,8 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
       return static_cast<int>(CORVIN_E_ARGUMENT);
     }
     if (corvin::studio::has_sound(*target)) return static_cast<int>(CORVIN_E_STATE);
+    status = corvin::studio::begin_sound(*source);
+    if (status != CORVIN_OK) return status;
     std::uint64_t samples = 0;
     status = corvin::studio::copy(*source->reader, part.stretch(), *target->sound, known, samples);
     return corvin::studio::complete(*target, status, known, samples);

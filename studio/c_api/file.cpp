@@ -30,6 +30,13 @@ int status_of(formats::Readable readable) {
   return CORVIN_E_UNSUPPORTED;
 }
 
+int begin_sound(corvin_file& file) {
+  if (!file.reader) return status_of(file.sound.readable);
+  if (file.sound.sequential && file.begun) return CORVIN_E_STATE;
+  file.begun = true;
+  return CORVIN_OK;
+}
+
 int adopt_sounds(corvin_file* const* files, std::size_t count, const formats::SoundFile& file,
                  Sounds& sounds) {
   if (count > 0 && files == nullptr) return CORVIN_E_ARGUMENT;
@@ -40,6 +47,7 @@ int adopt_sounds(corvin_file* const* files, std::size_t count, const formats::So
     if (one->sound.rate_hz != file.rate_hz || one->sound.channels != file.channels) {
       return CORVIN_E_ARGUMENT;
     }
+    if (one->sound.sequential) return CORVIN_E_UNSUPPORTED;
     sounds.push_back(&*one->reader);
   }
   return CORVIN_OK;
@@ -73,6 +81,7 @@ int read(corvin_file& file, std::uint8_t* const* places, std::size_t stride, std
   done = 0;
   if (bit_order > CORVIN_LSB_FIRST) return CORVIN_E_ARGUMENT;
   if (!file.reader) return status_of(file.sound.readable);
+  file.begun = true;
   done = file.reader->Read(places, stride, bytes, bit_order == CORVIN_LSB_FIRST);
   return file.reader->failed() ? CORVIN_E_READ : CORVIN_OK;
 }
@@ -87,7 +96,7 @@ int corvin_file_open(const char* path, corvin_file** file) {
   *file = nullptr;
   if (path == nullptr) return CORVIN_E_ARGUMENT;
   return corvin::studio::guarded([&] {
-    auto source = corvin::formats::OpenFileSource(path);
+    auto source = corvin::formats::OpenFileOrPipeSource(path);
     if (source == nullptr) return static_cast<int>(CORVIN_E_READ);
     return corvin::studio::open_source(std::move(source), file);
   });
@@ -97,9 +106,15 @@ int corvin_file_open_stream(const corvin_stream* stream, corvin_file** file) {
   if (file == nullptr) return CORVIN_E_ARGUMENT;
   *file = nullptr;
   corvin_stream known;
-  if (!corvin::studio::adopt(stream, known) || known.seek == nullptr || known.read == nullptr ||
-      known.length == nullptr) {
+  if (!corvin::studio::adopt(stream, known) || known.read == nullptr ||
+      (known.seek != nullptr && known.length == nullptr)) {
     return CORVIN_E_ARGUMENT;
+  }
+  if (known.seek == nullptr) {
+    return corvin::studio::guarded([&] {
+      return corvin::studio::open_source(
+          std::make_unique<corvin::studio::SequentialStreamSource>(known), file);
+    });
   }
   const std::int64_t size = known.length(known.user);
   if (size < 0) return CORVIN_E_READ;
@@ -127,6 +142,7 @@ int corvin_file_get_info(const corvin_file* file, corvin_file_info* info) {
   known.samples = sound.samples;
   known.stated_samples = sound.stated_samples;
   known.sound_bytes = sound.sound.bytes;
+  known.sequential = sound.sequential ? 1 : 0;
   sound.compression.copy(known.compression, sizeof known.compression - 1);
   corvin::studio::hand_out(known, info);
   return CORVIN_OK;
@@ -145,6 +161,7 @@ const char* corvin_file_problem(const corvin_file* file) {
 int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag) {
   if (file == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
   DSDTagClear(tag);
+  if (file->sound.sequential) return CORVIN_E_UNSUPPORTED;
   return corvin::studio::guarded([&] {
     corvin::formats::ReadSoundTags(*file->source, file->sound, *tag);
     return CORVIN_OK;
@@ -154,6 +171,7 @@ int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag) {
 int corvin_file_get_all_tags(corvin_file* file, corvin_tags* tags) {
   if (file == nullptr || tags == nullptr) return CORVIN_E_ARGUMENT;
   corvin_tags_clear(tags);
+  if (file->sound.sequential) return CORVIN_E_UNSUPPORTED;
   return corvin::studio::guarded([&]() -> int {
     corvin::formats::HeldTags held;
     corvin::formats::ReadSoundTags(*file->source, file->sound, held);
@@ -184,6 +202,7 @@ int corvin_file_read_planar(corvin_file* file, uint8_t* const* channels, size_t 
 int corvin_file_seek(corvin_file* file, uint64_t sample) {
   if (file == nullptr || sample > file->sound.samples) return CORVIN_E_ARGUMENT;
   if (!file->reader) return corvin::studio::status_of(file->sound.readable);
+  if (file->sound.sequential) return CORVIN_E_UNSUPPORTED;
   const bool at_end = sample == file->sound.samples;
   file->reader->Seek(at_end ? file->sound.ChannelBytes() : sample / 8);
   return CORVIN_OK;
@@ -194,6 +213,7 @@ int corvin_file_seek_decoder(corvin_file* file, corvin_decoder* decoder, uint64_
   if (file == nullptr || decoder == nullptr) return CORVIN_E_ARGUMENT;
   const corvin::formats::SoundFile& sound = file->sound;
   if (!file->reader) return corvin::studio::status_of(sound.readable);
+  if (sound.sequential) return CORVIN_E_UNSUPPORTED;
   const corvin_decoder_settings& settings = decoder->engine->settings();
   const bool hears_before = (settings.context & CORVIN_CONTEXT_BEFORE) != 0;
   if (settings.dsd_rate != sound.rate_hz || settings.channels != sound.channels ||

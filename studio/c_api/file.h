@@ -23,6 +23,7 @@ struct corvin_file {
   std::unique_ptr<corvin::formats::ByteSource> source;
   corvin::formats::SoundFile sound;
   std::optional<corvin::formats::SoundReader> reader;  // when there is sound to read
+  bool begun = false;                                  // sound was read
 };
 
 struct corvin_writer {
@@ -39,6 +40,10 @@ namespace corvin::studio {
 
 /// CORVIN_OK when the sound can be read.
 int status_of(formats::Readable readable);
+
+/// CORVIN_OK when a conversion can begin: CORVIN_E_STATE for sound that comes once and has come. From
+/// here on it has.
+int begin_sound(corvin_file& file);
 
 /// A host's list of files, which go together with `file`. CORVIN_E_ARGUMENT when they do not, or
 /// the status of one that cannot be read. Throws std::bad_alloc.

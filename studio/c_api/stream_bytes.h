@@ -11,6 +11,7 @@
 
 #include "corvin.h"
 #include "formats/bytes/byte_source.h"
+#include "formats/bytes/sequential_source.h"
 
 namespace corvin::studio {
 
@@ -45,6 +46,19 @@ class StreamSource : public formats::ByteSource {
  private:
   corvin_stream stream_;
   std::uint64_t size_;
+};
+
+class SequentialStreamSource : public formats::SequentialSource {
+ public:
+  explicit SequentialStreamSource(const corvin_stream& stream) : stream_(stream) {}
+
+ private:
+  std::int64_t Next(void* to, std::size_t bytes) override {
+    const std::int64_t got = stream_.read(stream_.user, to, bytes);
+    return got > 0 && static_cast<std::uint64_t>(got) > bytes ? -1 : got;
+  }
+
+  corvin_stream stream_;
 };
 
 class StreamSink : public formats::ByteSink {

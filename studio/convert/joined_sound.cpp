@@ -81,7 +81,9 @@ std::size_t JoinedSound::append(const SoundPart& part, std::size_t samples, std:
   const auto bytes = static_cast<std::size_t>(formats::BytesOf(skipped + samples));
   part.reader->Seek(first / 8);
   const std::size_t done = part.reader->Read(read_.places(), 1, bytes, false);
-  failed_ = done < bytes;
+  const bool ends = done < bytes;
+  failed_ = ends && part.reader->failed();
+  if (ends) part_ = parts_.size();
   samples = std::min(samples, 8 * done - std::min<std::size_t>(8 * done, skipped));
   for (std::size_t c = 0; c < channels_; ++c) {
     copy_samples(read_.places()[c], skipped, samples, joined_.places()[c], at);
@@ -94,14 +96,14 @@ std::size_t JoinedSound::next() {
     std::fill_n(joined_.places()[c], joined_.bytes(), silence_);
   }
   std::size_t filled = 0;  // samples
-  while (part_ < parts_.size() && filled < 8 * joined_.bytes() && !failed_) {
+  while (part_ < parts_.size() && filled < 8 * joined_.bytes()) {
     const SoundPart& part = parts_[part_];
     const auto wanted = static_cast<std::size_t>(
         std::min<std::uint64_t>(part.samples() - taken_, 8 * joined_.bytes() - filled));
     const std::size_t samples = append(part, wanted, filled);
     filled += samples;
     taken_ += samples;
-    if (taken_ < part.samples()) continue;
+    if (part_ == parts_.size() || taken_ < part.samples()) continue;
     ++part_;
     taken_ = 0;
   }

@@ -50,23 +50,23 @@ corvin_decoder_settings decoder_settings(const formats::SoundReader& source,
 class Conversion {
  public:
   Conversion(Decoder& decoder, const corvin_convert_settings& settings, const corvin_pcm_sink& sink,
-             std::size_t frame_bytes, const formats::SoundFile& file, std::uint32_t channels,
-             const Stretch& stretch)
+             formats::SoundReader& source, const Stretch& stretch)
       : decoder_(decoder),
         settings_(settings),
         sink_(sink),
-        channels_(channels),
+        source_(source),
+        channels_(source.channels()),
         stretch_(stretch),
-        layout_{file.channels, file.block_bytes},
+        layout_{source.file().channels, source.file().block_bytes},
         reached_(stretch.begin / 8),
-        frames_(std::max<std::size_t>(1, kOutputBytes / frame_bytes)),
-        out_(frames_ * frame_bytes) {}
+        frames_(std::max<std::size_t>(1, kOutputBytes / decoder.frame_bytes())),
+        out_(frames_ * decoder.frame_bytes()) {}
 
   /// In the order of the file: the rest of a block, whole blocks, what is behind them.
   int run(JoinedSound& head, ReadAhead& blocks, JoinedSound& rest) {
     int status = run(head);
     if (status == CORVIN_OK) status = run(blocks);
-    if (status == CORVIN_OK) status = run(rest);
+    if (status == CORVIN_OK && !ended_) status = run(rest);
     const bool keeps = status == CORVIN_E_READ && settings_.keep_damaged != 0;
     if (status != CORVIN_OK && !keeps) return status;
     decoder_.finish();
@@ -91,7 +91,8 @@ class Conversion {
       }
       if (!tell_progress()) return CORVIN_E_CANCELLED;
     }
-    return input.failed() ? CORVIN_E_READ : CORVIN_OK;
+    ended_ = input.failed() && source_.EndsEarly();
+    return input.failed() && !ended_ ? CORVIN_E_READ : CORVIN_OK;
   }
 
   int run(JoinedSound& sound) {
@@ -133,6 +134,8 @@ class Conversion {
   Decoder& decoder_;
   const corvin_convert_settings& settings_;
   const corvin_pcm_sink& sink_;
+  formats::SoundReader& source_;
+  bool ended_ = false;  // before it should
   std::uint32_t channels_;
   Stretch stretch_;
   formats::BlockLayout layout_;
@@ -160,8 +163,7 @@ int convert_to_pcm(formats::SoundReader& source, const Neighbours& neighbours,
       decoder->frames_of(settings.first_sample + stretch.end) - decoder->frames_of(place);
   const corvin_pcm_format format = {sizeof format,     settings.pcm_rate, source.channels(),
                                     source.Speakers(), settings.format,   frames};
-  Conversion conversion(*decoder, settings, sink, decoder->frame_bytes(), file, source.channels(),
-                        stretch);
+  Conversion conversion(*decoder, settings, sink, source, stretch);
   // Whole blocks as they stand in the file, when all channels are wanted; what pads a last one is not
   // to sound.
   const std::uint64_t begin = stretch.begin / 8;
