@@ -3,6 +3,9 @@
 //
 // corvin: the library's command line. Here is only what all commands share.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
@@ -24,6 +27,14 @@ constexpr const char* kExitCodes =
     "Exit codes: 0 done; 1 some of several inputs failed; 2 usage, which an output\n"
     "that exists is too; 3 unreadable or unsupported input; 4 write error;\n"
     "5 verification failed; 6 done, but damage was found; 128 + N ended by signal N.";
+
+// A file opened later must not come to stand for a standard stream that the caller has closed, and get
+// the words that are said on it. These refuse instead.
+void occupy_closed_streams() {
+  for (int stream = 0; stream <= 2; ++stream)
+    if (fcntl(stream, F_GETFD) < 0 && open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY) < 0)
+      _exit(corvin::cli::kWriteError);
+}
 
 int run(int argc, char** argv) {
   using namespace corvin::cli;
@@ -57,6 +68,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  occupy_closed_streams();
   // A closed pipe or a file size limit is a write error like a full disk, not a reason to die with
   // a half-written file left behind.
   std::signal(SIGPIPE, SIG_IGN);

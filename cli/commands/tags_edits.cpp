@@ -47,6 +47,7 @@ struct Edits {
   std::string from, json;  // files
   std::string output, pictures_to;
   bool overwrite = false;
+  bool force = false;
   corvin_id3_form version = CORVIN_ID3_AS_READ;
 };
 
@@ -163,7 +164,10 @@ int copy(const Edits& edits) {
 }
 
 void write_file(const std::string& path, std::string_view bytes, const Edits& edits) {
-  OutputFile file({.path = path, .input_path = edits.paths[0], .overwrite = edits.overwrite});
+  OutputFile file({.path = path,
+                   .input_path = edits.paths[0],
+                   .overwrite = edits.overwrite,
+                   .force = edits.force});
   while (!bytes.empty()) {
     const ssize_t written = ::write(file.descriptor(), bytes.data(), bytes.size());
     if (written < 0 && errno == EINTR) continue;
@@ -314,6 +318,7 @@ void add_tags_edits(CLI::App& tags, int& exit_code) {
                    "Folder that gets each picture as a file too, by the name of its file")
       ->type_name("FOLDER");
   command->add_flag("-y", edits->overwrite, "Overwrite files that exist");
+  command->add_flag("--force", edits->force, "With -y, even those that are write-protected");
   command->add_option("FILE", edits->paths, "DSD or PCM files")->required();
 
   edits = add(tags, "import", "Give files the tags that export has written", exit_code, import_tags,

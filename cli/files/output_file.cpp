@@ -4,23 +4,41 @@
 #include "cli/files/output_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <utility>
 
 #include "cli/files/interrupt.h"
+#include "cli/files/temporary_name.h"
 
 namespace corvin::cli {
+namespace {
+
+constexpr mode_t kPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
+constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+
+// The superuser may write everywhere, which does not mean that he wants to.
+bool is_write_protected(const std::string& path, const struct stat& status) {
+  return (status.st_mode & kAnyWrite) == 0 || access(path.c_str(), W_OK) != 0;
+}
+
+}  // namespace
 
 OutputFile::OutputFile(Config config) : config_(std::move(config)) {
+  struct stat input;
+  if (config_.preserve_time && stat(config_.input_path.c_str(), &input) == 0)
+    input_time_ = input.st_mtim;
+  if (config_.path == "-") {
+    open_standard_output();
+    return;
+  }
   check_target();
-  if (is_device_)
-    open_device();
+  if (as_it_is_)
+    open_as_it_is();
   else
     open_temporary();
 }
@@ -34,16 +52,25 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::commit() {
-  const int descriptor = descriptor_;
-  descriptor_ = -1;
+  const bool is_temporary = !temporary_path_.empty();
+  if (is_temporary) {
+    if (older_) give_old_mode();
+    give_input_time();
+    // Before the renaming: after a power cut the name must not stand for an empty file. Where the
+    // file system has no such thing, closing has to do.
+    if (fsync(descriptor_) != 0 && errno != EINVAL && errno != ENOTSUP) throw write_error();
+  } else if (is_seekable_) {
+    lseek(descriptor_, 0, SEEK_END);  // what others write to standard output comes behind
+  }
+  const int descriptor = std::exchange(descriptor_, -1);
   if (close(descriptor) != 0) throw write_error();  // network file systems report here
-  if (!is_device_) rename_to_target();
+  if (is_temporary) rename_to_target();
 }
 
 // ---- Details --------------------------------------------------------------------------------
 
 Failure OutputFile::refusal(ExitCode code, const std::string& why) const {
-  return {code, config_.path, why};
+  return {code, config_.path == "-" ? "standard output" : config_.path, why};
 }
 
 Failure OutputFile::write_error() const { return refusal(kWriteError, std::strerror(errno)); }
@@ -52,49 +79,86 @@ Failure OutputFile::exists_already() const {
   return refusal(kUsage, "exists already; -y overwrites it");
 }
 
+bool OutputFile::is_input(const struct stat& status) const {
+  if (config_.other_inputs && config_.other_inputs->has(status)) return true;
+  return FileIdentities({config_.input_path}).has(status);
+}
+
 void OutputFile::check_target() {
   target_ = config_.path;
   if (target_.empty()) throw refusal(kUsage, "is no file name");
-  struct stat status, input;
+  struct stat status;
   if (stat(target_.c_str(), &status) != 0) {
     if (errno != ENOENT) throw write_error();
     // A symbolic link that leads nowhere; it would be replaced itself.
     if (lstat(target_.c_str(), &status) == 0 && !config_.overwrite) throw exists_already();
     return;
   }
-  if (stat(config_.input_path.c_str(), &input) == 0 && input.st_dev == status.st_dev &&
-      input.st_ino == status.st_ino)
-    throw refusal(kUsage, "is the input itself");
-  is_device_ = S_ISCHR(status.st_mode);
-  if (is_device_) return;
+  if (is_input(status)) throw refusal(kUsage, "is an input itself; give the output another name");
+  if (S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode)) {
+    as_it_is_ = status;
+    return;
+  }
   if (S_ISDIR(status.st_mode)) throw refusal(kWriteError, "is a directory");
   if (!S_ISREG(status.st_mode)) throw refusal(kWriteError, "is not a regular file");
   if (!config_.overwrite) throw exists_already();
+  if (!config_.force && is_write_protected(target_, status))
+    throw refusal(kUsage, "is write-protected; --force overwrites it all the same");
+  older_ = status;
   const std::unique_ptr<char, void (*)(void*)> resolved(realpath(target_.c_str(), nullptr),
                                                         std::free);
   if (!resolved) throw write_error();
   target_ = resolved.get();
 }
 
-void OutputFile::open_device() {
-  descriptor_ = open(target_.c_str(), O_RDWR | O_CLOEXEC);
+void OutputFile::open_standard_output() {
+  target_ = "/dev/stdout";
+  descriptor_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  struct stat status;
+  if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) throw write_error();
+  const auto close_and = [&](const Failure& failure) {
+    close(std::exchange(descriptor_, -1));
+    return failure;
+  };
+  if (isatty(descriptor_) == 1)
+    throw close_and(refusal(kUsage, "is a terminal; send it to a file or a program"));
+  if (S_ISREG(status.st_mode) && is_input(status))
+    throw close_and(refusal(kUsage, "is an input itself"));
+  // What stands there already, or is appended to, is not ours to go back over.
+  const int flags = fcntl(descriptor_, F_GETFL);
+  is_seekable_ =
+      S_ISREG(status.st_mode) && (flags & O_APPEND) == 0 && lseek(descriptor_, 0, SEEK_CUR) == 0;
+  if (!is_seekable_ && !config_.may_be_stream)
+    throw close_and(refusal(kWriteError, "cannot be rewound to complete the header; name a file"));
+}
+
+void OutputFile::open_as_it_is() {
+  const bool is_pipe = S_ISFIFO(as_it_is_->st_mode);
+  const Failure cannot_rewind =
+      refusal(kWriteError, std::string("is a ") + (is_pipe ? "pipe" : "device") +
+                               " that cannot be rewound to complete the header");
+  if (is_pipe && !config_.may_be_stream) throw cannot_rewind;
+  descriptor_ = open(target_.c_str(), (is_pipe ? O_WRONLY : O_RDWR) | O_CLOEXEC);
   if (descriptor_ < 0) throw write_error();
-  if (lseek(descriptor_, 0, SEEK_CUR) >= 0) return;
-  close(descriptor_);
-  throw refusal(kWriteError, "is a device that cannot be rewound to complete the header");
+  is_seekable_ = lseek(descriptor_, 0, SEEK_CUR) >= 0;
+  if (is_seekable_ || config_.may_be_stream) return;
+  close(std::exchange(descriptor_, -1));
+  throw cannot_rewind;
 }
 
 void OutputFile::open_temporary() {
-  const size_t slash = target_.rfind('/');
-  const std::string directory = slash == std::string::npos ? "" : target_.substr(0, slash + 1);
+  const TemporaryName name(target_);
+  name.remove_stale();
+  // Of a new file the permissions are those of any other, which mkstemp() would not give. What
+  // replaces a file that others cannot read must not be open to them meanwhile.
+  const mode_t mode =
+      older_ ? S_IRUSR | S_IWUSR : S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
   const InterruptsHeld held;
-  // The name does not contain the output's: that may already be as long as a name can be. A plain
-  // open() gives the file the permissions of any other new file, which mkstemp() would not.
   for (int attempt = 0; attempt < 1000; ++attempt) {
-    const std::string path =
-        directory + ".corvin-" + std::to_string(getpid()) + "-" + std::to_string(attempt) + ".part";
-    descriptor_ = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const std::string path = name.path(attempt);
+    descriptor_ = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor_ >= 0) {
+      lock_temporary(descriptor_);
       temporary_path_ = path;
       remove_on_interrupt(path);
       return;
@@ -102,6 +166,22 @@ void OutputFile::open_temporary() {
     if (errno != EEXIST) break;
   }
   throw write_error();
+}
+
+// What is not allowed is left as it is for a new file.
+void OutputFile::give_old_mode() const {
+  mode_t mode = older_->st_mode & kPermissions;
+  const bool is_group_kept = fchown(descriptor_, older_->st_uid, older_->st_gid) == 0 ||
+                             fchown(descriptor_, static_cast<uid_t>(-1), older_->st_gid) == 0;
+  // Another group gets no more than everybody.
+  if (!is_group_kept) mode &= ~static_cast<mode_t>(S_IRWXG) | (mode & S_IRWXO) << 3;
+  if (fchmod(descriptor_, mode) != 0) throw write_error();
+}
+
+void OutputFile::give_input_time() const {
+  if (!input_time_) return;
+  const timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, *input_time_};
+  if (futimens(descriptor_, times) != 0) throw write_error();
 }
 
 void OutputFile::rename_to_target() {

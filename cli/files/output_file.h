@@ -2,15 +2,21 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // The file a command makes: written beside its name under a temporary one and renamed when it is
-// complete, so that the name never stands for half a file. Whatever ends the tool before that (an
-// error, an interrupt) leaves nothing behind and an older file of that name as it was. Any number of
-// them at once, on any threads.
+// complete and on the disk, so that the name never stands for half a file. Whatever ends the tool
+// before that (an error, an interrupt) leaves nothing behind and an older file of that name as it was.
+// Standard output ("-"), devices and pipes are written to as they are. Any number of them at once, on
+// any threads.
 
 #ifndef CORVIN_CLI_FILES_OUTPUT_FILE_H_
 #define CORVIN_CLI_FILES_OUTPUT_FILE_H_
 
+#include <sys/stat.h>
+
+#include <memory>
+#include <optional>
 #include <string>
 
+#include "cli/files/file_identities.h"
 #include "cli/words/failure.h"
 
 namespace corvin::cli {
@@ -18,12 +24,17 @@ namespace corvin::cli {
 class OutputFile {
  public:
   struct Config {
-    std::string path;
+    std::string path;        // "-" for standard output
     std::string input_path;  // the file that must not be overwritten in any case
-    bool overwrite = false;
+    bool overwrite =
+        false;           // replaces an older file, and keeps its mode and, if allowed, its owner
+    bool force = false;  // even one that is write-protected
+    bool preserve_time = false;  // the file gets the input's time of modification
+    bool may_be_stream = false;  // whoever writes can do without going back: pipes are no failure
+    std::shared_ptr<const FileIdentities> other_inputs = {};  // not to be overwritten either
   };
 
-  /** Opens the file for writing, a character device as it is. Throws Failure, like commit(). */
+  /** Opens the file for writing. A named pipe waits for its reader. Throws Failure, like commit(). */
   explicit OutputFile(Config config);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
@@ -32,8 +43,12 @@ class OutputFile {
   /** The open file, to be left open. */
   int descriptor() const { return descriptor_; }
 
+  /** Whether it can be written to anywhere, from its beginning at offset 0. False only with
+   *  may_be_stream: then it takes write() alone, in order. */
+  bool is_seekable() const { return is_seekable_; }
+
   /** Its name until commit(), for those who open it themselves. */
-  const std::string& path() const { return is_device_ ? target_ : temporary_path_; }
+  const std::string& path() const { return temporary_path_.empty() ? target_ : temporary_path_; }
 
   /** Closes the file and gives it its name. */
   void commit();
@@ -42,15 +57,22 @@ class OutputFile {
   Failure write_error() const;
   Failure exists_already() const;
   Failure refusal(ExitCode code, const std::string& why) const;
+  bool is_input(const struct stat& status) const;
   void check_target();
-  void open_device();
+  void open_standard_output();
+  void open_as_it_is();
   void open_temporary();
+  void give_old_mode() const;
+  void give_input_time() const;
   void rename_to_target();
 
   Config config_;
-  std::string target_;          // config_.path with symbolic links followed
-  std::string temporary_path_;  // empty when there is none to remove
-  bool is_device_ = false;
+  std::string target_;                   // config_.path with symbolic links followed
+  std::string temporary_path_;           // empty when there is none to remove
+  std::optional<struct stat> as_it_is_;  // of a device or pipe
+  std::optional<struct stat> older_;     // of the file to be replaced
+  std::optional<timespec> input_time_;
+  bool is_seekable_ = true;
   int descriptor_ = -1;
 };
 

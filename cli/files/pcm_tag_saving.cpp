@@ -199,7 +199,7 @@ void save_pcm_tags(const std::string& path, PcmKind kind, const TagSet& tags,
                    corvin_id3_form form) {
   const Source from(path);
   const std::vector<std::byte> bytes = tag_bytes(kind, tags, form);
-  OutputFile to({.path = path, .input_path = "", .overwrite = true});
+  OutputFile to({.path = path, .input_path = "", .overwrite = true, .force = true});
   if (kind == PcmKind::kFlac)
     save_blocks(from, path, to, tags);
   else if (kind == PcmKind::kWavPack)

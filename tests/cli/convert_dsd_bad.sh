@@ -67,7 +67,7 @@ make_wav long.wav 60
 env --default-signal corvin convert long.wav -o out/out.dsf -y &
 tool=$!
 for _ in $(seq 600); do
-  find out -name '.corvin-*' -size +64k | grep -q . && break
+  find out -name '.*.corvin-*' -size +64k | grep -q . && break
   sleep 0.02
 done
 kill -INT $tool
