@@ -67,6 +67,9 @@ void add_files(CLI::App& command, ConvertOptions& options) {
             "default flac for DSD and dsf for PCM")
       ->type_name("KIND");
   command.add_flag("-y,--overwrite", options.overwrite, "Replace outputs that exist");
+  command.add_flag("--force", options.force, "With -y, even those that are write-protected");
+  command.add_flag("--preserve-time", options.preserve_time,
+                   "Give outputs the time at which their inputs were changed last");
   command
       .add_option("-j,--jobs", options.jobs,
                   "Inputs to convert at once; by default as many as there are processors")

@@ -48,6 +48,8 @@ struct ConvertOptions {
   bool verify = false;
   bool strict = false;
   bool overwrite = false;
+  bool force = false;
+  bool preserve_time = false;
 };
 
 /** Adds the options to `command`. Parsing fills `options`, which must outlive it. */

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "cli/files/dsd_input.h"
@@ -113,10 +114,13 @@ std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options) {
     throw Failure(kUsage, "--output",
                   "names one file, for " + std::to_string(inputs.size()) +
                       " inputs; -O names a directory for them");
+  const auto identities = std::make_shared<FileIdentities>();
+  for (const Input& input : inputs) identities->add(input.path);
   std::vector<PlannedConversion> all;
   for (const Input& input : inputs) {
     PlannedConversion planned;
     planned.input = input;
+    planned.all_inputs = identities;
     try {
       look_at(planned);
       planned.kind = asked            ? *asked

@@ -8,12 +8,14 @@
 #define CORVIN_CLI_COMMANDS_CONVERT_PLAN_H_
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/batch/inputs.h"
 #include "cli/commands/convert_options.h"
+#include "cli/files/file_identities.h"
 #include "cli/files/output_kind.h"
 #include "cli/words/failure.h"
 
@@ -28,6 +30,7 @@ struct PlannedConversion {
 
   OutputKind kind = PcmKind::kFlac;
   std::string output;
+  std::shared_ptr<const FileIdentities> all_inputs;  // of the command; no output replaces one
   bool goes_on = false;  // the next conversion's input follows this one's in the same recording
   std::optional<Failure> failure;  // why it cannot begin
 };

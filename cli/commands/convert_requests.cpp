@@ -53,7 +53,12 @@ void refuse_studio_options(const ConvertOptions& options) {
 // ---- Parts of requests ----------------------------------------------------------------------
 
 OutputFile::Config output_file(const ConvertOptions& options, const PlannedConversion& planned) {
-  return {.path = planned.output, .input_path = planned.input.path, .overwrite = options.overwrite};
+  return {.path = planned.output,
+          .input_path = planned.input.path,
+          .overwrite = options.overwrite,
+          .force = options.force,
+          .preserve_time = options.preserve_time,
+          .other_inputs = planned.all_inputs};
 }
 
 // Progress and files are the ways' own; what was not given keeps the library's default.

@@ -14,7 +14,7 @@ void print_summary(const std::string& path, std::initializer_list<std::string> p
   std::string line;
   for (const std::string& part : parts)
     if (!part.empty()) line += (line.empty() ? "" : ", ") + part;
-  say_line(path + ": " + line);
+  say_line((path == "-" ? "standard output" : path) + ": " + line);
 }
 
 Failure no_convertible_sound(const std::string& path) {

@@ -15,7 +15,7 @@
 
 namespace corvin::cli {
 
-/** Says "out.wav: 96000 Hz, 24 bits, ..." on standard error, as the file itself may go to standard
+/** Says "out.wav: 96000 Hz, 24 bits, ...", of "-" as standard output, on standard error, as the file itself may go to standard
  *  output; empty parts are left out. */
 void print_summary(const std::string& path, std::initializer_list<std::string> parts);
 

@@ -74,3 +74,23 @@ list | grep -c part
 quietly corvin convert in.dsf -o $name -f wav
 echo "exit $?"
 list | grep -c part || true
+
+# No input of several is an output, through whatever link; the others are converted.
+mkdir album
+make_dsd dsf album/1.dsf 0.01
+make_dsd dsf album/2.dsf 0.01
+ln album/2.dsf album/1.flac
+try quietly corvin convert album/1.dsf album/2.dsf -O album -y
+cmp album/2.dsf album/1.flac
+list album
+
+# The time of the input, or of now.
+touch -d "2001-02-03 04:05:06.789" in.dsf
+for option in --preserve-time --overwrite; do
+  quietly corvin convert in.dsf -o timed.wav -y $option
+  [ timed.wav -nt in.dsf ] && echo newer
+  [ timed.wav -ot in.dsf ] && echo older
+done
+chmod 444 timed.wav
+try corvin convert in.dsf -o timed.wav -y
+try quietly corvin convert in.dsf -o timed.wav -y --force
