@@ -55,19 +55,27 @@ std::uint32_t MostChannels(ContainerKind kind) {
   return kind == kDsf ? 6 : kind == kUnknown ? 0 : kMaxChannels;
 }
 
-SoundWriter::SoundWriter(ByteSink& sink, const SoundFormat& format)
+SoundWriter::SoundWriter(ByteSink& sink, const SoundFormat& format, const ContainerTags& tags)
     : sink_(sink),
       format_(format),
+      tags_(tags),
       layout_{format.channels, format.kind == kDsf ? kDsfBlockBytes : 1},
       lsb_first_(format.kind == kDsf),
       buffer_(kHeldBytes * format.channels) {
   if (format_.speakers == 0) format_.speakers = UsualSpeakers(format.channels);
 }
 
-bool SoundWriter::Start() {
-  const std::vector<std::uint8_t> header = Header(0, 0);
-  offset_ = header.size();
+bool SoundWriter::Start() { return IsKnown() || WriteHeader(0, 0); }
+
+bool SoundWriter::WriteHeader(std::uint64_t samples, std::uint64_t tag_bytes) {
+  const std::vector<std::uint8_t> header = Header(samples, tag_bytes);
+  offset_ = std::max<std::uint64_t>(offset_, header.size());
   return sink_.Write(0, header.data(), header.size());
+}
+
+std::uint64_t SoundWriter::room() const {
+  if (!IsKnown()) return UINT64_MAX;
+  return WholeBlocks(AllChannelBytes()) - channel_bytes_;
 }
 
 std::uint8_t& SoundWriter::Held(std::size_t channel, std::size_t byte) {
@@ -76,6 +84,8 @@ std::uint8_t& SoundWriter::Held(std::size_t channel, std::size_t byte) {
 
 bool SoundWriter::Write(const std::uint8_t* const* in, std::size_t stride, std::size_t bytes,
                         bool lsb_first) {
+  if (bytes > room()) return false;
+  if (offset_ == 0 && !WriteHeader(format_.samples, TagBytes().size())) return false;
   for (std::size_t done = 0; done < bytes;) {
     // Only now, so that the last byte stays at hand until it is known to be the last.
     if (held_ == kHeldBytes && !Flush(held_)) return false;
@@ -100,7 +110,7 @@ bool SoundWriter::Flush(std::size_t bytes) {
   return true;
 }
 
-bool SoundWriter::Finish(std::uint64_t samples, const ContainerTags& tags, bool goes_on) {
+bool SoundWriter::Finish(std::uint64_t samples, bool goes_on) {
   const auto whole = static_cast<std::size_t>(WholeBlocks(held_));
   for (std::size_t c = 0; c < format_.channels && held_ > 0; ++c) {
     if (!goes_on) SilenceBehind(samples, lsb_first_, Held(c, held_ - 1));
@@ -109,14 +119,22 @@ bool SoundWriter::Finish(std::uint64_t samples, const ContainerTags& tags, bool 
   }
   if (!Flush(whole)) return false;
 
-  std::vector<std::uint8_t> end;
-  if (format_.kind == kDsf) end = tags.id3;
-  if (format_.kind == kDsdiff) end = DsdiffTagChunks(tags);
+  std::vector<std::uint8_t> end = TagBytes();
   const std::size_t tag_bytes = end.size();
   if (format_.kind == kDsdiff && SoundBytes() % 2 != 0) end.insert(end.begin(), 0);
   if (!end.empty() && !sink_.Write(offset_, end.data(), end.size())) return false;
-  const std::vector<std::uint8_t> header = Header(samples, tag_bytes);
-  return sink_.Write(0, header.data(), header.size());
+  return IsKnown() || WriteHeader(samples, tag_bytes);
+}
+
+// None for kOneBit.
+std::vector<std::uint8_t> SoundWriter::TagBytes() const {
+  if (format_.kind == kDsf) return tags_.id3;
+  return format_.kind == kDsdiff ? DsdiffTagChunks(tags_) : std::vector<std::uint8_t>();
+}
+
+// Of each channel in the end, as far as that is known.
+std::uint64_t SoundWriter::AllChannelBytes() const {
+  return IsKnown() ? BytesOf(format_.samples) : channel_bytes_;
 }
 
 std::uint64_t SoundWriter::WholeBlocks(std::uint64_t bytes) const {
@@ -125,7 +143,7 @@ std::uint64_t SoundWriter::WholeBlocks(std::uint64_t bytes) const {
 
 // Padding included.
 std::uint64_t SoundWriter::SoundBytes() const {
-  return WholeBlocks(channel_bytes_) * format_.channels;
+  return WholeBlocks(AllChannelBytes()) * format_.channels;
 }
 
 std::vector<std::uint8_t> SoundWriter::Header(std::uint64_t samples,
@@ -176,7 +194,7 @@ std::vector<std::uint8_t> SoundWriter::DsdiffHeader(std::uint64_t tag_bytes) con
 
 std::vector<std::uint8_t> SoundWriter::OneBitHeader() const {
   const std::uint64_t end = kOneBitHeaderBytes + SoundBytes();
-  const std::uint64_t seconds = (channel_bytes_ * 8 + format_.rate_hz - 1) / format_.rate_hz;
+  const std::uint64_t seconds = (AllChannelBytes() * 8 + format_.rate_hz - 1) / format_.rate_hz;
   Fields out(ByteOrder::kBig);
   out.Text("1bit").Number(0, 4).Number(0x10000000, 4);
   out.Number(end & 0xffffffff, 4).Number(end >> 32, 4);  // the low word first

@@ -52,7 +52,7 @@ typedef enum corvin_sample_format {
   CORVIN_F64 = 4,
   CORVIN_S20 =
       5 /**< 20 bits in three bytes: those of CORVIN_S24 with the low four zero. Read as that,
-                      whatever these are */
+             whatever these are */
 } corvin_sample_format;
 
 typedef enum corvin_bit_order {
@@ -69,7 +69,7 @@ typedef enum corvin_dither {
   CORVIN_DITHER_NONE = 0,
   CORVIN_DITHER_TPDF = 1,  /**< triangular, two steps wide; integer formats only, else ignored */
   CORVIN_DITHER_SHAPED = 2 /**< triangular with its noise moved to where the ear hears least; begins
-                              anew every 16384 frames of the whole */
+                                anew every 16384 frames of the whole */
 } corvin_dither;
 
 /** Sound around a stretch that is pushed along with it, for the filters to hear in place of silence.
@@ -274,7 +274,7 @@ typedef struct corvin_quantizer_settings {
   uint64_t seed;        /**< of the dither. Default 0 */
   uint64_t
       first_frame; /**< where in a whole the first frame stands, on which the dither hangs; up to
-                             2^60. Default 0 */
+                        2^60. Default 0 */
   double gain_db;  /**< -120..60. Default 0 */
   uint64_t reserved[6]; /**< 0 */
 } corvin_quantizer_settings;

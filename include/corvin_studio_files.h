@@ -193,11 +193,13 @@ typedef struct corvin_writer_settings {
   uint32_t channels;  /**< 1..6 for DSF, 1..64 for DSDIFF and "1bit". Default 2 */
   uint32_t bit_order; /**< corvin_bit_order of what is handed in. Default CORVIN_MSB_FIRST */
   uint32_t speakers;  /**< mask of as many bits as channels; 0: the usual ones, up to six channels.
-                            corvin_container_names_speakers() tells which a file can name. DSDIFF
-                            leaves those open that it cannot, "1bit" of more than two channels all;
-                            else what would read as another mask is refused. Default 0 */
+                           corvin_container_names_speakers() tells which a file can name. DSDIFF
+                           leaves those open that it cannot, "1bit" of more than two channels all;
+                           else what would read as another mask is refused. Default 0 */
   uint32_t reserved0; /**< 0 */
-  uint64_t reserved[8]; /**< 0 */
+  uint64_t samples;   /**< per channel, that will come; 0: not known. With a number all is written
+                           once and in order, the header with the first sound. Default 0 */
+  uint64_t reserved[7]; /**< 0 */
 } corvin_writer_settings;
 
 /** A DSD file being written. */
@@ -224,8 +226,9 @@ CORVIN_API int corvin_container_names_speakers(uint32_t container, uint32_t spea
 CORVIN_API int corvin_writer_create(const char* path, const corvin_writer_settings* settings,
                                     corvin_writer** writer);
 
-/** The same on a host's callbacks, of which `seek` and `write` are needed. The header is written
- *  first and once more at the end. Since 0.1. */
+/** The same on a host's callbacks, of which `write` is needed, and `seek` unless the settings have
+ *  `samples`. Without such a number the header is written first and once more at the end, and a `seek`
+ *  of NULL is CORVIN_E_ARGUMENT. Since 0.1. */
 CORVIN_API int corvin_writer_create_stream(const corvin_stream* stream,
                                            const corvin_writer_settings* settings,
                                            corvin_writer** writer);
@@ -233,8 +236,8 @@ CORVIN_API int corvin_writer_create_stream(const corvin_stream* stream,
 /** Appends sound, one byte of each channel in turn.
  *  @param data   bytes x channels bytes
  *  @param bytes  of each channel
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish; CORVIN_E_WRITE, also in
- *           every call after one that failed
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT; CORVIN_E_STATE after finish, and for more than the `samples`
+ *           of the settings take; CORVIN_E_WRITE, also in every call after one that failed
  *  Since 0.1. */
 CORVIN_API int corvin_writer_write(corvin_writer* writer, const void* data, size_t bytes);
 
@@ -243,14 +246,15 @@ CORVIN_API int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* 
                                           size_t bytes);
 
 /** Sets the tags that finish will write, as an ID3v2.3 block; "1bit" files have none.
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_STATE after finish, and after the
+ *           first sound when the settings have `samples`
  *  Since 0.1. */
 CORVIN_API int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag);
 
 /** Sets the tags that finish will write: an ID3v2 block, and in DSDIFF files title and artist as
  *  edited master information too. `tags` are not needed any more afterwards.
  *  @param form  corvin_id3_form
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY, CORVIN_E_STATE after finish;
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_MEMORY; CORVIN_E_STATE as there;
  *           CORVIN_E_UNSUPPORTED, and there will be no tags, for "1bit" files unless the tags are
  *           without content, and for more than the 256 MiB that a block can state
  *  Since 0.1. */
@@ -261,7 +265,8 @@ CORVIN_API int corvin_writer_set_all_tags(corvin_writer* writer, const corvin_ta
  *  @param samples  per channel: above 8 x (bytes - 1) and up to 8 x bytes of the bytes written of
  *                  each channel. DSF states the number; DSDIFF and "1bit" know bytes only, the last
  *                  of which is filled up with silence
- *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_STATE after finish, CORVIN_E_WRITE
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT, CORVIN_E_WRITE; CORVIN_E_STATE after finish, and when the
+ *           settings have another number: what is written cannot be completed then
  *  Since 0.1. */
 CORVIN_API int corvin_writer_finish(corvin_writer* writer, uint64_t samples);
 
@@ -299,7 +304,7 @@ typedef struct corvin_convert_settings {
   uint32_t phase;       /**< corvin_phase. Default CORVIN_LINEAR_PHASE */
   uint32_t modulator;   /**< corvin_modulator. Default CORVIN_MODULATOR_HIGH */
   uint32_t threads;     /**< worker threads, 0..64, and one more that reads ahead; 0: all on the
-                              caller's. Default 0 */
+                             caller's. Default 0 */
   uint32_t kernel_mask; /**< Default all bits */
   uint64_t seed;        /**< Default 0 */
   double pass_hz;       /**< Default 0 */
@@ -319,7 +324,7 @@ typedef struct corvin_convert_settings {
                               Default 0 */
   uint64_t
       begin_sample; /**< of the source, with which the stretch to convert begins, be it within a
-                              byte. Default 0 */
+                         byte. Default 0 */
   uint64_t sample_count; /**< of the stretch, which ends at the source's end or before; 0: all from
                               begin_sample on. Default 0 */
   /** channel_map[channel_map_count]: channel k of the output is the source's channel
@@ -383,7 +388,7 @@ typedef struct corvin_convert_report {
   double gain_db;     /**< that was applied */
   uint64_t finished;  /**< writers that became files */
   uint64_t missing; /**< samples per channel of the stretch that were not read and, when it goes to
-                           the file's end, those that the file states and does not have */
+                         the file's end, those that the file states and does not have */
   uint64_t reserved[6];
 } corvin_convert_report;
 
@@ -441,8 +446,9 @@ CORVIN_API int corvin_convert_to_pcm(corvin_file* source, const corvin_convert_s
  *  @return  CORVIN_OK; CORVIN_E_ARGUMENT (also when the channels differ, or the settings tell of
  *           neighbours, a place in a whole, a stretch or a map), CORVIN_E_MEMORY, CORVIN_E_THREAD;
  *           CORVIN_E_UNSUPPORTED when there is no plan for the rates;
- *           CORVIN_E_STATE when the writer has sound already; CORVIN_E_READ when the source failed;
- *           CORVIN_E_WRITE, CORVIN_E_CANCELLED. After a failure the writer is not finished
+ *           CORVIN_E_STATE when the writer has sound already, and at the end when it was to have
+ *           more samples, CORVIN_E_WRITE when it was to have fewer; CORVIN_E_READ when the source
+ *           failed; CORVIN_E_WRITE, CORVIN_E_CANCELLED. After a failure the writer is not finished
  *  Memory does not depend on the length. Since 0.1. */
 CORVIN_API int corvin_convert_to_dsd(const corvin_pcm_source* source, corvin_writer* target,
                                      const corvin_convert_settings* settings,
@@ -504,8 +510,9 @@ CORVIN_API int corvin_convert_dsd_rate(corvin_file* source, corvin_writer* targe
  *  @param settings  progress, stretch, map and `keep_damaged` count; NULL: none
  *  @return  CORVIN_OK, CORVIN_E_ARGUMENT (also when rate or channels differ, stretch or map do not
  *           fit, or the settings tell of neighbours or a place in a whole), CORVIN_E_MEMORY,
- *           CORVIN_E_STATE when the writer has sound already; the `readable` of the file's info;
- *           CORVIN_E_READ, CORVIN_E_WRITE, CORVIN_E_CANCELLED: the writer is not finished, but
+ *           CORVIN_E_STATE when the writer has sound already or is to have another number of
+ *           samples; the `readable` of the file's info; CORVIN_E_READ, CORVIN_E_WRITE,
+ *           CORVIN_E_CANCELLED: the writer is not finished, but
  *           after CORVIN_E_READ with `keep_damaged`
  *  Since 0.1. */
 CORVIN_API int corvin_convert_copy(corvin_file* source, corvin_writer* target,

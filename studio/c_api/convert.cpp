@@ -99,6 +99,11 @@ int reported(corvin_convert_report* report, Conversion conversion) {
   return status;
 }
 
+// Whether a writer is to have this number of samples, or any.
+bool expects(const corvin_writer& writer, std::uint64_t samples) {
+  return writer.settings.samples == 0 || writer.settings.samples == samples;
+}
+
 bool has_sound(const corvin_writer& writer) {
   return writer.finished || writer.sound->channel_bytes() != 0;
 }
@@ -269,7 +274,10 @@ int corvin_convert_copy(corvin_file* source, corvin_writer* target,
         target->settings.channels != source->reader->channels()) {
       return static_cast<int>(CORVIN_E_ARGUMENT);
     }
-    if (corvin::studio::has_sound(*target)) return static_cast<int>(CORVIN_E_STATE);
+    if (corvin::studio::has_sound(*target) ||
+        !corvin::studio::expects(*target, part.stretch().samples())) {
+      return static_cast<int>(CORVIN_E_STATE);
+    }
     status = corvin::studio::begin_sound(*source);
     if (status != CORVIN_OK) return status;
     std::uint64_t samples = 0;

@@ -53,7 +53,8 @@ int adopt_sounds(corvin_file* const* files, std::size_t count, const formats::So
 /// Whether there is so much sound before a whole's sample `first_sample`.
 bool fits_before(const Sounds& previous, std::uint64_t first_sample);
 
-/// Completes the file of a writer that can be finished, as formats::SoundWriter does.
+/// Completes the file of a writer that can be finished, as formats::SoundWriter does. CORVIN_E_STATE,
+/// and nothing is done, when it was to have another number of samples.
 int finish(corvin_writer& writer, std::uint64_t samples, bool goes_on);
 
 }  // namespace corvin::studio

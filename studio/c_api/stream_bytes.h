@@ -66,11 +66,15 @@ class StreamSink : public formats::ByteSink {
   explicit StreamSink(const corvin_stream& stream) : stream_(stream) {}
 
   bool Write(std::uint64_t offset, const void* from, std::size_t bytes) override {
-    return stream_.seek(stream_.user, offset) == 0 && stream_.write(stream_.user, from, bytes) == 0;
+    const bool there =
+        stream_.seek != nullptr ? stream_.seek(stream_.user, offset) == 0 : offset == written_;
+    written_ = offset + bytes;
+    return there && stream_.write(stream_.user, from, bytes) == 0;
   }
 
  private:
   corvin_stream stream_;
+  std::uint64_t written_ = 0;
 };
 
 }  // namespace corvin::studio

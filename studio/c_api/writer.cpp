@@ -37,8 +37,9 @@ int check(const corvin_writer_settings* settings, corvin_writer_settings& known)
 int start(std::unique_ptr<corvin_writer> writer, corvin_writer** made) {
   const corvin_writer_settings& settings = writer->settings;
   const formats::SoundFormat format = {static_cast<ContainerKind>(settings.container),
-                                       settings.dsd_rate, settings.channels, settings.speakers};
-  writer->sound.emplace(*writer->sink, format);
+                                       settings.dsd_rate, settings.channels, settings.speakers,
+                                       settings.samples};
+  writer->sound.emplace(*writer->sink, format, writer->tags);
   if (!writer->sound->Start()) return CORVIN_E_WRITE;
   *made = writer.release();
   return CORVIN_OK;
@@ -46,7 +47,7 @@ int start(std::unique_ptr<corvin_writer> writer, corvin_writer** made) {
 
 int write(corvin_writer& writer, const std::uint8_t* const* places, std::size_t stride,
           std::size_t bytes) {
-  if (writer.finished) return CORVIN_E_STATE;
+  if (writer.finished || bytes > writer.sound->room()) return CORVIN_E_STATE;
   const bool lsb_first = writer.settings.bit_order == CORVIN_LSB_FIRST;
   writer.failed = writer.failed || !writer.sound->Write(places, stride, bytes, lsb_first);
   return writer.failed ? CORVIN_E_WRITE : CORVIN_OK;
@@ -54,10 +55,16 @@ int write(corvin_writer& writer, const std::uint8_t* const* places, std::size_t 
 
 }  // namespace
 
+bool takes_tags(const corvin_writer& writer) {
+  const bool is_stated = writer.settings.samples != 0 && writer.sound->channel_bytes() != 0;
+  return !writer.finished && !is_stated;
+}
+
 int finish(corvin_writer& writer, std::uint64_t samples, bool goes_on) {
+  if (writer.settings.samples != 0 && samples != writer.settings.samples) return CORVIN_E_STATE;
   return guarded([&] {
     writer.finished = true;
-    writer.failed = !writer.sound->Finish(samples, writer.tags, goes_on) ||
+    writer.failed = !writer.sound->Finish(samples, goes_on) ||
                     (writer.new_file != nullptr && !writer.new_file->Commit());
     return writer.failed ? CORVIN_E_WRITE : CORVIN_OK;
   });
@@ -108,12 +115,13 @@ int corvin_writer_create_stream(const corvin_stream* stream, const corvin_writer
   if (writer == nullptr) return CORVIN_E_ARGUMENT;
   *writer = nullptr;
   corvin_stream known;
-  if (!corvin::studio::adopt(stream, known) || known.seek == nullptr || known.write == nullptr) {
+  if (!corvin::studio::adopt(stream, known) || known.write == nullptr) {
     return CORVIN_E_ARGUMENT;
   }
   return corvin::studio::guarded([&] {
     auto made = std::make_unique<corvin_writer>();
-    const int status = corvin::studio::check(settings, made->settings);
+    int status = corvin::studio::check(settings, made->settings);
+    if (known.seek == nullptr && made->settings.samples == 0) status = CORVIN_E_ARGUMENT;
     if (status != CORVIN_OK) return status;
     made->sink = std::make_unique<corvin::studio::StreamSink>(known);
     return corvin::studio::start(std::move(made), writer);
@@ -138,7 +146,7 @@ int corvin_writer_write_planar(corvin_writer* writer, const uint8_t* const* chan
 
 int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag) {
   if (writer == nullptr || tag == nullptr) return CORVIN_E_ARGUMENT;
-  if (writer->finished) return CORVIN_E_STATE;
+  if (!corvin::studio::takes_tags(*writer)) return CORVIN_E_STATE;
   return corvin::studio::guarded([&] {
     writer->tags = {};
     writer->tags.id3 = corvin::formats::MakeId3Block(*tag);
@@ -148,7 +156,7 @@ int corvin_writer_set_tags(corvin_writer* writer, const DSD_TAG* tag) {
 
 int corvin_writer_set_all_tags(corvin_writer* writer, const corvin_tags* tags, uint32_t form) {
   if (writer == nullptr || tags == nullptr) return CORVIN_E_ARGUMENT;
-  if (writer->finished) return CORVIN_E_STATE;
+  if (!corvin::studio::takes_tags(*writer)) return CORVIN_E_STATE;
   return corvin::studio::guarded([&]() -> int {
     writer->tags = {};
     if (writer->settings.container == CORVIN_ONE_BIT) {

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The Corvin developers
 //
 // Files that cannot seek: what is read from them once, in order, is what the same file holds on a
-// disk, up to where it ends.
+// disk, up to where it ends; and what is written to them.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -180,6 +180,59 @@ TEST(Sequential, FifosAreRead) {
     EXPECT_EQ(file.read(&rest, 1), 0u);
   }
   writer.join();
+}
+
+TEST(Sequential, KnownLengthsAreWrittenInOneGo) {
+  Random random(83);
+  TagSet tags;
+  tags.set("TITLE", "Title");
+  for (const corvin_container container : kContainers) {
+    for (const std::uint64_t samples : {1u, 8u, 800003u}) {
+      SCOPED_TRACE(::testing::Message() << container << ", " << samples);
+      const Bytes sound = random.bytes((samples + 7) / 8 * 3);
+      const auto written = [&](MemoryStream& target, const corvin_stream& stream,
+                               std::uint64_t announced) {
+        WriterSettings settings = writer_settings(container, 3);
+        settings.samples = announced;
+        Writer writer(stream, settings);
+        if (container != CORVIN_ONE_BIT) writer.set_all_tags(tags);
+        for (std::size_t at = 0; at < sound.size(); at += 3 * 5000) {
+          writer.write(sound.data() + at, std::min<std::size_t>(5000, (sound.size() - at) / 3));
+        }
+        writer.finish(samples);
+        return target.bytes;
+      };
+      MemoryStream seekable;
+      const Bytes expected = written(seekable, seekable.callbacks(), 0);
+      MemoryStream again;
+      EXPECT_TRUE(written(again, again.callbacks(), samples) == expected);
+      Pipe pipe({});
+      EXPECT_TRUE(written(pipe, pipe.callbacks(), samples) == expected);
+      EXPECT_EQ(status_of([&] { written(pipe, pipe.callbacks(), 0); }), CORVIN_E_ARGUMENT);
+
+      MemoryFile file(expected);
+      WriterSettings settings = writer_settings(CORVIN_DSF, 3);
+      settings.samples = file.info().samples;
+      Pipe copy({});
+      Writer writer(copy.callbacks(), settings);
+      convert_copy(file, writer);
+      EXPECT_TRUE(copy.bytes == copied(file, {}));
+      ++settings.samples;
+      Writer other(copy.callbacks(), settings);
+      EXPECT_EQ(status_of([&] { convert_copy(file, other); }), CORVIN_E_STATE);
+    }
+  }
+  WriterSettings settings = writer_settings(CORVIN_DSDIFF, 1);
+  settings.samples = 24;
+  Pipe pipe({});
+  Writer writer(pipe.callbacks(), settings);
+  writer.write("12", 2);
+  EXPECT_EQ(status_of([&] { writer.set_all_tags(tags); }), CORVIN_E_STATE);
+  EXPECT_EQ(status_of([&] { writer.write("12", 2); }), CORVIN_E_STATE);
+  EXPECT_EQ(status_of([&] { writer.finish(16); }), CORVIN_E_STATE);
+  writer.write("3", 1);
+  writer.finish(24);
+  EXPECT_EQ(PipeFile(pipe.bytes).info().samples, 24u);
 }
 
 TEST(Sequential, RefusesWhatNeedsTheEndOrTheMiddle) {
