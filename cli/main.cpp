@@ -7,15 +7,20 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/help_format.h"
 #include "cli/commands/manner_options.h"
+#include "cli/commands/suggestion.h"
 #include "cli/files/interrupt.h"
 #include "cli/words/failure.h"
 #include "cli/words/said.h"
@@ -44,15 +49,29 @@ int run(int argc, char** argv) {
                        "Print the version and exit");
   app.require_subcommand(1);
   app.footer(kExitCodes);
+  app.formatter(std::make_shared<HelpFormat>());
   for (AddCommand* add : kCommands) add(app, exit_code);
   add_manner_options(app);
+  // "corvin help CMD" is "corvin CMD --help".
+  std::vector<std::string> words(argv + 1, argv + argc);
+  if (!words.empty() && words[0] == "help") {
+    words.erase(words.begin());
+    words.emplace_back("--help");
+  }
+  if (words.empty()) {
+    say(app.help());
+    return kUsage;
+  }
   try {
-    app.parse(argc, argv);
+    std::reverse(words.begin(), words.end());  // the parser takes them from the end
+    app.parse(words);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
       app.exit(error);  // prints the help or the version
     } else {
       say_line(std::string("corvin: ") + error.what());
+      const std::string meant = suggestion_for(app, app.remaining(true));
+      if (!meant.empty()) say_line("corvin: " + meant);
       say_line("See corvin --help.");
       exit_code = kUsage;
     }

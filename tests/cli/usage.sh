@@ -4,9 +4,17 @@
 make_dsd dsf in.dsf 0.01
 try corvin --version
 corvin --help | grep -o "^ *info\|^ *convert\|ended by signal N"
-corvin convert --help | grep -o "by default 88200\|by default 24"
+corvin convert --help | tr -s '\n ' ' ' | grep -o "by default 88200\|by default 24"
 
 try corvin
+corvin help convert | cmp - <(corvin convert --help)
+for command in "" info convert tags "tags set" "tags remove" "tags copy" "tags export" "tags import"; do
+  corvin $command --help | sed -En "s/^.{81,}/too wide: $command: &/p"
+done
+try corvin conver
+try corvin convert in.dsf -o out.wav --modulater high
+try corvin tags set --pictur=x in.dsf
+try corvin info --nothing-like-it in.dsf
 try corvin info
 try corvin convert in.dsf
 try corvin convert -o out.wav
