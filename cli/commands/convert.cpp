@@ -73,7 +73,7 @@ double peak_of(const ConvertOptions& options, const PlannedConversion& planned, 
   const Share share{.threads = threads};
   if (!planned.is_dsd) {
     PcmInput pcm(planned.input.path);
-    return true_peak_of(pcm, 0, UINT64_MAX);
+    return true_peak_of(pcm, feed_config(options, pcm));
   }
   DsdInput dsd = DsdInput::open_dsd(planned.input.path);
   return true_peak_of(peak_request(options, planned, dsd, share), dsd);
@@ -123,13 +123,17 @@ void convert_classic(const ConvertOptions& options, const PlannedConversion& pla
   convert_pcm_to_dsd_classic(classic_dsd_request(options, planned, pcm), pcm);
 }
 
-// Of a recording, the files around one that its filters can hear, and where it stands in the whole.
+// Of a recording, the files around one, as far as its filters hear, and where it stands in the whole.
 void place_in_recording(const Plan& plan, size_t index, PcmRequest& request) {
+  // A second is many times what any filter spans.
+  const uint64_t heard = plan[index].rate_hz;
   for (size_t i = index; i > 0 && plan[i - 1].goes_on; --i) {
-    request.previous.push_back(plan[i - 1].input.path);
+    if (request.settings.first_sample < heard) request.previous.push_back(plan[i - 1].input.path);
     request.settings.first_sample += plan[i - 1].samples;
   }
-  for (size_t i = index; plan[i].goes_on; ++i) request.next.push_back(plan[i + 1].input.path);
+  uint64_t behind = 0;
+  for (size_t i = index; plan[i].goes_on && behind < heard; behind += plan[++i].samples)
+    request.next.push_back(plan[i + 1].input.path);
 }
 
 void convert_dsd(const ConvertOptions& options, const Plan& plan, size_t index,

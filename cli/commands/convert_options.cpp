@@ -118,15 +118,18 @@ void add_sound(CLI::App& command, ConvertOptions& options) {
 }
 
 void add_cuts(CLI::App& command, ConvertOptions& options) {
-  command.add_flag("--gapless", options.gapless,
-                   "Inputs that follow each other are one recording: the filters hear across the "
-                   "joints, so that the outputs played one after the other have none");
+  auto* gapless = command.add_flag(
+      "--gapless", options.gapless,
+      "Inputs that follow each other are one recording: the filters hear across the "
+      "joints, so that the outputs played one after the other have none");
   const std::string wanted = "a number of samples, or a time such as 90s, 1:30 or 0:01:30.5";
   add_value(command, "--skip", options.skip, position_in, wanted,
             "Begin there, in samples of the input or as a time (90s, 1:30, 0:01:30.5)")
-      ->type_name("WHERE");
+      ->type_name("WHERE")
+      ->excludes(gapless);
   add_value(command, "--until", options.until, position_in, wanted, "End there")
-      ->type_name("WHERE");
+      ->type_name("WHERE")
+      ->excludes(gapless);
   add_value(command, "--channels", options.channels, channel_map_in,
             "a list of the input's channels such as 2,1",
             "The input's channels, counted from 1, that become the output's: 2,1 swaps two")

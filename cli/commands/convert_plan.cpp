@@ -100,6 +100,7 @@ void join_neighbours(std::vector<PlannedConversion>& all) {
     all[i].goes_on = !all[i].failure && !next.failure && all[i].is_dsd == next.is_dsd &&
                      all[i].rate_hz == next.rate_hz && all[i].channels == next.channels &&
                      directory_of(all[i].input.path) == directory_of(next.input.path);
+    if (all[i].goes_on) all[i].is_joined = all[i + 1].is_joined = true;
   }
 }
 

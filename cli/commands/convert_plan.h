@@ -31,7 +31,8 @@ struct PlannedConversion {
   OutputKind kind = PcmKind::kFlac;
   std::string output;
   std::shared_ptr<const FileIdentities> all_inputs;  // of the command; no output replaces one
-  bool goes_on = false;  // the next conversion's input follows this one's in the same recording
+  bool goes_on = false;    // the next conversion's input follows this one's in the same recording
+  bool is_joined = false;  // to the one before or behind it
   std::optional<Failure> failure;  // why it cannot begin
 };
 

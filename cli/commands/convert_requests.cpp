@@ -21,6 +21,10 @@ Failure usage(const std::string& subject, const std::string& message) {
   return {kUsage, subject, message};
 }
 
+Failure no_stretch(const std::string& path, const std::string& duration) {
+  return usage(path, "lasts " + duration + ", of which --skip and --until leave nothing");
+}
+
 Failure bad_rate(const AskedRate& rate, const std::string& message) {
   return usage("--rate", rate.text + message);
 }
@@ -70,6 +74,7 @@ ConvertSettings settings_of(const ConvertOptions& options, const Share& share) {
   if (options.modulator) settings.modulator = *options.modulator;
   if (options.gain) settings.gain_db = options.gain->db.value_or(share.gain_db);
   settings.threads = share.threads;
+  settings.keep_damaged = !options.strict;
   return settings;
 }
 
@@ -87,6 +92,43 @@ void set_band(ConvertSettings& settings, const std::optional<Band>& band, double
     throw usage("--lowpass", "has to be flat to " + hz_text(narrowest_hz) +
                                  " below the edge from which it is closed, and closed from " +
                                  hz_text(highest_hz) + " on, for these rates");
+}
+
+/** Sets the part of a DSD file that is asked for. */
+void set_stretch(ConvertSettings& settings, const ConvertOptions& options, const DsdInput& input) {
+  const corvin_file_info& info = input.info();
+  const uint64_t begin = options.skip ? options.skip->at_rate(info.dsd_rate) : 0;
+  const uint64_t end =
+      options.until ? std::min(options.until->at_rate(info.dsd_rate), info.samples) : info.samples;
+  if (begin == 0 && end == info.samples) return;
+  if (begin >= end) throw no_stretch(input.path(), duration_text(info.samples, info.dsd_rate));
+  settings.begin_sample = begin;
+  settings.sample_count = end - begin;
+}
+
+void check_channels(const ConvertOptions& options, const std::string& path, uint32_t channels) {
+  if (!options.channels) return;
+  for (const uint32_t channel : *options.channels)
+    if (channel >= channels)
+      throw usage("--channels", "asks for channel " + std::to_string(channel + 1) + " of " + path +
+                                    ", which has " + counted(channels, "channel"));
+}
+
+/** Sets the channels that are asked for, by a pointer into the options. */
+void set_channels(ConvertSettings& settings, const ConvertOptions& options, const DsdInput& input) {
+  check_channels(options, input.path(), input.info().channels);
+  if (!options.channels) return;
+  settings.channel_map = options.channels->data();
+  settings.channel_map_count = options.channels->size();
+}
+
+/** What is cut at its joints is one run of the engine: there is none for other rates of PCM, nor
+ *  between two of DSD. */
+void check_joints(const PlannedConversion& planned, bool is_one_run) {
+  if (planned.is_joined && !is_one_run)
+    throw usage("--gapless", "has no way for " + planned.input.path +
+                                 ": it joins PCM of 44100 or 48000 Hz times 1, 2, 4, 8 or 16, and "
+                                 "DSD that is converted to that");
 }
 
 // ---- Rates ----------------------------------------------------------------------------------
@@ -142,7 +184,10 @@ PcmRequest pcm_request(const ConvertOptions& options, const PlannedConversion& p
                      .settings = settings_of(options, share),
                      .care = {.verify = options.verify, .strict = options.strict}};
   request.settings.pcm_rate = engine_rate_hz(request.rate_hz);
+  check_joints(planned, request.settings.pcm_rate == request.rate_hz);
   set_band(request.settings, options.lowpass, request.rate_hz / 2.0);
+  set_stretch(request.settings, options, input);
+  set_channels(request.settings, options, input);
   return request;
 }
 
@@ -153,7 +198,10 @@ PcmRequest peak_request(const ConvertOptions& options, const PlannedConversion& 
   request.rate_hz =
       is_dsd(planned.kind) ? default_pcm_rate_hz(from_hz) : pcm_rate_hz(options, from_hz);
   request.settings.pcm_rate = engine_rate_hz(request.rate_hz);
+  check_joints(planned, request.settings.pcm_rate == request.rate_hz);
   set_band(request.settings, options.lowpass, request.rate_hz / 2.0);
+  set_stretch(request.settings, options, input);
+  set_channels(request.settings, options, input);
   return request;
 }
 
@@ -169,7 +217,10 @@ DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& p
       .changes_sound = options.lowpass.has_value(),
       .care = {.verify = options.verify, .strict = options.strict}};
   if (request.settings.gain_db != 0) request.changes_sound = true;
+  check_joints(planned, request.dsd_rate_hz == from_hz && !request.changes_sound);
   set_band(request.settings, options.lowpass, std::min(from_hz, request.dsd_rate_hz) / 64.0);
+  set_stretch(request.settings, options, input);
+  set_channels(request.settings, options, input);
   return request;
 }
 
@@ -181,6 +232,7 @@ DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& p
                       " Hz; from 8000 to 768000 Hz can be converted");
   const corvin_container container = container_for_pcm(planned);
   refuse_pcm_options(options);
+  check_joints(planned, engine_rate_hz(input.rate_hz()) == input.rate_hz());
   DsdRequest request{.output = output_file(options, planned),
                      .container = container,
                      .dsd_rate_hz = options.rate
@@ -190,7 +242,20 @@ DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& p
                      .care = {.verify = options.verify, .strict = options.strict}};
   set_band(request.settings, options.lowpass,
            std::min(engine_rate_hz(input.rate_hz()) / 2.0, request.dsd_rate_hz / 16.0));
+  request.feed = feed_config(options, input);
   return request;
+}
+
+PcmFeed::Config feed_config(const ConvertOptions& options, const PcmInput& input) {
+  check_channels(options, input.path(), input.channels());
+  PcmFeed::Config config{.phase = options.phase.value_or(CORVIN_LINEAR_PHASE)};
+  if (options.channels) config.channel_map = *options.channels;
+  if (options.skip) config.begin = options.skip->at_rate(input.rate_hz());
+  if (options.until) config.end = options.until->at_rate(input.rate_hz());
+  const uint64_t frames = input.declared_frames().value_or(UINT64_MAX);
+  if ((options.skip || options.until) && config.begin >= std::min(config.end, frames))
+    throw no_stretch(input.path(), duration_text(frames, input.rate_hz()));
+  return config;
 }
 
 ClassicWavRequest classic_wav_request(const ConvertOptions& options,

@@ -29,6 +29,8 @@ PcmRequest peak_request(const ConvertOptions& options, const PlannedConversion& 
                         const DsdInput& input, const Share& share);
 DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
                        const DsdInput& input, const Share& share);
+/** What is read of a PCM file. */
+PcmFeed::Config feed_config(const ConvertOptions& options, const PcmInput& input);
 DsdRequest dsd_request(const ConvertOptions& options, const PlannedConversion& planned,
                        const PcmInput& input, const Share& share);
 

@@ -43,11 +43,13 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
   DsdOutput output({.file = request.output,
                     .container = request.container,
                     .dsd_rate_hz = request.dsd_rate_hz,
-                    .channels = info.channels,
-                    .speakers = info.speakers,
+                    .channels = input.channels_of(request.settings),
+                    .speakers = input.speakers_of(request.settings),
                     .verify = request.care.verify});
   copy_tags(input, output);
 
+  const uint64_t count = request.settings.sample_count;
+  const bool is_whole = count == 0 && !request.settings.channel_map;
   const bool is_copied = request.dsd_rate_hz == info.dsd_rate && !request.changes_sound;
   const auto convert = [&](const ConvertSettings& settings, const Progress& progress) {
     if (!is_copied) return convert_dsd_rate(input.file(), output.writer(), settings, progress);
@@ -61,10 +63,10 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
                      .input_rate_hz = info.dsd_rate,
                      .why_writing = [&] { return output.write_failure(); },
                  });
-  if (request.care.verify && is_copied) verify_copy(input, output, request.output.path);
+  if (request.care.verify && is_copied && is_whole) verify_copy(input, output, request.output.path);
   output.commit();
   note_limited(input.path(), result.limited);
-  output.print_summary(duration_text(info.samples, info.dsd_rate),
+  output.print_summary(duration_text(count ? count : info.samples, info.dsd_rate),
                        is_copied ? "" : level_text(result.peak));
   input.note_warnings();
   if (info.samples == 0) note_no_sound(input.path());

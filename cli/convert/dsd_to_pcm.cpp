@@ -27,13 +27,15 @@ std::string format_name(corvin_sample_format format) {
 }
 
 // The frames are close enough to tell whether they fit.
-PcmWriterConfig config_of(const PcmRequest& request, const corvin_file_info& info) {
-  const double seconds = static_cast<double>(info.samples) / info.dsd_rate;
+PcmWriterConfig config_of(const PcmRequest& request, const DsdInput& input) {
+  const uint64_t count = request.settings.sample_count;
+  const double seconds =
+      static_cast<double>(count ? count : input.info().samples) / input.info().dsd_rate;
   const auto format = static_cast<corvin_sample_format>(request.settings.format);
   return {.kind = request.kind,
           .rate_hz = request.rate_hz,
-          .channels = info.channels,
-          .speakers = info.speakers,
+          .channels = input.channels_of(request.settings),
+          .speakers = input.speakers_of(request.settings),
           .format = format == CORVIN_S20 ? CORVIN_S24 : format,
           .significant_bits = format == CORVIN_S20 ? 20u : 0u,
           .expected_frames = static_cast<uint64_t>(seconds * request.rate_hz)};
@@ -79,7 +81,7 @@ void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
   input.require_sound();
   if (request.care.strict) input.require_whole();
   const TagSet tags = tags_of(input);
-  PcmWriterConfig config = config_of(request, input.info());
+  PcmWriterConfig config = config_of(request, input);
   config.tags = &tags;
   if (const std::string why = why_not_writable(config); !why.empty())
     throw Failure(kUsage, request.output.path, why);
@@ -93,7 +95,7 @@ void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
   const Neighbours neighbours(request, settings);
   PcmChain chain({.engine_rate_hz = settings.pcm_rate,
                   .rate_hz = request.rate_hz,
-                  .channels = info.channels,
+                  .channels = config.channels,
                   .settings = settings});
   settings.format = chain.engine_format();
   std::unique_ptr<PcmWriter> writer;
@@ -137,7 +139,7 @@ void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
   print_summary(request.output.path,
                 {std::to_string(request.rate_hz) + " Hz",
                  format_name(static_cast<corvin_sample_format>(request.settings.format)),
-                 counted(info.channels, "channel"), duration_text(level.frames, request.rate_hz),
+                 counted(config.channels, "channel"), duration_text(level.frames, request.rate_hz),
                  level_text(level.peak)});
 }
 
@@ -146,7 +148,7 @@ double true_peak_of(const PcmRequest& request, DsdInput& input) {
   ConvertSettings settings = request.settings;
   settings.format = CORVIN_F64;
   settings.gain_db = 0;
-  TruePeak peak(settings.pcm_rate, input.info().channels);
+  TruePeak peak(settings.pcm_rate, input.channels_of(settings));
   const auto write = [&](const void* frames, size_t count) {
     peak.add(static_cast<const double*>(frames), count);
     return true;

@@ -4,6 +4,7 @@
 #include "cli/convert/engine_run.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "cli/words/job_progress.h"
 #include "cli/words/loudness.h"
@@ -42,7 +43,13 @@ corvin_convert_report run_engine(const ConvertSettings& settings, const EngineCa
     note_detail(run.input_path, progress.result());
     return report;
   } catch (const Error& error) {
-    throw failure_of(error, run);
+    if (error.status() != CORVIN_E_READ || !settings.keep_damaged) throw failure_of(error, run);
+    const int why = error.system_error();
+    note_damage(run.input_path, std::string("cannot be read to its end") +
+                                    (why ? std::string(": ") + std::strerror(why) : "") +
+                                    "; what comes before is converted");
+    const auto* converted = dynamic_cast<const ConvertError*>(&error);
+    return converted ? converted->report() : corvin_convert_report{};
   }
 }
 

@@ -25,7 +25,8 @@ struct EngineRun {
   std::function<Failure()> why_writing;  // failed; called when it has
 };
 
-/** Runs `convert` with `settings`. Throws Failure. */
+/** Runs `convert` with `settings`. An input that cannot be read on is noted as damaged when they keep
+ *  what came before. Throws Failure. */
 corvin_convert_report run_engine(const ConvertSettings& settings, const EngineCall& convert,
                                  const EngineRun& run);
 

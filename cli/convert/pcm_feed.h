@@ -19,9 +19,17 @@ namespace corvin::cli {
 
 class PcmFeed {
  public:
-  /** @param input  to be read from where it stands; outlives this
-   *  @param end    the frame of the file that is the first one not to be read */
-  PcmFeed(PcmInput& input, uint64_t begin, uint64_t end, corvin_phase phase);
+  struct Config {
+    uint64_t begin = 0;                      // the first frame of the file to be read
+    uint64_t end = UINT64_MAX;               // and the first one behind them
+    std::vector<uint32_t> channel_map = {};  // channels of the file to be read; empty: all
+    corvin_phase phase = CORVIN_LINEAR_PHASE;
+  };
+
+  /** @param input  with nothing read of it; outlives this. Throws Failure */
+  PcmFeed(PcmInput& input, const Config& config);
+
+  uint32_t channels() const { return channels_; }
 
   /** Of what comes. */
   uint32_t rate_hz() const { return engine_rate_hz_; }
@@ -36,15 +44,19 @@ class PcmFeed {
   uint64_t frames_read() const { return frames_read_; }
 
  private:
+  void skip(uint64_t frames);
   size_t read_file(double* frames, size_t count);
   size_t read_resampled(double* frames, size_t count);
 
   PcmInput& input_;
+  const Config config_;
   const uint64_t most_frames_;
+  const uint32_t channels_;
   const uint32_t engine_rate_hz_;
   std::optional<Resampler> resampler_;
-  std::vector<double> in_;
-  std::span<const double> ready_;  // resampled and not taken
+  std::vector<double> all_channels_;  // when not all are wanted as they are
+  std::vector<double> in_;            // to be resampled
+  std::span<const double> ready_;     // resampled and not taken
   bool is_at_end_ = false;
   uint64_t frames_read_ = 0;
 };

@@ -12,12 +12,16 @@
 #include "cli/convert/ways.h"
 #include "cli/files/dsd_output.h"
 #include "cli/files/pcm_tags.h"
-#include "cli/files/speakers.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
 
 namespace corvin::cli {
 namespace {
+
+uint32_t speakers_of(const PcmInput& input, const PcmFeed::Config& feed) {
+  if (feed.channel_map.empty()) return input.speakers();
+  return corvin_speakers_mapped(input.speakers(), feed.channel_map.data(), feed.channel_map.size());
+}
 
 // One file that becomes one file.
 struct Track {
@@ -29,12 +33,12 @@ struct Track {
   Track(const DsdRequest& request, PcmInput& input)
       : request(request),
         input(input),
-        feed(input, 0, UINT64_MAX, static_cast<corvin_phase>(request.settings.phase)),
+        feed(input, request.feed),
         output({.file = request.output,
                 .container = request.container,
                 .dsd_rate_hz = request.dsd_rate_hz,
-                .channels = input.channels(),
-                .speakers = dsd_speakers(input.speakers()),
+                .channels = feed.channels(),
+                .speakers = speakers_of(input, request.feed),
                 .verify = request.care.verify}) {
     output.set_tags(read_pcm_tags(input));
   }
@@ -55,7 +59,7 @@ corvin_convert_report convert_tracks(std::deque<Track>& tracks, const ConvertSet
   const Track* writing = &tracks.front();
   for (Track& track : tracks) {
     sources.push_back({.pcm_rate = track.feed.rate_hz(),
-                       .channels = track.input.channels(),
+                       .channels = track.feed.channels(),
                        .format = CORVIN_F64,
                        .frames = track.feed.declared_frames().value_or(0),
                        .read = [&track](void* frames, size_t count) {
@@ -97,11 +101,11 @@ void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<Pcm
   }
 }
 
-double true_peak_of(PcmInput& input, uint64_t begin, uint64_t end) {
+double true_peak_of(PcmInput& input, const PcmFeed::Config& config) {
   constexpr size_t kFramesAtOnce = 1 << 13;
-  PcmFeed feed(input, begin, end, CORVIN_LINEAR_PHASE);
-  TruePeak peak(feed.rate_hz(), input.channels());
-  std::vector<double> frames(kFramesAtOnce * input.channels());
+  PcmFeed feed(input, config);
+  TruePeak peak(feed.rate_hz(), feed.channels());
+  std::vector<double> frames(kFramesAtOnce * feed.channels());
   while (const size_t got = feed.read(frames.data(), kFramesAtOnce)) peak.add(frames.data(), got);
   return peak.largest();
 }

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/convert/pcm_feed.h"
 #include "cli/files/dsd_input.h"
 #include "cli/files/output_file.h"
 #include "cli/files/pcm_input.h"
@@ -43,6 +44,7 @@ struct DsdRequest {
   corvin_container container = CORVIN_DSF;
   uint32_t dsd_rate_hz = 0;
   ConvertSettings settings;    // without progress
+  PcmFeed::Config feed = {};   // of a PCM input
   bool changes_sound = false;  // by level or band; else DSD of the same rate is copied bit for bit
   Care care = {};
 };
@@ -60,8 +62,8 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input);
 /** The true peak that the PCM of a request would have without its gain; 1.0 is full scale. */
 double true_peak_of(const PcmRequest& request, DsdInput& input);
 
-/** The true peak of a PCM file between two of its frames. */
-double true_peak_of(PcmInput& input, uint64_t begin, uint64_t end);
+/** The true peak of what is read of a PCM file. */
+double true_peak_of(PcmInput& input, const PcmFeed::Config& config);
 
 }  // namespace corvin::cli
 

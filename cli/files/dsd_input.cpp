@@ -42,6 +42,15 @@ void DsdInput::require_whole() const {
     throw Failure(kBadInput, path_, "is cut short; without --strict what is there is converted");
 }
 
+uint32_t DsdInput::channels_of(const ConvertSettings& settings) const {
+  return settings.channel_map ? static_cast<uint32_t>(settings.channel_map_count) : info_.channels;
+}
+
+uint32_t DsdInput::speakers_of(const ConvertSettings& settings) const {
+  if (!settings.channel_map) return info_.speakers;
+  return corvin_speakers_mapped(info_.speakers, settings.channel_map, settings.channel_map_count);
+}
+
 void DsdInput::note_warnings() const {
   for (const std::string& warning : file_.warnings()) note_damage(path_, warning);
 }

@@ -42,6 +42,10 @@ class DsdInput {
   /** Throws a Failure when the file is cut short. */
   void require_whole() const;
 
+  /** The channels and speakers of a conversion with these settings. */
+  uint32_t channels_of(const ConvertSettings& settings) const;
+  uint32_t speakers_of(const ConvertSettings& settings) const;
+
   /** Says on standard error what is odd about the file. */
   void note_warnings() const;
 

@@ -8,6 +8,7 @@
 
 #include "cli/files/descriptor_bytes.h"
 #include "cli/files/dsd_container.h"
+#include "cli/files/speakers.h"
 #include "cli/files/tagged_file.h"
 #include "cli/words/measures.h"
 #include "cli/words/outcome.h"
@@ -24,6 +25,28 @@ const DsdOutput::Config& checked(const DsdOutput::Config& config) {
                     container_name(config.container) + " takes up to " + std::to_string(most));
 }
 
+// The mask that the file gets for that of the sound. Another one is told of; what would give
+// channels to the wrong speakers is refused.
+uint32_t named_speakers(const DsdOutput::Config& config) {
+  const uint32_t speakers = config.speakers;
+  if (speakers == 0 || names_speakers(config.container, speakers)) return speakers;
+  const std::string& path = config.file.path;
+  if (config.container == CORVIN_ONE_BIT) {
+    if (config.channels > 2)
+      note(path, "does not tell its speakers, " + speaker_names(speakers) +
+                     ", for which 1bit files have no names");
+    return 0;
+  }
+  const uint32_t nearest = dsd_speakers(speakers);
+  if (!names_speakers(config.container, nearest))
+    throw Failure(kUsage, path,
+                  std::string(container_name(config.container)) + " has no name for the speakers " +
+                      speaker_names(speakers) + "; DSDIFF (.dff) has, and --channels picks others");
+  note(path, "calls the speakers " + speaker_names(speakers) + " " + speaker_names(nearest) +
+                 ", as it has no other names");
+  return nearest;
+}
+
 }  // namespace
 
 DsdOutput::DsdOutput(const Config& config) : config_(checked(config)), file_(config.file) {
@@ -31,8 +54,7 @@ DsdOutput::DsdOutput(const Config& config) : config_(checked(config)), file_(con
   settings.container = config.container;
   settings.dsd_rate = config.dsd_rate_hz;
   settings.channels = config.channels;
-  // The usual ones in place of those that the file cannot name.
-  settings.speakers = names_speakers(config.container, config.speakers) ? config.speakers : 0;
+  settings.speakers = named_speakers(config);
   try {
     writer_.emplace(static_cast<ByteStream&>(*this), settings);
   } catch (const Error& error) {
