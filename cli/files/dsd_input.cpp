@@ -14,6 +14,10 @@ Failure no_dsd_file(const std::string& path) {
 
 std::optional<DsdInput> DsdInput::open(const std::string& path) {
   try {
+    if (auto unpacked = WavPackDsd::open(path)) {
+      File file(*unpacked);
+      return DsdInput(path, std::move(file), std::move(unpacked));
+    }
     return DsdInput(path, File(path.c_str()));
   } catch (const Error& error) {
     if (error.status() == CORVIN_E_FORMAT) return {};
@@ -28,8 +32,8 @@ DsdInput DsdInput::open_dsd(const std::string& path) {
   throw no_dsd_file(path);
 }
 
-DsdInput::DsdInput(const std::string& path, File file)
-    : path_(path), file_(std::move(file)), info_(file_.info()) {
+DsdInput::DsdInput(const std::string& path, File file, std::unique_ptr<WavPackDsd> unpacked)
+    : path_(path), unpacked_(std::move(unpacked)), file_(std::move(file)), info_(file_.info()) {
   if (info_.readable == CORVIN_E_FORMAT) require_sound();
 }
 
@@ -53,6 +57,7 @@ uint32_t DsdInput::speakers_of(const ConvertSettings& settings) const {
 
 void DsdInput::note_warnings() const {
   for (const std::string& warning : file_.warnings()) note_damage(path_, warning);
+  if (unpacked_ && !unpacked_->damage().empty()) note_damage(path_, unpacked_->damage());
 }
 
 }  // namespace corvin::cli

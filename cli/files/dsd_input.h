@@ -6,9 +6,11 @@
 #ifndef CORVIN_CLI_FILES_DSD_INPUT_H_
 #define CORVIN_CLI_FILES_DSD_INPUT_H_
 
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "cli/files/wavpack_dsd.h"
 #include "cli/words/failure.h"
 #include "corvin.hpp"
 
@@ -19,7 +21,7 @@ Failure no_dsd_file(const std::string& path);
 
 class DsdInput {
  public:
-  /** Opens the file at `path`; no value when it can be read but is no DSD file. Sound that is only
+  /** Opens the file at `path`, DSD in WavPack too; no value when it can be read but is no DSD file. Sound that is only
    *  not readable is no failure here. Throws Failure. */
   static std::optional<DsdInput> open(const std::string& path);
 
@@ -50,9 +52,10 @@ class DsdInput {
   void note_warnings() const;
 
  private:
-  DsdInput(const std::string& path, File file);
+  DsdInput(const std::string& path, File file, std::unique_ptr<WavPackDsd> unpacked = {});
 
   std::string path_;
+  std::unique_ptr<WavPackDsd> unpacked_;  // that `file_` reads, if it does
   File file_;
   corvin_file_info info_;
 };

@@ -207,4 +207,11 @@ TagSet read_pcm_tags(const PcmInput& input) {
   return tags;
 }
 
+TagSet read_wavpack_tags(const std::string& path) {
+  TagSet tags;
+  TagLib::WavPack::File file(path.c_str(), false);
+  if (file.isValid()) add_all(path, &file, tags);
+  return tags;
+}
+
 }  // namespace corvin::cli

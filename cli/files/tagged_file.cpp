@@ -53,7 +53,7 @@ void note_losses(const std::string& path, const TagSet& tags, corvin_id3_form fo
 }
 
 void save_tags(const std::string& path, const TagSet& tags, corvin_id3_form form) {
-  const auto kind = DsdInput::open(path) ? std::nullopt : taggable_kind(path);
+  const auto kind = taggable_kind(path);
   if (!kind && !DsdInput::open(path))
     throw Failure(kBadInput, path,
                   "is of no kind that tags are written to; those are DSF, DSDIFF, FLAC, WAV, RF64, "
