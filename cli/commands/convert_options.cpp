@@ -47,11 +47,12 @@ void add_files(CLI::App& command, ConvertOptions& options) {
   command
       .add_option("IN", options.inputs,
                   "DSDIFF, DSF or 1bit files, told by their content; or PCM in any file that can "
-                  "be read (WAV, AIFF, FLAC, WavPack, Ogg...)")
+                  "be read (WAV, AIFF, FLAC, WavPack, Ogg...). - is standard input")
       ->required();
   auto* output = command
                      .add_option("-o,--output", options.output,
-                                 "File to write, of the kind that its ending says; for one input")
+                                 "File to write, of the kind that its ending says; for one input. "
+                                 "- is standard output")
                      ->type_name("FILE");
   command
       .add_option("-O,--output-dir", options.directory,

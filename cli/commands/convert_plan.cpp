@@ -58,6 +58,8 @@ bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind) {
 void look_at(PlannedConversion& planned) {
   if (!planned.input.problem.empty())
     throw Failure(kBadInput, planned.input.path, planned.input.problem);
+  planned.content = content_of_pipe(planned.input.path);
+  if (planned.content) planned.input.path = planned.content->path();
   if (const auto dsd = DsdInput::open(planned.input.path)) {
     dsd->require_sound();
     planned.is_dsd = true;
@@ -73,6 +75,8 @@ void look_at(PlannedConversion& planned) {
 
 std::string output_of(const ConvertOptions& options, const PlannedConversion& planned) {
   if (options.output) return *options.output;
+  if (planned.content)
+    throw Failure(kUsage, planned.input.path, "gives the output no name; -o does");
   std::string directory = directory_of(planned.input.path);
   if (!options.directory.empty())
     directory =

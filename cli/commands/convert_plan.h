@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "cli/batch/inputs.h"
+#include "cli/batch/piped_input.h"
 #include "cli/commands/convert_options.h"
 #include "cli/files/file_identities.h"
 #include "cli/files/output_kind.h"
@@ -27,6 +28,8 @@ struct PlannedConversion {
   uint32_t rate_hz = 0;
   uint32_t channels = 0;
   uint64_t samples = 0;  // of a DSD input, per channel
+
+  std::shared_ptr<const UnnamedFile> content;  // of an input that is a pipe
 
   OutputKind kind = PcmKind::kFlac;
   std::string output;

@@ -40,7 +40,7 @@ class DsdOutput : private ByteStream {
   Writer& writer() { return *writer_; }
 
   /** Its name until commit(). */
-  const std::string& path() const { return file_.path(); }
+  std::string path() const { return file_.path(); }
 
   bool has_failed() const { return !error_.empty(); }
 

@@ -59,7 +59,9 @@ void OutputFile::commit() {
     // Before the renaming: after a power cut the name must not stand for an empty file. Where the
     // file system has no such thing, closing has to do.
     if (fsync(descriptor_) != 0 && errno != EINVAL && errno != ENOTSUP) throw write_error();
-  } else if (is_seekable_) {
+  } else if (held_) {
+    send_held();
+  } else {
     lseek(descriptor_, 0, SEEK_END);  // what others write to standard output comes behind
   }
   const int descriptor = std::exchange(descriptor_, -1);
@@ -126,24 +128,20 @@ void OutputFile::open_standard_output() {
     throw close_and(refusal(kUsage, "is an input itself"));
   // What stands there already, or is appended to, is not ours to go back over.
   const int flags = fcntl(descriptor_, F_GETFL);
-  is_seekable_ =
-      S_ISREG(status.st_mode) && (flags & O_APPEND) == 0 && lseek(descriptor_, 0, SEEK_CUR) == 0;
-  if (!is_seekable_ && !config_.may_be_stream)
-    throw close_and(refusal(kWriteError, "cannot be rewound to complete the header; name a file"));
+  if (!S_ISREG(status.st_mode) || (flags & O_APPEND) != 0 || lseek(descriptor_, 0, SEEK_CUR) != 0)
+    held_.emplace();
+}
+
+void OutputFile::send_held() {
+  lseek(held_->descriptor(), 0, SEEK_SET);
+  bool is_reading = false;
+  if (!copy_bytes(held_->descriptor(), descriptor_, is_reading)) throw write_error();
 }
 
 void OutputFile::open_as_it_is() {
-  const bool is_pipe = S_ISFIFO(as_it_is_->st_mode);
-  const Failure cannot_rewind =
-      refusal(kWriteError, std::string("is a ") + (is_pipe ? "pipe" : "device") +
-                               " that cannot be rewound to complete the header");
-  if (is_pipe && !config_.may_be_stream) throw cannot_rewind;
-  descriptor_ = open(target_.c_str(), (is_pipe ? O_WRONLY : O_RDWR) | O_CLOEXEC);
+  descriptor_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
   if (descriptor_ < 0) throw write_error();
-  is_seekable_ = lseek(descriptor_, 0, SEEK_CUR) >= 0;
-  if (is_seekable_ || config_.may_be_stream) return;
-  close(std::exchange(descriptor_, -1));
-  throw cannot_rewind;
+  held_.emplace();
 }
 
 void OutputFile::open_temporary() {

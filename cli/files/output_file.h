@@ -17,6 +17,7 @@
 #include <string>
 
 #include "cli/files/file_identities.h"
+#include "cli/files/unnamed_file.h"
 #include "cli/words/failure.h"
 
 namespace corvin::cli {
@@ -30,25 +31,23 @@ class OutputFile {
         false;           // replaces an older file, and keeps its mode and, if allowed, its owner
     bool force = false;  // even one that is write-protected
     bool preserve_time = false;  // the file gets the input's time of modification
-    bool may_be_stream = false;  // whoever writes can do without going back: pipes are no failure
     std::shared_ptr<const FileIdentities> other_inputs = {};  // not to be overwritten either
   };
 
-  /** Opens the file for writing. A named pipe waits for its reader. Throws Failure, like commit(). */
+  /** Opens the file for writing. A named pipe waits for its reader. What cannot be gone back over
+   *  gets everything at commit(), through a file without a name. Throws Failure, like commit(). */
   explicit OutputFile(Config config);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
   /** The open file, to be left open. */
-  int descriptor() const { return descriptor_; }
-
-  /** Whether it can be written to anywhere, from its beginning at offset 0. False only with
-   *  may_be_stream: then it takes write() alone, in order. */
-  bool is_seekable() const { return is_seekable_; }
+  int descriptor() const { return held_ ? held_->descriptor() : descriptor_; }
 
   /** Its name until commit(), for those who open it themselves. */
-  const std::string& path() const { return temporary_path_.empty() ? target_ : temporary_path_; }
+  std::string path() const {
+    return held_ ? held_->path() : temporary_path_.empty() ? target_ : temporary_path_;
+  }
 
   /** Closes the file and gives it its name. */
   void commit();
@@ -60,6 +59,7 @@ class OutputFile {
   bool is_input(const struct stat& status) const;
   void check_target();
   void open_standard_output();
+  void send_held();
   void open_as_it_is();
   void open_temporary();
   void give_old_mode() const;
@@ -72,7 +72,7 @@ class OutputFile {
   std::optional<struct stat> as_it_is_;  // of a device or pipe
   std::optional<struct stat> older_;     // of the file to be replaced
   std::optional<timespec> input_time_;
-  bool is_seekable_ = true;
+  std::optional<UnnamedFile> held_;  // until commit(), for what cannot be gone back over
   int descriptor_ = -1;
 };
 

@@ -4,6 +4,8 @@
 #include "cli/words/failure.h"
 
 #include <atomic>
+#include <map>
+#include <string>
 
 #include "cli/words/loudness.h"
 #include "cli/words/said.h"
@@ -13,11 +15,22 @@ namespace {
 
 std::atomic<bool> is_damage_noted = false;
 
+std::map<std::string, std::string>& other_names() {
+  static std::map<std::string, std::string> names;
+  return names;
+}
+
 void say_of(const std::string& subject, const std::string& message) {
-  say_line("corvin: " + (subject.empty() ? "''" : subject) + ": " + message);
+  const auto other = other_names().find(subject);
+  const std::string& name = other == other_names().end() ? subject : other->second;
+  say_line("corvin: " + (name.empty() ? "''" : name) + ": " + message);
 }
 
 }  // namespace
+
+void call_in_messages(const std::string& path, const std::string& name) {
+  other_names()[path] = name;
+}
 
 ExitCode report(const Failure& failure) {
   say_of(failure.subject(), failure.what());

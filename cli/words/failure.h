@@ -40,6 +40,9 @@ class Failure : public std::runtime_error {
 /** Says what went wrong and returns the failure's code. */
 ExitCode report(const Failure& failure);
 
+/** From now on messages on `path` name it so. Before there are several threads. */
+void call_in_messages(const std::string& path, const std::string& name);
+
 /** Says what the user should know about `subject`, unless he wants quiet; nothing has failed. */
 void note(const std::string& subject, const std::string& message);
 
