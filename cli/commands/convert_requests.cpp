@@ -50,6 +50,7 @@ void refuse_studio_options(const ConvertOptions& options) {
                       : options.until     ? "--until"
                       : options.channels  ? "--channels"
                       : options.verify    ? "--verify"
+                      : options.strict    ? "--strict"
                                           : nullptr;
   if (given) throw usage(given, "needs the studio engine");
 }
