@@ -202,7 +202,7 @@ TagSet read_pcm_tags(const PcmInput& input) {
     add_caf(input.path(), tags);
     add_strings(input, tags);
   } catch (const Error& error) {
-    note(input.path(), std::string("some of its tags cannot be read: ") + error.what());
+    note_damage(input.path(), std::string("some of its tags cannot be read: ") + error.what());
   }
   return tags;
 }

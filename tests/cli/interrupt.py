@@ -26,11 +26,11 @@ def start(name, ignored=()):
     return run(["corvin", "convert", "long.dsf", "-o", "out/" + name, "-y"], ignored)
 
 
-def wait_until_begun():
-    """Until the output has grown beyond its header: the conversion runs."""
+def wait_until_begun(count=1):
+    """Until the outputs have grown beyond their headers: the conversions run."""
     deadline = time.monotonic() + 60
     while time.monotonic() < deadline:
-        if any(os.path.getsize(path) > 65536 for path in glob.glob("out/.*corvin-*")):
+        if sum(os.path.getsize(path) > 65536 for path in glob.glob("out/.*corvin-*")) >= count:
             return
         time.sleep(0.01)
 
@@ -51,6 +51,12 @@ for name in "new.wav", "old.wav":
         tool = start(name)
         wait_until_begun()
         print(name, end(tool, number))
+
+# Several at once.
+os.link("long.dsf", "other.dsf")
+tool = run(["corvin", "convert", "long.dsf", "other.dsf", "-O", "out", "-f", "wav", "-j", "2"])
+wait_until_begun(2)
+print("two", end(tool, signal.SIGINT))
 
 # From before main() on: whenever it comes, it kills and nothing is left.
 ends = set()

@@ -9,12 +9,18 @@ quietly corvin convert in.dsf -o plain.wav
 to_file() { "$@" >shown.wav; }
 behind() { (echo before && "$@") >shown; }
 appended() { "$@" >>shown; }
-into_pipe() { "$@" | cat; return "${PIPESTATUS[0]}"; }
+into_pipe() { "$@" | cat >shown; return "${PIPESTATUS[0]}"; }
 over_input() { "$@" 1<>in.dsf; }
 try quietly to_file corvin convert in.dsf -o - -f wav
 cmp shown.wav plain.wav
-for way in behind appended into_pipe over_input; do try $way corvin convert in.dsf -o - -f wav -y; done
-cat shown
+# What stands there already is kept, and a pipe has no beginning to go back to.
+for way in behind appended into_pipe; do
+  echo before >shown
+  try $way corvin convert in.dsf -o - -f wav -y
+  tail -c "$(stat -c %s plain.wav)" shown | cmp - plain.wav
+  head -c 6 shown | grep -a before
+done
+try over_input corvin convert in.dsf -o - -f wav -y
 (quietly corvin convert in.dsf -o - -f wav && echo behind) >both
 cmp -n "$(stat -c %s plain.wav)" both plain.wav
 tail -c 7 both
