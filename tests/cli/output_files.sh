@@ -62,7 +62,7 @@ done
 echo part >.old.wav.corvin-$dead-7.part
 exec 9<.old.wav.corvin-$dead-7.part && flock 9
 try quietly corvin convert in.dsf -o old.wav -y
-list | sed -n "s/$dead/DEAD/; s/$$/ALIVE/; /part/p"
+list | sed -n "s/corvin-$dead-/corvin-DEAD-/; s/corvin-$$-/corvin-ALIVE-/; /part/p" | sort
 rm .*.part
 
 make_dsd dsf long.dsf 0.1
