@@ -53,6 +53,8 @@ class InOrder {
 
 }  // namespace
 
+unsigned processors() { return std::max(1u, std::thread::hardware_concurrency()); }
+
 std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once) {
   std::vector<ExitCode> codes(jobs.size(), kDone);
   std::atomic<size_t> next = 0;

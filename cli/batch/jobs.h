@@ -16,6 +16,9 @@ namespace corvin::cli {
 /** One piece of work; throws Failure. */
 using Job = std::function<void()>;
 
+/** Those of the machine, at least 1. */
+unsigned processors();
+
 /** Runs all jobs, `at_once` of them at a time, each to its end whatever becomes of the others. What
  *  a job says comes in one piece, in the order of the jobs.
  *  @return  the exit code of each */

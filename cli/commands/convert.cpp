@@ -7,17 +7,15 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <map>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 #include "cli/batch/jobs.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/convert_options.h"
 #include "cli/commands/convert_plan.h"
 #include "cli/commands/convert_requests.h"
+#include "cli/files/output_file.h"
 #include "cli/words/failure.h"
 #include "cli/words/measures.h"
 
@@ -28,8 +26,6 @@ using Plan = std::vector<PlannedConversion>;
 
 // More do not pay within one conversion: reading and writing are the limit by then.
 constexpr unsigned kMostThreads = 8;
-
-unsigned processors() { return std::max(1u, std::thread::hardware_concurrency()); }
 
 /** How many conversions run at once and how many threads each has. */
 struct Split {
@@ -105,14 +101,6 @@ std::vector<double> gains_of(const ConvertOptions& options, Plan& plan, const Sp
 }
 
 // ---- Conversions ----------------------------------------------------------------------------
-
-void make_directory_of(const std::string& path) {
-  const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-  std::error_code error;
-  if (directory.empty() || std::filesystem::is_directory(directory, error)) return;
-  std::filesystem::create_directories(directory, error);
-  if (error) throw Failure(kWriteError, directory.string(), error.message());
-}
 
 void convert_classic(const ConvertOptions& options, const PlannedConversion& planned) {
   if (const auto dsd = read_dsd_headers(planned.input.path)) {

@@ -4,6 +4,7 @@
 #include "cli/commands/convert_options.h"
 
 #include "cli/commands/choice_option.h"
+#include "cli/commands/value_option.h"
 
 namespace corvin::cli {
 namespace {
@@ -31,51 +32,15 @@ constexpr Choice<GainGroup> kGainGroups[] = {
     {"all", GainGroup::kAll},
 };
 
-// Adds an option that `parse` makes a value of, or refuses by saying that it is not `wanted`.
-template <class Target, class Parse>
-CLI::Option* add_value(CLI::App& command, const std::string& option, Target& target, Parse parse,
-                       const std::string& wanted, const std::string& description) {
-  return command
-      .add_option_function<std::string>(
-          option, [&target, parse](const std::string& text) { target = *parse(text); }, description)
-      ->check([parse, wanted](const std::string& text) {
-        return parse(text) ? std::string() : text + " is not " + wanted;
-      });
-}
-
 void add_files(CLI::App& command, ConvertOptions& options) {
   command
       .add_option("IN", options.inputs,
                   "DSDIFF, DSF or 1bit files, told by their content; or PCM in any file that can "
                   "be read (WAV, AIFF, FLAC, WavPack, Ogg...). - is standard input")
       ->required();
-  auto* output = command
-                     .add_option("-o,--output", options.output,
-                                 "File to write, of the kind that its ending says; for one input. "
-                                 "- is standard output")
-                     ->type_name("FILE");
-  command
-      .add_option("-O,--output-dir", options.directory,
-                  "Directory for the outputs, made if it is missing; by default each comes beside "
-                  "its input. What was found by -R keeps its subdirectories")
-      ->type_name("DIR")
-      ->excludes(output);
-  command.add_flag("-R,--recursive", options.recursive,
-                   "Convert what is in directories, and below them");
-  add_value(command, "-f,--format", options.kind, output_kind_named,
-            "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit",
-            "Kind of the outputs: flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit; by "
-            "default flac for DSD and dsf for PCM")
-      ->type_name("KIND");
-  command.add_flag("-y,--overwrite", options.overwrite, "Replace outputs that exist");
-  command.add_flag("--force", options.force, "With -y, even those that are write-protected");
-  command.add_flag("--preserve-time", options.preserve_time,
-                   "Give outputs the time at which their inputs were changed last");
-  command
-      .add_option("-j,--jobs", options.jobs,
-                  "Inputs to convert at once; by default as many as there are processors")
-      ->check(CLI::Range(1u, 256u))
-      ->type_name("N");
+  add_output_options(command, options,
+                     "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit; by default flac for "
+                     "DSD and dsf for PCM");
 }
 
 void add_sound(CLI::App& command, ConvertOptions& options) {
@@ -149,6 +114,35 @@ void add_care(CLI::App& command, ConvertOptions& options) {
 }
 
 }  // namespace
+
+void add_output_options(CLI::App& command, ConvertOptions& options, const std::string& kinds) {
+  auto* output = command
+                     .add_option("-o,--output", options.output,
+                                 "File to write, of the kind that its ending says; for one input. "
+                                 "- is standard output")
+                     ->type_name("FILE");
+  command
+      .add_option("-O,--output-dir", options.directory,
+                  "Directory for the outputs, made if it is missing; by default each comes beside "
+                  "its input. What was found by -R keeps its subdirectories")
+      ->type_name("DIR")
+      ->excludes(output);
+  command.add_flag("-R,--recursive", options.recursive,
+                   "Convert what is in directories, and below them");
+  add_value(command, "-f,--format", options.kind, output_kind_named,
+            "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit",
+            "Kind of the outputs: " + kinds)
+      ->type_name("KIND");
+  command.add_flag("-y,--overwrite", options.overwrite, "Replace outputs that exist");
+  command.add_flag("--force", options.force, "With -y, even those that are write-protected");
+  command.add_flag("--preserve-time", options.preserve_time,
+                   "Give outputs the time at which their inputs were changed last");
+  command
+      .add_option("-j,--jobs", options.jobs,
+                  "Inputs to convert at once; by default as many as there are processors")
+      ->check(CLI::Range(1u, 256u))
+      ->type_name("N");
+}
 
 void add_convert_options(CLI::App& command, ConvertOptions& options) {
   add_files(command, options);

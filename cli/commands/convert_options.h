@@ -52,6 +52,10 @@ struct ConvertOptions {
   bool preserve_time = false;
 };
 
+/** Adds those of them that say where outputs go, for other commands too.
+ *  @param kinds  of outputs: "dsf or dff; by default dsf" */
+void add_output_options(CLI::App& command, ConvertOptions& options, const std::string& kinds);
+
 /** Adds the options to `command`. Parsing fills `options`, which must outlive it. */
 void add_convert_options(CLI::App& command, ConvertOptions& options);
 

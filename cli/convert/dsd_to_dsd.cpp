@@ -16,15 +16,6 @@
 namespace corvin::cli {
 namespace {
 
-// Tags that cannot be had are no reason to lose the sound.
-void copy_tags(DsdInput& input, DsdOutput& output) {
-  try {
-    output.set_tags(input.file().all_tags());
-  } catch (const Error& error) {
-    note_damage(input.path(), std::string("its tags are left out: ") + error.what());
-  }
-}
-
 // DSDIFF and 1bit know whole bytes only, so the last one may be filled up with silence.
 void verify_copy(DsdInput& input, const DsdOutput& output, const std::string& name) {
   DsdInput copy = DsdInput::open_dsd(output.path());
@@ -46,7 +37,7 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
                     .channels = input.channels_of(request.settings),
                     .speakers = input.speakers_of(request.settings),
                     .verify = request.care.verify});
-  copy_tags(input, output);
+  output.set_tags(input.tags());
 
   const uint64_t count = request.settings.sample_count;
   const bool is_whole = count == 0 && !request.settings.channel_map;

@@ -41,16 +41,6 @@ PcmWriterConfig config_of(const PcmRequest& request, const DsdInput& input) {
           .expected_frames = static_cast<uint64_t>(seconds * request.rate_hz)};
 }
 
-// Tags that cannot be had are no reason to lose the sound.
-TagSet tags_of(DsdInput& input) {
-  try {
-    return input.file().all_tags();
-  } catch (const Error& error) {
-    note_damage(input.path(), std::string("its tags are left out: ") + error.what());
-    return {};
-  }
-}
-
 // The files around an input, as the engine takes them.
 class Neighbours {
  public:
@@ -80,7 +70,7 @@ class Neighbours {
 void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
   input.require_sound();
   if (request.care.strict) input.require_whole();
-  const TagSet tags = tags_of(input);
+  const TagSet tags = input.tags();
   PcmWriterConfig config = config_of(request, input);
   config.tags = &tags;
   if (const std::string why = why_not_writable(config); !why.empty())

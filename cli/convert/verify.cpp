@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "cli/files/packed_samples.h"
 #include "cli/files/pcm_input.h"
 #include "cli/files/pcm_kind.h"
 #include "cli/words/failure.h"
@@ -15,32 +16,6 @@ namespace {
 
 constexpr size_t kFramesAtOnce = 1 << 14;
 constexpr size_t kBytesAtOnce = 1 << 16;  // of a channel
-
-void append(const void* from, size_t bytes, std::vector<uint8_t>& to) {
-  const auto* first = static_cast<const uint8_t*>(from);
-  to.insert(to.end(), first, first + bytes);
-}
-
-// The samples as the writer had them: little-endian, integers from the top of an int.
-void pack(std::span<const double> samples, corvin_sample_format format, std::vector<uint8_t>& to) {
-  for (const double sample : samples) {
-    const auto single = static_cast<float>(sample);
-    if (format == CORVIN_F32)
-      append(&single, sizeof single, to);
-    else
-      append(&sample, sizeof sample, to);
-  }
-}
-
-void pack(std::span<const int> samples, corvin_sample_format format, std::vector<uint8_t>& to) {
-  for (const int sample : samples) {
-    const auto bits = static_cast<uint32_t>(sample);
-    const uint8_t bytes[] = {static_cast<uint8_t>(bits), static_cast<uint8_t>(bits >> 8),
-                             static_cast<uint8_t>(bits >> 16), static_cast<uint8_t>(bits >> 24)};
-    const size_t width = bytes_of(format);
-    append(bytes + 4 - width, width, to);
-  }
-}
 
 template <class Sample>
 uint64_t hash_samples(PcmInput& input, corvin_sample_format format, PayloadHash& hash) {

@@ -46,6 +46,15 @@ void DsdInput::require_whole() const {
     throw Failure(kBadInput, path_, "is cut short; without --strict what is there is converted");
 }
 
+TagSet DsdInput::tags() {
+  try {
+    return file_.all_tags();
+  } catch (const Error& error) {
+    note_damage(path_, std::string("its tags are left out: ") + error.what());
+    return {};
+  }
+}
+
 uint32_t DsdInput::channels_of(const ConvertSettings& settings) const {
   return settings.channel_map ? static_cast<uint32_t>(settings.channel_map_count) : info_.channels;
 }

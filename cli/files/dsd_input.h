@@ -44,6 +44,10 @@ class DsdInput {
   /** Throws a Failure when the file is cut short. */
   void require_whole() const;
 
+  /** All its tags. Those that cannot be had are no reason to lose the sound: standard error tells of
+   *  them. */
+  TagSet tags();
+
   /** The channels and speakers of a conversion with these settings. */
   uint32_t channels_of(const ConvertSettings& settings) const;
   uint32_t speakers_of(const ConvertSettings& settings) const;

@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "cli/files/interrupt.h"
@@ -27,6 +29,14 @@ bool is_write_protected(const std::string& path, const struct stat& status) {
 }
 
 }  // namespace
+
+void make_directory_of(const std::string& path) {
+  const std::filesystem::path directory = std::filesystem::path(path).parent_path();
+  std::error_code error;
+  if (directory.empty() || std::filesystem::is_directory(directory, error)) return;
+  std::filesystem::create_directories(directory, error);
+  if (error) throw Failure(kWriteError, directory.string(), error.message());
+}
 
 OutputFile::OutputFile(Config config) : config_(std::move(config)) {
   struct stat input;

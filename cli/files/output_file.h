@@ -22,6 +22,9 @@
 
 namespace corvin::cli {
 
+/** Makes the directory that the file at `path` is to be in, if it is missing. Throws Failure. */
+void make_directory_of(const std::string& path);
+
 class OutputFile {
  public:
   struct Config {
