@@ -4,6 +4,9 @@
 #include "cli/commands/manner_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
+#include <string>
 
 #include "cli/commands/choice_option.h"
 #include "cli/words/loudness.h"
@@ -16,6 +19,11 @@ constexpr Choice<ProgressStyle> kStyles[] = {
     {"json", ProgressStyle::kJson},
     {"none", ProgressStyle::kNone},
 };
+
+bool takes_time(const std::string& command) {
+  constexpr const char* kLong[] = {"convert", "encode", "decode"};
+  return std::find(std::begin(kLong), std::end(kLong), command) != std::end(kLong);
+}
 
 }  // namespace
 
@@ -34,7 +42,7 @@ void add_manner_options(CLI::App& app) {
             "-v,--verbose", [](std::int64_t) { loudness().is_verbose = true; },
             "Say how things are done, too")
         ->excludes(quiet);
-    if (command->get_name() == "convert")
+    if (takes_time(command->get_name()))
       add_choice(
           *command, "--progress", loudness().progress, kStyles,
           "How far things are, on standard error: lines, on a terminal only; json, an object "
