@@ -3,6 +3,10 @@
 
 #include "cli/batch/jobs.h"
 
+#ifdef __linux__
+#include <sched.h>
+#endif
+
 #include <algorithm>
 #include <atomic>
 #include <exception>
@@ -17,14 +21,19 @@
 namespace corvin::cli {
 namespace {
 
-ExitCode outcome_of(const Job& job, const WordsHeld& held) {
+// What people see without scrolling.
+constexpr size_t kFewInputs = 20;
+
+ExitCode outcome_of(const Job& job, const WordsHeld& held, std::string& why) {
   try {
     job();
     return held.is_damage_noted() ? kDamage : kDone;
   } catch (const Failure& failure) {
+    why = failure.subject() + ": " + failure.what();
     return report(failure);
   } catch (const std::exception& error) {
-    say_line(std::string("corvin: ") + error.what());
+    why = error.what();
+    say_line("corvin: " + why);
     return kSomeInputsFailed;
   }
 }
@@ -53,10 +62,20 @@ class InOrder {
 
 }  // namespace
 
-unsigned processors() { return std::max(1u, std::thread::hardware_concurrency()); }
+unsigned processors() {
+#ifdef __linux__
+  // What a scheduler or taskset has left this process.
+  cpu_set_t allowed;
+  if (sched_getaffinity(0, sizeof allowed, &allowed) == 0)
+    return static_cast<unsigned>(std::max(1, CPU_COUNT(&allowed)));
+#endif
+  return std::max(1u, std::thread::hardware_concurrency());
+}
 
-std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once) {
+std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once,
+                               std::vector<std::string>* failures) {
   std::vector<ExitCode> codes(jobs.size(), kDone);
+  std::vector<std::string> reasons(jobs.size());
   std::atomic<size_t> next = 0;
   InOrder in_order(jobs.size());
   const auto work = [&] {
@@ -64,7 +83,7 @@ std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once) {
       std::string words;
       {
         WordsHeld held;
-        codes[i] = outcome_of(jobs[i], held);
+        codes[i] = outcome_of(jobs[i], held, reasons[i]);
         words = held.take();
       }
       in_order.end(i, std::move(words));
@@ -78,6 +97,9 @@ std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once) {
   }
   work();
   for (std::thread& other : others) other.join();
+  if (failures)
+    for (std::string& reason : reasons)
+      if (!reason.empty()) failures->push_back(std::move(reason));
   return codes;
 }
 
@@ -89,11 +111,14 @@ ExitCode exit_code_of(const std::vector<ExitCode>& codes) {
   return std::find(codes.begin(), codes.end(), kDamage) != codes.end() ? kDamage : kDone;
 }
 
-void note_failures(const std::vector<ExitCode>& codes) {
+void note_failures(const std::vector<ExitCode>& codes, const std::vector<std::string>& failures) {
   const auto failed = std::count_if(codes.begin(), codes.end(), is_failure);
-  if (codes.size() > 1 && failed > 0)
-    say("corvin: " + std::to_string(failed) + " of " + std::to_string(codes.size()) +
-        " inputs failed\n");
+  if (codes.size() < 2 || failed == 0) return;
+  const bool are_listed = codes.size() > kFewInputs && !failures.empty();
+  say("corvin: " + std::to_string(failed) + " of " + std::to_string(codes.size()) +
+      " inputs failed" + (are_listed ? ":" : "") + "\n");
+  if (!are_listed) return;
+  for (const std::string& failure : failures) say_line("  " + failure);
 }
 
 }  // namespace corvin::cli

@@ -32,12 +32,24 @@ constexpr Choice<GainGroup> kGainGroups[] = {
     {"all", GainGroup::kAll},
 };
 
+// The options from one to another as they were given, in the order of --help.
+std::string words_of(const CLI::App& command, size_t begin, size_t end) {
+  std::string words;
+  const std::vector<const CLI::Option*> options = command.get_options();
+  for (size_t i = begin; i < end; ++i) {
+    if (options[i]->count() == 0) continue;
+    words += (words.empty() ? "" : " ") + options[i]->get_name();
+    if (options[i]->get_type_size() == 0) continue;
+    for (const std::string& value : options[i]->results()) words += " " + value;
+  }
+  return words;
+}
+
 void add_files(CLI::App& command, ConvertOptions& options) {
-  command
-      .add_option("IN", options.inputs,
-                  "DSDIFF, DSF or 1bit files, told by their content; or PCM in any file that can "
-                  "be read (WAV, AIFF, FLAC, WavPack, Ogg...). - is standard input")
-      ->required();
+  command.add_option(
+      "IN", options.inputs,
+      "DSDIFF, DSF or 1bit files, told by their content; or PCM in any file that can "
+      "be read (WAV, AIFF, FLAC, WavPack, Ogg...). - is standard input");
   add_output_options(command, options,
                      "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit; by default flac for "
                      "DSD and dsf for PCM");
@@ -102,6 +114,47 @@ void add_cuts(CLI::App& command, ConvertOptions& options) {
       ->type_name("MAP");
 }
 
+void add_batch(CLI::App& command, ConvertOptions& options) {
+  auto* list = command
+                   .add_option("--files-from", options.files_from,
+                               "More inputs, from a file with one on each line, or - for standard "
+                               "input; below -O they keep their directories")
+                   ->type_name("LIST");
+  command
+      .add_flag("-0,--null", options.is_list_zero_terminated,
+                "The list has zero bytes between its names, as find -print0 writes them")
+      ->needs(list);
+  command.add_flag("--dry-run", options.dry_run,
+                   "Show what would become of each input, and write nothing");
+  command.add_flag("--skip-existing", options.skip_existing,
+                   "Leave out inputs whose output exists");
+  auto* manifest = command
+                       .add_option("--manifest", options.manifest,
+                                   "Append a JSON object for each output to this file: paths, "
+                                   "sizes, hash, options, level, seconds, exit code")
+                       ->type_name("FILE");
+  command
+      .add_flag("--resume", options.resume,
+                "Leave out what the manifest says is done and has not changed since")
+      ->needs(manifest);
+  command
+      .add_option_function<std::string>(
+          "--shard",
+          [&options](const std::string& text) {
+            options.shard = text == "auto" ? shard_of_slurm_array() : shard_in(text);
+          },
+          "Only the Ith of N parts of about equal size; inputs that share a gain or are one "
+          "recording stay together. auto: as a task of a Slurm array")
+      ->type_name("I/N")
+      ->check([](const std::string& text) -> std::string {
+        if (text != "auto") return shard_in(text) ? "" : text + " is not I/N, such as 3/8, or auto";
+        return shard_of_slurm_array() ? "" : "auto needs the variables of a Slurm array's task";
+      });
+  command.add_flag("--sidecars", options.sidecars,
+                   "Copy pictures and cue sheets beside the inputs to their outputs; in cue sheets "
+                   "the files get their new names");
+}
+
 void add_care(CLI::App& command, ConvertOptions& options) {
   command.add_flag("--verify", options.verify, "Read each output back and compare");
   command.add_flag("--strict", options.strict,
@@ -146,9 +199,17 @@ void add_output_options(CLI::App& command, ConvertOptions& options, const std::s
 
 void add_convert_options(CLI::App& command, ConvertOptions& options) {
   add_files(command, options);
+  const size_t first_of_sound = command.get_options().size();
   add_sound(command, options);
   add_cuts(command, options);
+  const size_t end_of_sound = command.get_options().size();
+  add_batch(command, options);
   add_care(command, options);
+  command.parse_complete_callback([&command, &options, first_of_sound, end_of_sound] {
+    if (options.inputs.empty() && !options.files_from)
+      throw CLI::RequiredError("IN or --files-from");
+    options.sound_options = words_of(command, first_of_sound, end_of_sound);
+  });
 }
 
 }  // namespace corvin::cli

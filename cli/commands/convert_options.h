@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/batch/shard.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/option_values.h"
 #include "cli/files/output_kind.h"
@@ -27,6 +28,8 @@ struct ConvertOptions {
   std::optional<std::string> output;  // by default beside the input, or in `directory`
   std::string directory;              // of -O
   bool recursive = false;
+  std::optional<std::string> files_from;  // a list of more inputs; "-" for standard input
+  bool is_list_zero_terminated = false;
   uint32_t jobs = 0;  // at once; 0: as fits the machine
   std::optional<OutputKind> kind;
 
@@ -45,11 +48,20 @@ struct ConvertOptions {
   std::optional<Position> until;
   std::optional<std::vector<uint32_t>> channels;
 
+  bool dry_run = false;
+  bool skip_existing = false;
+  std::optional<std::string> manifest;
+  bool resume = false;
+  std::optional<Shard> shard;
+  bool sidecars = false;
+
   bool verify = false;
   bool strict = false;
   bool overwrite = false;
   bool force = false;
   bool preserve_time = false;
+
+  std::string sound_options;  // as given: all that have a say in the sound
 };
 
 /** Adds those of them that say where outputs go, for other commands too.

@@ -8,23 +8,15 @@
 #include <memory>
 #include <utility>
 
+#include "cli/batch/file_list.h"
+#include "cli/batch/manifest.h"
+#include "cli/batch/shard.h"
 #include "cli/files/dsd_input.h"
+#include "cli/files/path_parts.h"
 #include "cli/files/pcm_input.h"
 
 namespace corvin::cli {
 namespace {
-
-std::string directory_of(const std::string& path) {
-  const size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
-}
-
-// The name without its directory and ending; a point at its beginning begins no ending.
-std::string stem_of(const std::string& path) {
-  const std::string name = path.substr(directory_of(path).size());
-  const size_t point = name.rfind('.');
-  return point == std::string::npos || point == 0 ? name : name.substr(0, point);
-}
 
 // Of the one output that is named, or of all; no value: as fits each input.
 std::optional<OutputKind> asked_kind(const ConvertOptions& options) {
@@ -53,6 +45,21 @@ bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind) {
       break;
   }
   return false;
+}
+
+// Those that are named, and those in the list.
+std::vector<Input> inputs_of(const ConvertOptions& options, const std::optional<OutputKind>& kind) {
+  const auto wanted = [&](const std::string& path) { return is_wanted(path, kind); };
+  std::vector<Input> inputs = collect_inputs(options.inputs, options.recursive, wanted);
+  if (!options.files_from) return inputs;
+  for (const std::string& name :
+       read_file_list(*options.files_from, options.is_list_zero_terminated))
+    for (Input& input : collect_inputs({name}, options.recursive, wanted)) {
+      if (input.below.empty()) input.below = directory_below(input.path);
+      inputs.push_back(std::move(input));
+    }
+  if (inputs.empty()) throw Failure(kUsage, *options.files_from, "names no file");
+  return inputs;
 }
 
 void look_at(PlannedConversion& planned) {
@@ -108,13 +115,43 @@ void join_neighbours(std::vector<PlannedConversion>& all) {
   }
 }
 
+// Drops what other shards do.
+void keep_shard(const ConvertOptions& options, std::vector<PlannedConversion>& all) {
+  std::vector<Weight> weights;
+  const bool shares_gain =
+      options.gain && !options.gain->db && options.gain_group != GainGroup::kFile;
+  size_t recording = 0;
+  for (size_t i = 0; i < all.size(); ++i) {
+    if (i == 0 || !all[i - 1].goes_on) recording = i;
+    weights.push_back(
+        {.group = shares_gain ? gain_group_of(options, all[i]) : std::to_string(recording),
+         .bytes = state_of_file(all[i].input.path).value_or(FileState{}).bytes});
+  }
+  const std::vector<bool> is_mine = part_of_shard(weights, *options.shard);
+  std::vector<PlannedConversion> mine;
+  for (size_t i = 0; i < all.size(); ++i)
+    if (is_mine[i]) mine.push_back(std::move(all[i]));
+  all = std::move(mine);
+}
+
 }  // namespace
+
+std::string gain_group_of(const ConvertOptions& options, const PlannedConversion& planned) {
+  const std::string& path = planned.input.path;
+  switch (options.gain_group) {
+    case GainGroup::kAll:
+      return "";
+    case GainGroup::kDirectory:
+      return directory_of(path);
+    case GainGroup::kFile:
+      break;
+  }
+  return path;
+}
 
 std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options) {
   const std::optional<OutputKind> asked = asked_kind(options);
-  const auto inputs =
-      collect_inputs(options.inputs, options.recursive,
-                     [&](const std::string& path) { return is_wanted(path, asked); });
+  const std::vector<Input> inputs = inputs_of(options, asked);
   if (options.output && inputs.size() != 1)
     throw Failure(kUsage, "--output",
                   "names one file, for " + std::to_string(inputs.size()) +
@@ -139,6 +176,7 @@ std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options) {
   }
   refuse_shared_outputs(all);
   if (options.gapless) join_neighbours(all);
+  if (options.shard) keep_shard(options, all);
   return all;
 }
 

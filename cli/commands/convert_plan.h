@@ -37,9 +37,14 @@ struct PlannedConversion {
   bool goes_on = false;    // the next conversion's input follows this one's in the same recording
   bool is_joined = false;  // to the one before or behind it
   std::optional<Failure> failure;  // why it cannot begin
+  std::string skipped;             // why it need not; empty for what is to be done
+  bool replaces = false;           // the output, which an earlier run left when it was killed
 };
 
-/** Looks at all inputs. Throws Failure when the options do not fit them as a whole. */
+/** The name of those that share the gain of `planned`. */
+std::string gain_group_of(const ConvertOptions& options, const PlannedConversion& planned);
+
+/** Looks at all inputs, and leaves those to the options' shard. Throws Failure when the options do not fit them as a whole. */
 std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options);
 
 }  // namespace corvin::cli

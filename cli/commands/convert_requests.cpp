@@ -60,7 +60,7 @@ void refuse_studio_options(const ConvertOptions& options) {
 OutputFile::Config output_file(const ConvertOptions& options, const PlannedConversion& planned) {
   return {.path = planned.output,
           .input_path = planned.input.path,
-          .overwrite = options.overwrite,
+          .overwrite = options.overwrite || planned.replaces,
           .force = options.force,
           .preserve_time = options.preserve_time,
           .other_inputs = planned.all_inputs};

@@ -27,7 +27,7 @@ void verify_copy(DsdInput& input, const DsdOutput& output, const std::string& na
 
 }  // namespace
 
-void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
+Converted convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
   input.require_sound();
   if (request.care.strict) input.require_whole();
   const corvin_file_info& info = input.info();
@@ -56,11 +56,15 @@ void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input) {
                  });
   if (request.care.verify && is_copied && is_whole) verify_copy(input, output, request.output.path);
   output.commit();
+  const uint64_t samples = count ? count : info.samples;
   note_limited(input.path(), result.limited);
-  output.print_summary(duration_text(count ? count : info.samples, info.dsd_rate),
+  output.print_summary(duration_text(samples, info.dsd_rate),
                        is_copied ? "" : level_text(result.peak));
   input.note_warnings();
   if (info.samples == 0) note_no_sound(input.path());
+  Converted converted{.seconds = static_cast<double>(samples) / info.dsd_rate};
+  if (!is_copied) converted.peak = result.peak;
+  return converted;
 }
 
 }  // namespace corvin::cli

@@ -67,7 +67,7 @@ class Neighbours {
 
 }  // namespace
 
-void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
+Converted convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
   input.require_sound();
   if (request.care.strict) input.require_whole();
   const TagSet tags = input.tags();
@@ -131,6 +131,9 @@ void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input) {
                  format_name(static_cast<corvin_sample_format>(request.settings.format)),
                  counted(config.channels, "channel"), duration_text(level.frames, request.rate_hz),
                  level_text(level.peak)});
+  return {.seconds = static_cast<double>(level.frames) / request.rate_hz,
+          .peak = level.peak,
+          .clips = level.clips};
 }
 
 double true_peak_of(const PcmRequest& request, DsdInput& input) {

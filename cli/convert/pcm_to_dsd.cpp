@@ -84,12 +84,14 @@ corvin_convert_report convert_tracks(std::deque<Track>& tracks, const ConvertSet
 
 }  // namespace
 
-void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<PcmInput>& inputs) {
+std::vector<Converted> convert_pcm_to_dsd(const std::vector<DsdRequest>& requests,
+                                          std::vector<PcmInput>& inputs) {
   std::deque<Track> tracks;
   for (size_t i = 0; i < inputs.size(); ++i) tracks.emplace_back(requests[i], inputs[i]);
   const corvin_convert_report result = convert_tracks(tracks, requests.front().settings);
   for (const Track& track : tracks) track.require_sound();
   note_limited(tracks.front().input.path(), result.limited);
+  std::vector<Converted> converted;
   for (Track& track : tracks) {
     track.output.commit();
     const uint64_t frames = track.feed.frames_read();
@@ -98,7 +100,10 @@ void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<Pcm
     if (frames == 0) note_no_sound(track.input.path());
     if (const std::string damage = track.input.damage(); !damage.empty())
       note_damage(track.input.path(), damage);
+    converted.push_back({.seconds = static_cast<double>(frames) / track.input.rate_hz(),
+                         .peak = result.peak});
   }
+  return converted;
 }
 
 double true_peak_of(PcmInput& input, const PcmFeed::Config& config) {

@@ -10,6 +10,7 @@
 #define CORVIN_CLI_CONVERT_WAYS_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,15 +50,23 @@ struct DsdRequest {
   Care care = {};
 };
 
-/** Converts a DSD file to PCM. */
-void convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input);
+/** What has become of an input, beside the new file. */
+struct Converted {
+  double seconds = 0;               // of sound, in the output
+  std::optional<double> peak = {};  // where it was looked at; 1.0 is full scale
+  uint64_t clips = 0;               // samples that were limited to full scale
+};
 
-/** Converts PCM files, which follow each other without a joint, to a DSD file each. Of `inputs` and
- *  `requests` there are equally many. */
-void convert_pcm_to_dsd(const std::vector<DsdRequest>& requests, std::vector<PcmInput>& inputs);
+/** Converts a DSD file to PCM. */
+Converted convert_dsd_to_pcm(const PcmRequest& request, DsdInput& input);
+
+/** Converts PCM files, which follow each other without a joint, to a DSD file each. Of `inputs`,
+ *  `requests` and what is returned there are equally many; the peak is that of all. */
+std::vector<Converted> convert_pcm_to_dsd(const std::vector<DsdRequest>& requests,
+                                          std::vector<PcmInput>& inputs);
 
 /** Converts a DSD file to another rate or level, or copies its sound to another container. */
-void convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input);
+Converted convert_dsd_to_dsd(const DsdRequest& request, DsdInput& input);
 
 /** The true peak that the PCM of a request would have without its gain; 1.0 is full scale. */
 double true_peak_of(const PcmRequest& request, DsdInput& input);

@@ -38,7 +38,14 @@ void make_directory_of(const std::string& path) {
   if (error) throw Failure(kWriteError, directory.string(), error.message());
 }
 
-OutputFile::OutputFile(Config config) : config_(std::move(config)) {
+OutputFile::OutputFile(Config config, Unopened) : config_(std::move(config)) {}
+
+void OutputFile::check(Config config) {
+  OutputFile file(std::move(config), Unopened{});
+  if (file.config_.path != "-") file.check_target();
+}
+
+OutputFile::OutputFile(Config config) : OutputFile(std::move(config), Unopened{}) {
   struct stat input;
   if (config_.preserve_time && stat(config_.input_path.c_str(), &input) == 0)
     input_time_ = input.st_mtim;

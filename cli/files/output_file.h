@@ -44,6 +44,10 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
+  /** Throws the Failure for a file that the constructor would refuse, as far as that can be told
+   *  without opening one. */
+  static void check(Config config);
+
   /** The open file, to be left open. */
   int descriptor() const { return held_ ? held_->descriptor() : descriptor_; }
 
@@ -56,6 +60,8 @@ class OutputFile {
   void commit();
 
  private:
+  struct Unopened {};
+  OutputFile(Config config, Unopened);
   Failure write_error() const;
   Failure exists_already() const;
   Failure refusal(ExitCode code, const std::string& why) const;

@@ -32,6 +32,7 @@ WordsHeld::WordsHeld() : outer_(std::exchange(holder, this)) {}
 
 WordsHeld::~WordsHeld() {
   holder = outer_;
+  if (is_damage_noted_) hold_damage();
   say(lines_);
 }
 

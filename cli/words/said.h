@@ -27,7 +27,8 @@ void hold_damage();
 class WordsHeld {
  public:
   WordsHeld();
-  /** Says what has not been taken, to whoever held before, or to standard error. */
+  /** Says what has not been taken, to whoever held before, or to standard error; who held before
+   *  knows of damage, too. */
   ~WordsHeld();
   WordsHeld(const WordsHeld&) = delete;
   WordsHeld& operator=(const WordsHeld&) = delete;
