@@ -28,6 +28,9 @@ class PcmInput {
   /** libsndfile's SF_FORMAT_ number of the samples in the file. */
   int sample_format() const { return reader_->facts().sample_format; }
 
+  /** Bits of an integer sample, where these are no whole bytes; else 0. */
+  uint32_t odd_bits() const { return reader_->facts().odd_bits; }
+
   /** Frames that the file declares, as far as it is long enough for them; no value when it leaves
    *  that open. */
   std::optional<uint64_t> declared_frames() const { return reader_->facts().frames; }

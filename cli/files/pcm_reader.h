@@ -20,6 +20,7 @@ struct PcmFacts {
   int sample_format = 0;                // libsndfile's SF_FORMAT_ number of the samples in the file
   std::optional<uint64_t> frames = {};  // that the file declares
   uint32_t speakers = 0;                // mask; 0: the file does not tell
+  uint32_t odd_bits = 0;  // of an integer sample, where these are no whole bytes; else 0
 };
 
 class PcmReader {

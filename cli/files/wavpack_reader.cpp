@@ -36,10 +36,12 @@ class WavPackReader : public PcmReader {
     const auto mask = static_cast<uint32_t>(WavpackGetChannelMask(context_.get()));
     const int64_t frames = WavpackGetNumSamples64(context_.get());
     const int channels = WavpackGetNumChannels(context_.get());
+    const auto bits = static_cast<uint32_t>(WavpackGetBitsPerSample(context_.get()));
     facts_ = {.rate_hz = WavpackGetSampleRate(context_.get()),
               .channels = static_cast<uint32_t>(channels),
               .sample_format = format_of(context_.get()),
-              .speakers = std::popcount(mask) == channels ? mask : 0};
+              .speakers = std::popcount(mask) == channels ? mask : 0,
+              .odd_bits = bits % 8 != 0 ? bits : 0};
     if (frames >= 0) facts_.frames = static_cast<uint64_t>(frames);
     spare_bits_ = 32 - 8 * std::clamp(WavpackGetBytesPerSample(context_.get()), 1, 4);
   }
