@@ -16,7 +16,7 @@ def text_of(sound):
 
 
 def dsf(data):
-    channels, _, _, order, samples, block = struct.unpack("<IIIIQI", data[48:76])
+    _, channels, _, order, samples, block = struct.unpack("<IIIIQI", data[48:76])
     sound = data[92:].translate(REVERSED) if order == 1 else data[92:]
     out = []
     for channel in range(channels):
