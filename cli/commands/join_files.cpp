@@ -18,6 +18,7 @@
 #include "cli/files/descriptor_bytes.h"
 #include "cli/files/dsd_input.h"
 #include "cli/files/packed_input.h"
+#include "cli/files/path_parts.h"
 #include "cli/files/pcm_tags.h"
 #include "cli/files/speakers.h"
 #include "cli/words/failure.h"
@@ -150,7 +151,7 @@ void join_files(const JoinOptions& options) {
   const Beginnings beginnings = first.is_dsd ? join_dsd(request) : join_pcm(request);
   if (!cue) return;
   sheet.units_per_second = first.rate_hz;
-  sheet.files.push_back(options.output.substr(options.output.rfind('/') + 1));
+  sheet.files.push_back(name_of(options.output));
   sheet.fields = cue_fields_of_whole(common.tags());
   for (size_t i = 0; i < beginnings.size(); ++i) sheet.tracks[i].begin.position = beginnings[i];
   write_cue(*options.cue, *cue, sheet);

@@ -9,6 +9,7 @@
 #include "cli/batch/piped_input.h"
 #include "cli/cue/track_tags.h"
 #include "cli/files/dsd_container.h"
+#include "cli/files/path_parts.h"
 #include "cli/files/pcm_tags.h"
 #include "cli/words/letters.h"
 #include "cli/words/outcome.h"
@@ -26,7 +27,7 @@ void Splitting::split(const std::string& path) {
   if (!lower_case(path).ends_with(".cue")) {
     const auto content = content_of_pipe(path);
     split_sound({.path = content ? content->path() : path,
-                 .stem = content ? "sound" : stem_of_name(path),
+                 .stem = content ? "sound" : stem_of(path),
                  .cue = given_,
                  .file = {}});
     return;
@@ -36,7 +37,7 @@ void Splitting::split(const std::string& path) {
   const NamedCue cue{.sheet = read_cue(path), .name = path};
   for (size_t file = 0; file < cue.sheet.files.size(); ++file) {
     const std::string sound = path_of_cue_file(cue, file, path);
-    split_sound({.path = sound, .stem = stem_of_name(sound), .cue = cue, .file = file});
+    split_sound({.path = sound, .stem = stem_of(sound), .cue = cue, .file = file});
   }
 }
 

@@ -4,6 +4,7 @@
 #include "cli/convert/join.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 
 #include "cli/convert/bit_joiner.h"
@@ -28,7 +29,8 @@ void write(DsdOutput& output, uint32_t channels, std::vector<uint8_t>& dsd) {
   dsd.clear();
 }
 
-void append_file(DsdInput& input, DsdOutput& output, BitJoiner& joiner, JobProgress& progress) {
+void append_file(DsdInput& input, DsdOutput& output, BitJoiner& joiner,
+                 const std::function<void()>& show) {
   const corvin_file_info& info = input.info();
   std::vector<uint8_t> bytes(kBytesAtOnce * info.channels);
   std::vector<uint8_t> joined;
@@ -45,7 +47,7 @@ void append_file(DsdInput& input, DsdOutput& output, BitJoiner& joiner, JobProgr
     joiner.add(bytes, samples, joined);
     write(output, info.channels, joined);
     left -= samples;
-    progress.show(joiner.samples(), 0);
+    show();
   }
   input.note_warnings();
 }
@@ -58,6 +60,8 @@ Beginnings join_dsd(const JoinRequest& request) {
   std::optional<JobProgress> progress;
   std::optional<BitJoiner> joiner;
   corvin_file_info format{};
+  uint64_t length = 0;
+  for (const std::string& path : request.inputs) length += DsdInput::open_dsd(path).info().samples;
   for (const std::string& path : request.inputs) {
     DsdInput input = DsdInput::open_dsd(path);
     if (!output) {
@@ -73,7 +77,7 @@ Beginnings join_dsd(const JoinRequest& request) {
       joiner.emplace(format.channels);
     }
     beginnings.push_back(joiner->samples());
-    append_file(input, *output, *joiner, *progress);
+    append_file(input, *output, *joiner, [&] { progress->show(joiner->samples(), length); });
   }
   std::vector<uint8_t> last;
   joiner->finish(last);

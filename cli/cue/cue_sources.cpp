@@ -27,14 +27,14 @@ std::string without_ending(const std::string& path) {
   return point == std::string::npos || point <= name ? path : path.substr(0, point);
 }
 
+std::string stem_of_part(const std::string& path) { return without_ending(last_part(path)); }
+
 bool is_file(const std::string& path) {
   std::error_code ignored;
   return fs::is_regular_file(path, ignored);
 }
 
 }  // namespace
-
-std::string stem_of_name(const std::string& path) { return without_ending(last_part(path)); }
 
 std::optional<NamedCue> find_cue(const std::string& path, const TagSet& tags, uint32_t rate_hz) {
   for (const std::string& stem : {without_ending(path), path})
@@ -65,7 +65,7 @@ size_t file_in_cue(const NamedCue& cue, const std::string& path) {
     return static_cast<size_t>(found - files.begin());
   };
   if (const size_t file = find(last_part); file < files.size()) return file;
-  if (const size_t file = find(stem_of_name); file < files.size()) return file;
+  if (const size_t file = find(stem_of_part); file < files.size()) return file;
   if (files.size() == 1) return 0;
   throw Failure(kBadInput, cue.name,
                 "names " + std::to_string(files.size()) + " files, none of them like " + path);

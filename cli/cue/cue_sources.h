@@ -36,9 +36,6 @@ size_t file_in_cue(const NamedCue& cue, const std::string& path);
  *  its stem and the ending of another kind. Throws Failure when there is none. */
 std::string path_of_cue_file(const NamedCue& cue, size_t file, const std::string& cue_path);
 
-/** The stem of a path: its last part without the ending. */
-std::string stem_of_name(const std::string& path);
-
 }  // namespace corvin::cli
 
 #endif  // CORVIN_CLI_CUE_CUE_SOURCES_H_
