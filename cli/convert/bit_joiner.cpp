@@ -5,8 +5,6 @@
 
 #include <cstddef>
 
-#include "cli/convert/dop_frames.h"
-
 namespace corvin::cli {
 
 void BitJoiner::add(std::span<const uint8_t> bytes, uint64_t samples, std::vector<uint8_t>& out) {
@@ -36,8 +34,7 @@ void BitJoiner::add(std::span<const uint8_t> bytes, uint64_t samples, std::vecto
 
 void BitJoiner::finish(std::vector<uint8_t>& out) {
   if (open_bits_ == 0) return;
-  for (const uint8_t byte : open_)
-    out.push_back(static_cast<uint8_t>(byte | (kDsdSilence & 0xffu >> open_bits_)));
+  out.insert(out.end(), open_.begin(), open_.end());
   open_bits_ = 0;
 }
 

@@ -21,7 +21,8 @@ class BitJoiner {
    *  @param out      gets the bytes that are full, appended */
   void add(std::span<const uint8_t> bytes, uint64_t samples, std::vector<uint8_t>& out);
 
-  /** Appends the byte that is not full, if there is one, with silence in its rest. */
+  /** Appends the byte that is not full, if there is one. What its rest holds is left to the writer,
+   *  who knows the number of samples. */
   void finish(std::vector<uint8_t>& out);
 
   /** Samples of each channel so far. */
