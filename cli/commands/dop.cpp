@@ -85,8 +85,7 @@ void add_way(CLI::App& dop, const char* name, const char* description, const cha
 }  // namespace
 
 void add_dop_command(CLI::App& app, int& exit_code) {
-  CLI::App* command =
-      app.add_subcommand("dop", "Put DSD into PCM, bit for bit, and take it out");
+  CLI::App* command = app.add_subcommand("dop", "Put DSD into PCM, bit for bit, and take it out");
   command->require_subcommand(1);
   add_way(
       *command, "encode", "Put DSD into 24-bit PCM of a 16th of its rate",
