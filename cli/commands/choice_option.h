@@ -25,18 +25,24 @@ inline constexpr Choice<Engine> kEngines[] = {
     {"classic", Engine::kClassic},
 };
 
-/** Adds an option whose value goes to `chosen`, which must outlive the parsing. Whoever adds it
- *  refuses other names by a check; without one they would leave `chosen` as it is. */
+/** Adds an option whose value goes to `chosen`, which must outlive the parsing; help and completions
+ *  list the names. Whoever adds it refuses others by a check; without one they would leave `chosen` as
+ *  it is. */
 template <class Value, size_t count, class Target>
 CLI::Option* add_choice(CLI::App& command, const std::string& option, Target& chosen,
                         const Choice<Value> (&choices)[count], const std::string& description) {
-  return command.add_option_function<std::string>(
-      option,
-      [&](const std::string& text) {
-        for (const Choice<Value>& choice : choices)
-          if (text == choice.name) chosen = choice.value;
-      },
-      description);
+  std::string names;
+  for (const Choice<Value>& choice : choices)
+    names += (names.empty() ? "" : "|") + std::string(choice.name);
+  return command
+      .add_option_function<std::string>(
+          option,
+          [&](const std::string& text) {
+            for (const Choice<Value>& choice : choices)
+              if (text == choice.name) chosen = choice.value;
+          },
+          description)
+      ->type_name(names);
 }
 
 /** A check that refuses all names but those of `choices`: "x is not 16, 24 or 32". */

@@ -68,12 +68,10 @@ void add_sound(CLI::App& command, ConvertOptions& options) {
   add_choice(command, "--dither", options.dither, kDithers,
              "For 16 to 32 bits: none, tpdf, or shaped, its noise moved to where the ear hears "
              "least; by default tpdf")
-      ->type_name("KIND")
       ->check(one_of(kDithers));
   add_choice(command, "--phase", options.phase, kPhases,
              "Phase of the filters: linear, or minimum, which has no ringing ahead of a sound; by "
              "default linear")
-      ->type_name("KIND")
       ->check(one_of(kPhases));
   add_value(command, "--lowpass", options.lowpass, band_in, "off, a frequency, or PASS:STOP",
             "Band to keep: flat up to PASS Hz and closed from STOP Hz on (1.6 times PASS if it is "
@@ -86,12 +84,10 @@ void add_sound(CLI::App& command, ConvertOptions& options) {
       ->type_name("DB");
   add_choice(command, "--group", options.gain_group, kGainGroups,
              "For --gain auto: one gain for each file, for each directory (dir), or for all")
-      ->type_name("WHICH")
       ->check(one_of(kGainGroups));
   add_choice(command, "--modulator", options.modulator, kModulators,
              "For DSD: standard, high or best, each with less noise and several times the work of "
              "the one before; by default high")
-      ->type_name("GRADE")
       ->check(one_of(kModulators));
 }
 
@@ -162,7 +158,6 @@ void add_care(CLI::App& command, ConvertOptions& options) {
                    "what is there");
   add_choice(command, "--engine", options.engine, kEngines,
              "studio, or classic, which converts two channels at the rates that it plans")
-      ->type_name("NAME")
       ->check(one_of(kEngines));
 }
 

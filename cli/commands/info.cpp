@@ -96,7 +96,6 @@ void add_info_command(CLI::App& app, int& exit_code) {
   add_choice(*command, "--engine", options->engine, kEngines,
              "Whose view of the files: studio, the sound that is there; or classic, what the "
              "headers declare")
-      ->type_name("NAME")
       ->check(CLI::IsMember({"studio", "classic"}));
   command->callback([options, &exit_code] {
     const bool is_classic = options->engine == Engine::kClassic;

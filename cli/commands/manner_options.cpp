@@ -47,7 +47,6 @@ void add_manner_options(CLI::App& app) {
           *command, "--progress", loudness().progress, kStyles,
           "How far things are, on standard error: lines, on a terminal only; json, an object "
           "a second for each file at work; none; by default lines")
-          ->type_name("KIND")
           ->check(one_of(kStyles));
     add_manner_options(*command);
   }

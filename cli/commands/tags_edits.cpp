@@ -261,7 +261,6 @@ void add_version(CLI::App& command, const SharedEdits& edits) {
   add_choice(command, "--id3", edits->version, kVersions,
              "Version of ID3v2 to write, 2.3 or 2.4; by default 2.4, or the block as it was "
              "when nothing changes")
-      ->type_name("N")
       ->check(one_of(kVersions));
 }
 
