@@ -57,6 +57,8 @@ class DsdiffWalk {
       file_.Warn("the form states " + std::to_string(form.size) + " bytes; the file holds " +
                  std::to_string(rest));
     }
+    file_.chunks.push_back(
+        {.id = form.id, .content = {kChunkHeaderBytes, rest}, .stated_bytes = form.size});
     form_end_ = sized && form.size < rest ? kChunkHeaderBytes + form.size : cursor_.file_size();
     WalkForm();
     Settle();
@@ -114,9 +116,18 @@ class DsdiffWalk {
     }
   }
 
+  void NoteChunk(const ChunkHeader& chunk, std::uint64_t body, bool is_part = false) {
+    file_.chunks.push_back({.id = chunk.id,
+                            .is_part = is_part,
+                            .header_offset = body - kChunkHeaderBytes,
+                            .content = {body, std::min(chunk.size, cursor_.file_size() - body)},
+                            .stated_bytes = chunk.size});
+  }
+
   // Returns where the next chunk is to be expected.
   std::uint64_t ReadChunk(const ChunkHeader& chunk, std::uint64_t body) {
     const std::uint64_t there = std::min(chunk.size, cursor_.file_size() - body);
+    NoteChunk(chunk, body);
     if (chunk.id == MakeChunkId("PROP")) return ReadProperties(chunk, body);
     if (chunk.id == MakeChunkId("DSD ") && !has_sound_) return TakeSound(chunk, body);
     if (chunk.id == MakeChunkId("DST ")) {
@@ -147,6 +158,7 @@ class DsdiffWalk {
       stated_sound_ = left;
     }
     file_.sound = {body, std::min(stated_sound_, left)};
+    file_.chunks.back().content = file_.sound;
     if (file_.sequential) return body;
     return Behind({chunk.id, stated_sound_}, body, IsOfForm);
   }
@@ -175,6 +187,7 @@ class DsdiffWalk {
 
   std::uint64_t ReadProperty(const ChunkHeader& chunk, std::uint64_t body) {
     const std::uint64_t there = std::min(chunk.size, cursor_.file_size() - body);
+    NoteChunk(chunk, body, true);
     if (chunk.id == MakeChunkId("FS  ")) {
       cursor_.Read(file_.rate_hz);
     } else if (chunk.id == MakeChunkId("CHNL")) {
@@ -198,6 +211,7 @@ class DsdiffWalk {
     const std::uint64_t by_count = body + 2 + std::uint64_t{channels} * 4;
     const std::uint64_t place =
         Resume(known, {by_size, by_count, std::max(body + 2, by_count - 4)});
+    file_.chunks.back().content.bytes = std::min(place, cursor_.file_size()) - body;
     if (place != by_count) {
       file_.Warn("the channel chunk does not name each channel");
     } else if (by_size != by_count) {
@@ -275,6 +289,7 @@ class DsdiffWalk {
     while (place + kChunkHeaderBytes <= end && cursor_.SeekTo(place)) {
       ChunkHeader chunk;
       if (!cursor_.ReadHeader(chunk)) return;
+      NoteChunk(chunk, place + kChunkHeaderBytes, true);
       std::uint32_t length = 0;
       const bool is_artist = chunk.id == MakeChunkId("DIAR");
       if (is_artist || chunk.id == MakeChunkId("DITI")) {

@@ -33,12 +33,24 @@ class DsfWalk {
       return file_.Fail(Readable::kDamaged, "is damaged: its header is cut short");
     }
     if (first.size != kFirstChunkBytes) file_.Warn("the first chunk states a wrong size");
+    NoteChunk(first, 0, kFirstChunkBytes - kChunkHeaderBytes);
     if (!file_.sequential) FindTag();  // which stands behind the sound
     FindChunks();
     if (!has_format_) return file_.Fail(Readable::kDamaged, "is damaged: it has no format chunk");
     if (!has_sound_) return file_.Fail(Readable::kDamaged, "is damaged: it has no sound chunk");
     if (!CheckFormat()) return;
     Measure();
+  }
+
+  // The sound and the tag have the places that the walk gave them in the end.
+  void NoteEnds() {
+    if (has_sound_ && file_.sound.bytes > 0) file_.chunks.back().content = file_.sound;
+    for (const ByteRange& tag : file_.id3) {
+      file_.chunks.push_back({.id = MakeChunkId("ID3 "),
+                              .header_offset = tag.offset,
+                              .content = tag,
+                              .stated_bytes = tag.bytes});
+    }
   }
 
   void CheckEnd() {
@@ -78,6 +90,7 @@ class DsfWalk {
       if (chunk.id == MakeChunkId("fmt ") && !has_format_) {
         if (!cursor_.Read(format_.data(), format_.size())) return;
         has_format_ = true;
+        NoteChunk(chunk, start, std::max(size, kFormatChunkBytes) - kChunkHeaderBytes);
         if (size < kFormatChunkBytes) {
           file_.Warn("the format chunk states a wrong size");
           size = kFormatChunkBytes;
@@ -86,12 +99,25 @@ class DsfWalk {
         has_sound_ = true;
         file_.sound.offset = cursor_.position();
         stated_sound_ = size;
+        NoteChunk(chunk, start, size - std::min(size, kChunkHeaderBytes));
         return;
       } else if (size < kChunkHeaderBytes) {
         return;  // leads nowhere
+      } else {
+        NoteChunk(chunk, start, size - kChunkHeaderBytes);
       }
       if (size > cursor_.file_size() - start || !cursor_.SeekTo(start + size)) return;
     }
+  }
+
+  // Sizes count the header here.
+  void NoteChunk(const ChunkHeader& chunk, std::uint64_t start, std::uint64_t bytes) {
+    const std::uint64_t body = start + kChunkHeaderBytes;
+    const std::uint64_t left = cursor_.file_size() - std::min(cursor_.file_size(), body);
+    file_.chunks.push_back({.id = chunk.id,
+                            .header_offset = start,
+                            .content = {body, std::min(bytes, left)},
+                            .stated_bytes = chunk.size - std::min(chunk.size, kChunkHeaderBytes)});
   }
 
   std::uint32_t Word(std::size_t at) const {
@@ -182,6 +208,7 @@ class DsfWalk {
 void WalkDsf(ByteSource& source, SoundFile& file) {
   DsfWalk walk(source, file);
   walk.Run();
+  walk.NoteEnds();
   walk.CheckEnd();
 }
 

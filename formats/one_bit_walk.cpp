@@ -8,6 +8,7 @@
 #include <string>
 
 #include "formats/bytes/byte_order.h"
+#include "formats/bytes/chunk_id.h"
 #include "formats/sound_file.h"
 #include "formats/speakers.h"
 
@@ -43,6 +44,11 @@ void WalkOneBit(ByteSource& source, SoundFile& file) {
     file.Warn(std::to_string(size - stated_end) + " bytes at the end do not belong to the sound");
   }
   file.sound = {start, std::min(end, size) - start};
+  file.chunks = {{.id = MakeChunkId("1bit"), .content = {0, start}, .stated_bytes = start},
+                 {.id = MakeChunkId("data"),
+                  .header_offset = start,
+                  .content = file.sound,
+                  .stated_bytes = end - start}};
   SettleInterleaved(file, end - start);
 }
 

@@ -26,6 +26,15 @@ struct ByteRange {
   std::uint64_t bytes = 0;
 };
 
+/// A part of a file, as the walk took it.
+struct SoundChunk {
+  ChunkId id{};
+  bool is_part = false;  ///< of the last one before it that is none
+  std::uint64_t header_offset = 0;
+  ByteRange content;               ///< that is there
+  std::uint64_t stated_bytes = 0;  ///< of content
+};
+
 struct DsdiffComment {
   std::uint16_t year = 0;
   bool is_general = false;  ///< on the whole file
@@ -53,6 +62,7 @@ struct SoundFile {
   ByteRange sound;                ///< from the first byte to the end of what is there
   std::string compression;        ///< DSDIFF: the compression's name
 
+  std::vector<SoundChunk> chunks;
   std::vector<ByteRange> id3;  ///< blocks, in file order
   ByteRange artist, title;     ///< DSDIFF
   std::vector<DsdiffComment> comments;

@@ -598,6 +598,15 @@ class File {
     return all;
   }
 
+  std::vector<corvin_file_chunk> chunks() const {
+    std::vector<corvin_file_chunk> all(info().chunks);
+    for (std::uint32_t i = 0; i < all.size(); ++i) {
+      all[i].size = sizeof all[i];
+      check(corvin_file_get_chunk(handle_.get(), i, &all[i]));
+    }
+    return all;
+  }
+
   Tags tags() {
     Tags tags;
     check(corvin_file_get_tags(handle_.get(), &tags));

@@ -81,9 +81,25 @@ typedef struct corvin_file_info {
   uint64_t sound_bytes;    /**< of all channels in the file, padding included */
   char compression[256];   /**< DSDIFF: the compression's name, terminated, else empty */
   uint32_t sequential;     /**< not 0: the file cannot seek */
-  uint32_t reserved0;
+  uint32_t chunks;         /**< parts that corvin_file_get_chunk() has */
   uint64_t reserved[7];
 } corvin_file_info;
+
+/** A part of a file as it was found: a chunk, or what has a place of its own in containers without
+ *  chunks. Sizes are those of the content, without the chunk's header, its pad byte, or both. */
+typedef struct corvin_file_chunk {
+  size_t size;      /**< sizeof(corvin_file_chunk), set by the caller */
+  char id[8];       /**< its name in the file, terminated: "PROP", "fmt ". The tag of a DSF file is
+                         "ID3 ", the parts of a "1bit" file are "1bit" and "data" */
+  uint32_t is_part; /**< not 0: within the last chunk before it that is not itself within one */
+  uint32_t reserved0;
+  uint64_t header_offset; /**< where its header begins in the file; `offset` when it has none */
+  uint64_t offset;        /**< where its content begins */
+  uint64_t stated_bytes;  /**< of content, by its header */
+  uint64_t bytes;         /**< of content, as it was taken: up to the file's end, or up to where the
+                               next chunk was found when the header was wrong */
+  uint64_t reserved[4];
+} corvin_file_chunk;
 
 /** A DSD file open for reading. */
 typedef struct corvin_file corvin_file;
@@ -118,6 +134,15 @@ CORVIN_API const char* corvin_file_warning(const corvin_file* file, uint32_t ind
 /** Returns a sentence without subject on why no sound can be read, "has sound in DST compression,
  *  ..."; NULL when it can. Lives as long as the handle. Since 0.1. */
 CORVIN_API const char* corvin_file_problem(const corvin_file* file);
+
+/** Tells of a part of the file, in the order in which they were found. Of a file that is damaged there
+ *  are those up to the damage, of one that cannot seek those up to the sound. Chunks within PROP and
+ *  DIIN of a DSDIFF file are told of; what is within others is not looked into.
+ *  @param index  0..`chunks` of the info - 1
+ *  @param chunk  its `size` set; fields beyond that are left untouched
+ *  @return  CORVIN_OK, CORVIN_E_ARGUMENT. Since 0.1. */
+CORVIN_API int corvin_file_get_chunk(const corvin_file* file, uint32_t index,
+                                     corvin_file_chunk* chunk);
 
 /** Reads the tags: of DSDIFF files names, comments and ID3v2 blocks within and behind the
  *  properties, of which the blocks win; of DSF files the ID3v2 block. Versions 2.3 and 2.4,

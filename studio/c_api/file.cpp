@@ -143,6 +143,7 @@ int corvin_file_get_info(const corvin_file* file, corvin_file_info* info) {
   known.stated_samples = sound.stated_samples;
   known.sound_bytes = sound.sound.bytes;
   known.sequential = sound.sequential ? 1 : 0;
+  known.chunks = static_cast<std::uint32_t>(sound.chunks.size());
   sound.compression.copy(known.compression, sizeof known.compression - 1);
   corvin::studio::hand_out(known, info);
   return CORVIN_OK;
@@ -156,6 +157,22 @@ const char* corvin_file_warning(const corvin_file* file, uint32_t index) {
 const char* corvin_file_problem(const corvin_file* file) {
   if (file == nullptr || file->sound.problem.empty()) return nullptr;
   return file->sound.problem.c_str();
+}
+
+int corvin_file_get_chunk(const corvin_file* file, uint32_t index, corvin_file_chunk* chunk) {
+  if (file == nullptr || !corvin::studio::is_sized(chunk) || index >= file->sound.chunks.size()) {
+    return CORVIN_E_ARGUMENT;
+  }
+  const corvin::formats::SoundChunk& found = file->sound.chunks[index];
+  corvin_file_chunk known = {};
+  std::copy(found.id.begin(), found.id.end(), known.id);
+  known.is_part = found.is_part ? 1 : 0;
+  known.header_offset = found.header_offset;
+  known.offset = found.content.offset;
+  known.stated_bytes = found.stated_bytes;
+  known.bytes = found.content.bytes;
+  corvin::studio::hand_out(known, chunk);
+  return CORVIN_OK;
 }
 
 int corvin_file_get_tags(corvin_file* file, DSD_TAG* tag) {

@@ -42,6 +42,14 @@ void survive(const Bytes& bytes) {
   info.size = sizeof info;
   corvin_file_get_info(handle, &info);
   ASSERT_LE(info.warnings, 32u);
+  for (std::uint32_t i = 0; i < info.chunks; ++i) {
+    corvin_file_chunk chunk = {};
+    chunk.size = sizeof chunk;
+    ASSERT_EQ(corvin_file_get_chunk(handle, i, &chunk), CORVIN_OK);
+    ASSERT_LE(chunk.header_offset, chunk.offset);
+    ASSERT_LE(chunk.bytes, bytes.size());
+    ASSERT_TRUE(chunk.bytes == 0 || chunk.offset <= bytes.size() - chunk.bytes);
+  }
   DSD_TAG tag{};
   corvin_file_get_tags(handle, &tag);
   DSDTagClear(&tag);
@@ -120,6 +128,39 @@ TEST(Hostile, MillionsOfChunks) {
   survive(file);
   for (std::size_t at = 16; at + 12 < file.size(); at += 12) std::copy_n("COMT", 4, &file[at]);
   survive(file);
+}
+
+std::string chunk_list(const Bytes& bytes) {
+  std::string list;
+  for (const corvin_file_chunk& chunk : MemoryFile(bytes).chunks()) {
+    if (!list.empty()) list += ", ";
+    if (chunk.is_part != 0) list += "+";
+    list += chunk.id + (" " + std::to_string(chunk.bytes));
+    // Where a chunk has a header, that begins with its name.
+    const std::string there(reinterpret_cast<const char*>(&bytes[chunk.header_offset]), 4);
+    if (there != chunk.id) list += "?";
+    if (chunk.bytes != chunk.stated_bytes) list += " of " + std::to_string(chunk.stated_bytes);
+  }
+  return list;
+}
+
+TEST(Chunks, AreListedAsTheWalkTookThem) {
+  EXPECT_EQ(chunk_list(rich_dsdiff()),
+            "FRM8 424, FVER 4, PROP 96, +FS   4, +CHNL 10, +CMPR 20, +ID3  10, DSD  200, COMT 20, "
+            "DIIN 40, +DIAR 7, +DITI 7");
+  DsfOptions dsf;
+  dsf.block_bytes = 16;
+  dsf.tag = testing::Id3Block({});
+  // The tag's own header is ID3v2's.
+  EXPECT_EQ(chunk_list(DsfFile(2, 2822400, Bytes(100, kIdle), dsf)),
+            "DSD  16, fmt  40, data 128, ID3  10?");
+  EXPECT_EQ(chunk_list(OneBitFile(2, 2822400, Bytes(60, kIdle))), "1bit 2048, data 60?");
+  // Sizes of a stereo file, or none: the chunks are as long as they have to be.
+  DsdiffOptions lying;
+  lying.channels_size = 10;
+  lying.sound_size = 0;
+  EXPECT_EQ(chunk_list(DsdiffFile(3, 2822400, Bytes(300, kIdle), lying)),
+            "FRM8 422, FVER 4, PROP 78, +FS   4, +CHNL 14 of 10, +CMPR 20, DSD  300 of 0");
 }
 
 struct Told {
