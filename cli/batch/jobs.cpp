@@ -10,12 +10,11 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
-#include <mutex>
 #include <string>
 #include <system_error>
 #include <thread>
-#include <utility>
 
+#include "cli/batch/in_order.h"
 #include "cli/words/said.h"
 
 namespace corvin::cli {
@@ -38,28 +37,6 @@ ExitCode outcome_of(const Job& job, const WordsHeld& held, std::string& why) {
   }
 }
 
-// What is said, job by job. A job that is through before those ahead of it leaves its words here.
-class InOrder {
- public:
-  explicit InOrder(size_t jobs) : words_(jobs), is_through_(jobs, false) {}
-
-  void end(size_t job, std::string words) {
-    const std::lock_guard lock(mutex_);
-    words_[job] = std::move(words);
-    is_through_[job] = true;
-    for (; next_ < words_.size() && is_through_[next_]; ++next_) {
-      say(words_[next_]);
-      words_[next_] = {};
-    }
-  }
-
- private:
-  std::mutex mutex_;
-  std::vector<std::string> words_;
-  std::vector<bool> is_through_;
-  size_t next_ = 0;
-};
-
 }  // namespace
 
 unsigned processors() {
@@ -77,7 +54,7 @@ std::vector<ExitCode> run_jobs(const std::vector<Job>& jobs, unsigned at_once,
   std::vector<ExitCode> codes(jobs.size(), kDone);
   std::vector<std::string> reasons(jobs.size());
   std::atomic<size_t> next = 0;
-  InOrder in_order(jobs.size());
+  InOrder in_order(jobs.size(), [](const std::string& words) { say(words); });
   const auto work = [&] {
     for (size_t i; (i = next++) < jobs.size();) {
       std::string words;
