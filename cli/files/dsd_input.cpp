@@ -35,6 +35,9 @@ DsdInput DsdInput::open_dsd(const std::string& path) {
 DsdInput::DsdInput(const std::string& path, File file, std::unique_ptr<WavPackDsd> unpacked)
     : path_(path), unpacked_(std::move(unpacked)), file_(std::move(file)), info_(file_.info()) {
   if (info_.readable == CORVIN_E_FORMAT) require_sound();
+  // Sound that cannot be read anyway may come without a rate, by which durations are reckoned.
+  if (info_.dsd_rate == 0)
+    throw Failure(kBadInput, path_, problem() + "; its headers declare no rate");
 }
 
 void DsdInput::require_sound() const {
@@ -64,9 +67,27 @@ uint32_t DsdInput::speakers_of(const ConvertSettings& settings) const {
   return corvin_speakers_mapped(info_.speakers, settings.channel_map, settings.channel_map_count);
 }
 
+std::vector<std::string> DsdInput::warnings() const {
+  std::vector<std::string> all = file_.warnings();
+  if (unpacked_ && !unpacked_->damage().empty()) all.push_back(unpacked_->damage());
+  return all;
+}
+
+std::vector<std::string> DsdInput::oddities() const {
+  std::vector<std::string> all = warnings();
+  if (info_.container != CORVIN_DSF || !problem().empty() || is_cut_short()) return all;
+  const uint64_t samples_of_block = uint64_t{8} * info_.block_bytes;
+  const uint64_t blocks =
+      info_.samples / samples_of_block + (info_.samples % samples_of_block != 0);
+  const uint64_t whole_bytes = blocks * info_.block_bytes * info_.channels;
+  if (info_.sound_bytes < whole_bytes)
+    all.push_back("its last blocks lack " + std::to_string(whole_bytes - info_.sound_bytes) +
+                  " bytes of padding");
+  return all;
+}
+
 void DsdInput::note_warnings() const {
-  for (const std::string& warning : file_.warnings()) note_damage(path_, warning);
-  if (unpacked_ && !unpacked_->damage().empty()) note_damage(path_, unpacked_->damage());
+  for (const std::string& warning : warnings()) note_damage(path_, warning);
 }
 
 }  // namespace corvin::cli

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/files/wavpack_dsd.h"
 #include "cli/words/failure.h"
@@ -37,6 +38,15 @@ class DsdInput {
 
   /** Throws the problem, if there is one, as a Failure. */
   void require_sound() const;
+
+  /** Whether the sound comes out of a WavPack file, which has no chunks of its own to tell of. */
+  bool is_wavpack() const { return unpacked_ != nullptr; }
+
+  /** Everything odd about the file as far as it was read, a sentence without subject each. */
+  std::vector<std::string> warnings() const;
+
+  /** The same, and what a file may lack without any harm to its sound. */
+  std::vector<std::string> oddities() const;
 
   /** Whether the file has less sound than its headers state. */
   bool is_cut_short() const { return info_.samples < info_.stated_samples; }

@@ -83,6 +83,8 @@ class FlacReader : public PcmReader {
       facts_ = {.rate_hz = info.sample_rate,
                 .channels = info.channels,
                 .sample_format = format_of(bits_),
+                .kind = "FLAC",
+                .bits = bits_,
                 .speakers = kFlacUsualSpeakers[info.channels],
                 .odd_bits = bits_ % 8 != 0 ? bits_ : 0};
       if (info.total_samples != 0) facts_.frames = info.total_samples;

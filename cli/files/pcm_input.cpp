@@ -3,6 +3,7 @@
 
 #include "cli/files/pcm_input.h"
 
+#include <sndfile.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -26,6 +27,10 @@ PcmInput::PcmInput(const std::string& path) : path_(path) {
   }
   if (!reader_) throw bad("is neither a DSD file nor PCM in a file that libsndfile reads");
   if (channels() < 1 || rate_hz() < 1) throw bad("is damaged: it declares no sound");
+}
+
+bool PcmInput::is_float() const {
+  return sample_format() == SF_FORMAT_FLOAT || sample_format() == SF_FORMAT_DOUBLE;
 }
 
 std::string PcmInput::damage() const {

@@ -31,6 +31,15 @@ class PcmInput {
   /** Bits of an integer sample, where these are no whole bytes; else 0. */
   uint32_t odd_bits() const { return reader_->facts().odd_bits; }
 
+  /** What the file is: "FLAC", "WAV". */
+  const std::string& kind() const { return reader_->facts().kind; }
+
+  /** Of a sample in the file, as lossless coders count them; 0 when the sound is packed with loss. */
+  uint32_t bits() const { return reader_->facts().bits; }
+
+  /** Whether the samples in the file are floating. */
+  bool is_float() const;
+
   /** Frames that the file declares, as far as it is long enough for them; no value when it leaves
    *  that open. */
   std::optional<uint64_t> declared_frames() const { return reader_->facts().frames; }

@@ -18,6 +18,8 @@ struct PcmFacts {
   uint32_t rate_hz = 0;
   uint32_t channels = 0;
   int sample_format = 0;                // libsndfile's SF_FORMAT_ number of the samples in the file
+  std::string kind = {};                // of the file: "FLAC", "WAV"
+  uint32_t bits = 0;                    // of a sample, as wide as it is kept; 0: packed with loss
   std::optional<uint64_t> frames = {};  // that the file declares
   uint32_t speakers = 0;                // mask; 0: the file does not tell
   uint32_t odd_bits = 0;  // of an integer sample, where these are no whole bytes; else 0

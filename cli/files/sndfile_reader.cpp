@@ -28,6 +28,54 @@ uint32_t speakers_of(SNDFILE* file, int channels) {
   return speaker_mask(map);
 }
 
+const char* kind_of(int format) {
+  switch (format & SF_FORMAT_TYPEMASK) {
+    case SF_FORMAT_WAV:
+    case SF_FORMAT_WAVEX:
+      return "WAV";
+    case SF_FORMAT_RF64:
+      return "RF64";
+    case SF_FORMAT_W64:
+      return "W64";
+    case SF_FORMAT_AIFF:
+      return "AIFF";
+    case SF_FORMAT_CAF:
+      return "CAF";
+    case SF_FORMAT_AU:
+      return "AU";
+    case SF_FORMAT_OGG:
+      return "Ogg";
+    case SF_FORMAT_MPEG:
+      return "MPEG";
+    default:
+      return "PCM of another kind";
+  }
+}
+
+uint32_t bits_of(int format) {
+  switch (format & SF_FORMAT_SUBMASK) {
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8:
+      return 8;
+    case SF_FORMAT_PCM_16:
+    case SF_FORMAT_ALAC_16:
+      return 16;
+    case SF_FORMAT_ALAC_20:
+      return 20;
+    case SF_FORMAT_PCM_24:
+    case SF_FORMAT_ALAC_24:
+      return 24;
+    case SF_FORMAT_PCM_32:
+    case SF_FORMAT_ALAC_32:
+    case SF_FORMAT_FLOAT:
+      return 32;
+    case SF_FORMAT_DOUBLE:
+      return 64;
+    default:
+      return 0;
+  }
+}
+
 class SndfileReader : public PcmReader {
  public:
   SndfileReader(Handle file, const SF_INFO& info) : file_(std::move(file)) {
@@ -35,6 +83,8 @@ class SndfileReader : public PcmReader {
     facts_ = {.rate_hz = static_cast<uint32_t>(info.samplerate),
               .channels = static_cast<uint32_t>(info.channels),
               .sample_format = info.format & SF_FORMAT_SUBMASK,
+              .kind = kind_of(info.format),
+              .bits = bits_of(info.format),
               .speakers = speakers_of(file_.get(), info.channels)};
     // Some readers leave the length of a stream 0.
     if (info.frames > 0 && info.frames < kMaxFrames)

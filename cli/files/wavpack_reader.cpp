@@ -30,6 +30,12 @@ int format_of(WavpackContext* context) {
   return kFormats[std::clamp(WavpackGetBytesPerSample(context), 1, 4) - 1];
 }
 
+// As wide as it is kept: what a sample leaves empty at its lower end counts.
+uint32_t bits_of(WavpackContext* context) {
+  const bool is_lossless = (WavpackGetMode(context) & MODE_LOSSLESS) != 0;
+  return is_lossless ? 8 * static_cast<uint32_t>(WavpackGetBytesPerSample(context)) : 0;
+}
+
 class WavPackReader : public PcmReader {
  public:
   explicit WavPackReader(Handle context) : context_(std::move(context)) {
@@ -40,6 +46,8 @@ class WavPackReader : public PcmReader {
     facts_ = {.rate_hz = WavpackGetSampleRate(context_.get()),
               .channels = static_cast<uint32_t>(channels),
               .sample_format = format_of(context_.get()),
+              .kind = "WavPack",
+              .bits = bits_of(context_.get()),
               .speakers = std::popcount(mask) == channels ? mask : 0,
               .odd_bits = bits % 8 != 0 ? bits : 0};
     if (frames >= 0) facts_.frames = static_cast<uint64_t>(frames);
