@@ -3,45 +3,11 @@
 
 #include "cli/convert/verify.h"
 
-#include <new>
-#include <vector>
-
-#include "cli/files/packed_samples.h"
 #include "cli/files/pcm_input.h"
 #include "cli/files/pcm_kind.h"
 #include "cli/words/failure.h"
 
 namespace corvin::cli {
-namespace {
-
-constexpr size_t kFramesAtOnce = 1 << 14;
-constexpr size_t kBytesAtOnce = 1 << 16;  // of a channel
-
-template <class Sample>
-uint64_t hash_samples(PcmInput& input, corvin_sample_format format, PayloadHash& hash) {
-  std::vector<Sample> samples(kFramesAtOnce * input.channels());
-  std::vector<uint8_t> bytes;
-  uint64_t frames = 0;
-  while (const size_t got = input.read(samples)) {
-    bytes.clear();
-    pack(std::span<const Sample>(samples).first(got * input.channels()), format, bytes);
-    hash.add(bytes);
-    frames += got;
-  }
-  return frames;
-}
-
-}  // namespace
-
-PayloadHash::PayloadHash() : state_(XXH3_createState()) {
-  if (!state_ || XXH3_128bits_reset(state_.get()) != XXH_OK) throw std::bad_alloc();
-}
-
-void PayloadHash::add(std::span<const uint8_t> bytes) {
-  XXH3_128bits_update(state_.get(), bytes.data(), bytes.size());
-}
-
-XXH128_hash_t PayloadHash::value() const { return XXH3_128bits_digest(state_.get()); }
 
 Failure verification_failed(const std::string& name, const std::string& why) {
   return {kVerifyFailed, name,
@@ -52,9 +18,9 @@ void verify_pcm(const WrittenPcm& written) {
   try {
     PcmInput input(written.path);
     PayloadHash hash;
-    const uint64_t frames = is_float(written.format)
-                                ? hash_samples<double>(input, written.format, hash)
-                                : hash_samples<int>(input, written.format, hash);
+    const PcmPayload form{.is_float = is_float(written.format), .bits = bits_of(written.format)};
+    const uint64_t frames = read_payload(
+        input, form, [&](std::span<const uint8_t> bytes, uint64_t) { hash.add(bytes); });
     if (frames != written.frames)
       throw verification_failed(written.name, "has " + std::to_string(frames) + " frames of " +
                                                   std::to_string(written.frames));
@@ -68,13 +34,9 @@ void verify_pcm(const WrittenPcm& written) {
 
 DsdPayload dsd_payload_of(File& file, const std::string& name) {
   try {
-    const corvin_file_info info = file.info();
-    std::vector<uint8_t> bytes(kBytesAtOnce * info.channels);
     PayloadHash hash;
-    file.seek(0);
-    while (const size_t got = file.read(bytes.data(), kBytesAtOnce))
-      hash.add(std::span(bytes).first(got * info.channels));
-    return {.samples = info.samples, .hash = hash.value()};
+    read_payload(file, [&](std::span<const uint8_t> bytes, uint64_t) { hash.add(bytes); });
+    return {.samples = file.info().samples, .hash = hash.value()};
   } catch (const Error& error) {
     throw verification_failed(name, error.what());
   }

@@ -7,31 +7,14 @@
 #ifndef CORVIN_CLI_CONVERT_VERIFY_H_
 #define CORVIN_CLI_CONVERT_VERIFY_H_
 
-#include <xxhash.h>
-
 #include <cstdint>
-#include <memory>
-#include <span>
 #include <string>
 
+#include "cli/files/payload.h"
 #include "cli/words/failure.h"
 #include "corvin.hpp"
 
 namespace corvin::cli {
-
-/** XXH3 of bytes, 128 bits. */
-class PayloadHash {
- public:
-  PayloadHash();
-  void add(std::span<const uint8_t> bytes);
-  XXH128_hash_t value() const;
-
- private:
-  struct Free {
-    void operator()(XXH3_state_t* state) const { XXH3_freeState(state); }
-  };
-  std::unique_ptr<XXH3_state_t, Free> state_;
-};
 
 /** A PCM file that was written. */
 struct WrittenPcm {

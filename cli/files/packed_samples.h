@@ -30,12 +30,16 @@ inline void pack(std::span<const double> samples, corvin_sample_format format,
   }
 }
 
+/** Appends the `width` highest bytes of each. */
+inline void pack_bytes(std::span<const int> samples, size_t width, std::vector<uint8_t>& to) {
+  for (const int sample : samples)
+    for (size_t i = 4 - width; i < 4; ++i)
+      to.push_back(static_cast<uint8_t>(static_cast<uint32_t>(sample) >> (8 * i)));
+}
+
 inline void pack(std::span<const int> samples, corvin_sample_format format,
                  std::vector<uint8_t>& to) {
-  const int width = static_cast<int>(bytes_of(format));
-  for (const int sample : samples)
-    for (int i = 4 - width; i < 4; ++i)
-      to.push_back(static_cast<uint8_t>(static_cast<uint32_t>(sample) >> (8 * i)));
+  pack_bytes(samples, bytes_of(format), to);
 }
 
 }  // namespace corvin::cli
