@@ -175,19 +175,23 @@ void add_output_options(CLI::App& command, ConvertOptions& options, const std::s
                   "its input. What was found by -R keeps its subdirectories")
       ->type_name("DIR")
       ->excludes(output);
-  command.add_flag("-R,--recursive", options.recursive,
-                   "Convert what is in directories, and below them");
   add_value(command, "-f,--format", options.kind, output_kind_named,
             "flac, wav, rf64, w64, aiff, caf, wv, dsf, dff or 1bit",
             "Kind of the outputs: " + kinds)
       ->type_name("KIND");
+  add_writing_options(command, options);
+}
+
+void add_writing_options(CLI::App& command, ConvertOptions& options) {
+  command.add_flag("-R,--recursive", options.recursive,
+                   "Take what is in directories, and below them");
   command.add_flag("-y,--overwrite", options.overwrite, "Replace outputs that exist");
   command.add_flag("--force", options.force, "With -y, even those that are write-protected");
   command.add_flag("--preserve-time", options.preserve_time,
                    "Give outputs the time at which their inputs were changed last");
   command
       .add_option("-j,--jobs", options.jobs,
-                  "Inputs to convert at once; by default as many as there are processors")
+                  "Inputs to work on at once; by default as many as there are processors")
       ->check(CLI::Range(1u, 256u))
       ->type_name("N");
 }

@@ -60,9 +60,14 @@ struct ConvertOptions {
   bool overwrite = false;
   bool force = false;
   bool preserve_time = false;
+  bool dsd_only = false;  // of the inputs, for commands that take no others
 
   std::string sound_options;  // as given: all that have a say in the sound
 };
+
+/** Adds those of them that say which inputs are taken, how many at once, and what outputs may
+ *  replace, for commands that name their outputs in another way. */
+void add_writing_options(CLI::App& command, ConvertOptions& options);
 
 /** Adds those of them that say where outputs go, for other commands too.
  *  @param kinds  of outputs: "dsf or dff; by default dsf" */

@@ -35,12 +35,12 @@ std::optional<OutputKind> asked_kind(const ConvertOptions& options) {
 }
 
 // In directories PCM is taken only for DSD, so that the rest of a music library stays what it is.
-bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind) {
+bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind, bool dsd_only) {
   switch (input_ending_of(path)) {
     case InputEnding::kDsd:
       return true;
     case InputEnding::kPcm:
-      return kind && is_dsd(*kind);
+      return kind && is_dsd(*kind) && !dsd_only;
     case InputEnding::kOther:
       break;
   }
@@ -49,7 +49,9 @@ bool is_wanted(const std::string& path, const std::optional<OutputKind>& kind) {
 
 // Those that are named, and those in the list.
 std::vector<Input> inputs_of(const ConvertOptions& options, const std::optional<OutputKind>& kind) {
-  const auto wanted = [&](const std::string& path) { return is_wanted(path, kind); };
+  const auto wanted = [&](const std::string& path) {
+    return is_wanted(path, kind, options.dsd_only);
+  };
   std::vector<Input> inputs = collect_inputs(options.inputs, options.recursive, wanted);
   if (!options.files_from) return inputs;
   for (const std::string& name :
@@ -62,7 +64,7 @@ std::vector<Input> inputs_of(const ConvertOptions& options, const std::optional<
   return inputs;
 }
 
-void look_at(PlannedConversion& planned) {
+void look_at(PlannedConversion& planned, bool dsd_only) {
   if (!planned.input.problem.empty())
     throw Failure(kBadInput, planned.input.path, planned.input.problem);
   planned.content = content_of_pipe(planned.input.path);
@@ -75,6 +77,7 @@ void look_at(PlannedConversion& planned) {
     planned.samples = dsd->info().samples;
     return;
   }
+  if (dsd_only) throw no_dsd_file(planned.input.path);
   const PcmInput pcm(planned.input.path);
   planned.rate_hz = pcm.rate_hz();
   planned.channels = pcm.channels();
@@ -164,7 +167,7 @@ std::vector<PlannedConversion> plan_conversions(const ConvertOptions& options) {
     planned.input = input;
     planned.all_inputs = identities;
     try {
-      look_at(planned);
+      look_at(planned, options.dsd_only);
       planned.kind = asked            ? *asked
                      : planned.is_dsd ? OutputKind(PcmKind::kFlac)
                                       : OutputKind(CORVIN_DSF);
