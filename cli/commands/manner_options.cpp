@@ -21,7 +21,8 @@ constexpr Choice<ProgressStyle> kStyles[] = {
 };
 
 bool takes_time(const std::string& command) {
-  constexpr const char* kLong[] = {"convert", "remux", "hash", "encode", "decode", "join", "split"};
+  constexpr const char* kLong[] = {"convert", "check",  "remux", "hash",
+                                   "encode",  "decode", "join",  "split"};
   return std::find(std::begin(kLong), std::end(kLong), command) != std::end(kLong);
 }
 
