@@ -21,7 +21,7 @@ constexpr Choice<ProgressStyle> kStyles[] = {
 };
 
 bool takes_time(const std::string& command) {
-  constexpr const char* kLong[] = {"convert", "check",  "remux", "hash",
+  constexpr const char* kLong[] = {"convert", "fix",    "check", "remux", "hash",
                                    "encode",  "decode", "join",  "split"};
   return std::find(std::begin(kLong), std::end(kLong), command) != std::end(kLong);
 }

@@ -63,9 +63,9 @@ DsdOutput::DsdOutput(const Config& config) : config_(checked(config)), file_(con
   }
 }
 
-void DsdOutput::set_tags(const TagSet& tags) {
+void DsdOutput::set_tags(const TagSet& tags, corvin_id3_form form) {
   try {
-    writer_->set_all_tags(tags);
+    writer_->set_all_tags(tags, form);
   } catch (const Error& error) {
     const std::string& path = config_.file.path;
     if (error.status() != CORVIN_E_UNSUPPORTED)

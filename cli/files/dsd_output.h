@@ -34,7 +34,7 @@ class DsdOutput : private ByteStream {
 
   /** Hands over tags. Those that the file cannot hold are no reason to lose the sound: standard
    *  error tells of them. */
-  void set_tags(const TagSet& tags);
+  void set_tags(const TagSet& tags, corvin_id3_form form = CORVIN_ID3_AS_READ);
 
   /** To be finished by the one who writes. */
   Writer& writer() { return *writer_; }
