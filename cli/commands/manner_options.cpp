@@ -21,7 +21,7 @@ constexpr Choice<ProgressStyle> kStyles[] = {
 };
 
 bool takes_time(const std::string& command) {
-  constexpr const char* kLong[] = {"convert", "encode", "decode", "join", "split"};
+  constexpr const char* kLong[] = {"convert", "encode", "decode", "join", "measure", "split"};
   return std::find(std::begin(kLong), std::end(kLong), command) != std::end(kLong);
 }
 
