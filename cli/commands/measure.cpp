@@ -19,6 +19,7 @@
 #include "cli/commands/commands.h"
 #include "cli/files/output_file.h"
 #include "cli/files/output_kind.h"
+#include "cli/measure/null_test.h"
 #include "cli/measure/picture.h"
 #include "cli/measure/report.h"
 #include "cli/measure/sound_meter.h"
@@ -33,6 +34,7 @@ struct Options {
   std::vector<std::string> paths;
   bool recursive = false;
   bool as_json = false;
+  std::string other;  // of --null
   std::string svg;
   bool overwrite = false;
   bool force = false;
@@ -45,15 +47,26 @@ struct Measured {
   std::string name;                            // as it was given
   std::shared_ptr<const UnnamedFile> content;  // of a pipe
   std::optional<Failure> failure;
+  std::string other;  // to be compared with
   std::string text;
   Json json;
 };
 
-void write_picture(const Options& options, const Measured& file, const SoundPicture& picture) {
-  OutputFile output({.path = options.svg,
-                     .input_path = file.path,
-                     .overwrite = options.overwrite,
-                     .force = options.force});
+std::string without_directory(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+// Before anything is measured: a picture that cannot be had is no reason to wait for it.
+std::unique_ptr<OutputFile> open_picture(const Options& options, const Measured& file) {
+  if (options.svg.empty()) return nullptr;
+  const auto others = std::make_shared<FileIdentities>();
+  if (!file.other.empty()) others->add(file.other);
+  return std::make_unique<OutputFile>(OutputFile::Config{.path = options.svg,
+                                                         .input_path = file.path,
+                                                         .overwrite = options.overwrite,
+                                                         .force = options.force,
+                                                         .other_inputs = others});
+}
+
+void write_picture(const Options& options, OutputFile& output, const SoundPicture& picture) {
   const std::string text = svg_of(picture);
   for (size_t done = 0; done < text.size();) {
     const ssize_t now = write(output.descriptor(), text.data() + done, text.size() - done);
@@ -64,16 +77,43 @@ void write_picture(const Options& options, const Measured& file, const SoundPict
   output.commit();
 }
 
-void measure(const Options& options, Measured& file) {
-  if (file.failure) throw Failure(*file.failure);
+void measure_one(const Options& options, Measured& file) {
+  const auto output = open_picture(options, file);
   const Measurement measured = measure_file(file.path, file.name);
+  if (output) write_picture(options, *output, picture_of(measured, without_directory(file.name)));
   if (options.as_json) {
     file.json["file"] = file.name;
     file.json.update(report_json(measured));
   } else {
     file.text = name_on_stdout(file.name) + "\n" + report_text(measured);
   }
-  if (!options.svg.empty()) write_picture(options, file, picture_of(measured, file.name));
+}
+
+void compare(const Options& options, Measured& file) {
+  const auto output = open_picture(options, file);
+  const NullTest test = null_test(file.path, file.other, file.name, options.other);
+  // As they are, or at their best when they are shifted.
+  if (output)
+    write_picture(
+        options, *output,
+        picture_of(test.differences.back().left,
+                   without_directory(file.name) + " without " + without_directory(options.other)));
+  if (options.as_json) {
+    file.json["file"] = file.name;
+    file.json["null"] = options.other;
+    file.json.update(null_json(test));
+  } else {
+    file.text =
+        name_on_stdout(file.name) + "\n" + name_on_stdout(options.other) + "\n" + null_text(test);
+  }
+}
+
+void measure(const Options& options, Measured& file) {
+  if (file.failure) throw Failure(*file.failure);
+  if (file.other.empty())
+    measure_one(options, file);
+  else
+    compare(options, file);
 }
 
 // Pipes are read before there are several threads, as they get their names for messages then.
@@ -86,6 +126,7 @@ std::vector<Measured> files_of(const Options& options) {
                   .name = input.path,
                   .content = {},
                   .failure = {},
+                  .other = {},
                   .text = {},
                   .json = {}};
     try {
@@ -102,6 +143,11 @@ std::vector<Measured> files_of(const Options& options) {
 
 ExitCode run(const Options& options) {
   std::vector<Measured> files = files_of(options);
+  if (!options.other.empty() && files.size() != 1)
+    throw Failure(kUsage, "--null",
+                  "compares with one input, not with " + std::to_string(files.size()));
+  const auto other = options.other.empty() ? nullptr : content_of_pipe(options.other);
+  if (!options.other.empty()) files[0].other = other ? other->path() : options.other;
   if (!options.svg.empty() && files.size() != 1)
     throw Failure(kUsage, "--svg",
                   "names one picture, for " + std::to_string(files.size()) + " inputs");
@@ -136,6 +182,11 @@ void add_measure_command(CLI::App& app, int& exit_code) {
                     "Measure what is in directories, and below them");
   command->add_flag("--json", options->as_json,
                     "Print a JSON array of one object per readable file");
+  command
+      ->add_option("--null", options->other,
+                   "Measure what is left of FILE when this one is taken away from it, as they are "
+                   "and, if one is shifted by up to a second, at the place where they are alike")
+      ->type_name("OTHER");
   command
       ->add_option("--svg", options->svg,
                    "Draw the spectrum, and the level over time, of one input. - is standard output")

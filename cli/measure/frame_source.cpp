@@ -25,8 +25,8 @@ uint32_t spectrum_rate_hz(uint32_t dsd_rate_hz) {
 
 class DsdFrames : public FrameSource {
  public:
-  DsdFrames(const std::string& path, uint64_t begin, uint32_t rate_hz, bool full_band)
-      : bits_(path, begin) {
+  DsdFrames(const std::string& path, const Stretch& stretch, uint32_t rate_hz, bool full_band)
+      : bits_(path, stretch) {
     DecoderSettings settings;
     settings.dsd_rate = bits_.input().info().dsd_rate;
     settings.pcm_rate = rate_hz;
@@ -78,11 +78,10 @@ class DsdFrames : public FrameSource {
 
 class PcmFrames : public FrameSource {
  public:
-  PcmFrames(const std::string& path, uint64_t begin) : input_(path) {
+  PcmFrames(const std::string& path, const Stretch& stretch) : input_(path), left_(stretch.count) {
     std::vector<double> skipped;
-    while (begin > 0) {
-      const uint64_t now = std::min<uint64_t>(begin, 1 << 14);
-      skipped.resize(now * input_.channels());
+    for (uint64_t begin = stretch.begin; begin > 0;) {
+      skipped.resize(std::min<uint64_t>(begin, 1 << 14) * input_.channels());
       const size_t got = input_.read(std::span<double>(skipped));
       if (got == 0) break;
       begin -= got;
@@ -90,7 +89,11 @@ class PcmFrames : public FrameSource {
   }
 
   size_t read(double* frames, size_t count) override {
-    return input_.read(std::span<double>(frames, count * input_.channels()));
+    count = std::min<uint64_t>(count, left_);
+    if (count == 0) return 0;
+    const size_t got = input_.read(std::span<double>(frames, count * input_.channels()));
+    left_ -= got;
+    return got;
   }
 
   void note_damage() override {
@@ -100,6 +103,7 @@ class PcmFrames : public FrameSource {
 
  private:
   PcmInput input_;
+  uint64_t left_;
 };
 
 }  // namespace
@@ -134,10 +138,10 @@ SoundFacts facts_of(const std::string& path) {
           .spectrum_rate_hz = pcm.rate_hz()};
 }
 
-DsdBits::DsdBits(const std::string& path, uint64_t begin)
+DsdBits::DsdBits(const std::string& path, const Stretch& stretch)
     : input_(DsdInput::open_dsd(path)),
-      begin_(std::min(begin, input_.info().samples)),
-      left_(input_.info().samples - begin_) {
+      begin_(std::min(stretch.begin, input_.info().samples)),
+      samples_(std::min(stretch.count, input_.info().samples - begin_)) {
   if (left_ == 0) return;
   try {
     input_.file().seek(begin_);
@@ -182,11 +186,11 @@ size_t DsdBits::read(std::vector<std::vector<uint8_t>>& to, size_t bytes) {
 }
 
 std::unique_ptr<FrameSource> open_frames(const std::string& path, const SoundFacts& facts,
-                                         FramesFor use, uint64_t begin) {
-  if (!facts.is_dsd) return std::make_unique<PcmFrames>(path, begin);
+                                         FramesFor use, const Stretch& stretch) {
+  if (!facts.is_dsd) return std::make_unique<PcmFrames>(path, stretch);
   const bool is_spectrum = use == FramesFor::kSpectra;
   return std::make_unique<DsdFrames>(
-      path, begin, is_spectrum ? facts.spectrum_rate_hz : facts.level_rate_hz, is_spectrum);
+      path, stretch, is_spectrum ? facts.spectrum_rate_hz : facts.level_rate_hz, is_spectrum);
 }
 
 }  // namespace corvin::cli

@@ -40,16 +40,22 @@ enum class FramesFor {
   kSpectra,  // of the full band of a high rate
 };
 
-/** The bits of a DSD file from any sample on, also within a byte. */
+/** Where reading begins, in samples of DSD or frames of PCM, and how many there are at most. */
+struct Stretch {
+  uint64_t begin = 0;
+  uint64_t count = UINT64_MAX;
+};
+
+/** The bits of a stretch of a DSD file, which may begin within a byte. */
 class DsdBits {
  public:
-  DsdBits(const std::string& path, uint64_t begin);
+  DsdBits(const std::string& path, const Stretch& stretch);
 
   DsdInput& input() { return input_; }
   uint32_t channels() const { return input_.info().channels; }
 
-  /** Samples of each channel from the first one on. */
-  uint64_t samples() const { return input_.info().samples - begin_; }
+  /** Samples of each channel in all. */
+  uint64_t samples() const { return samples_; }
 
   /** Reads up to `bytes` bytes of each channel, earliest sample in the most significant bit, to
    *  `to[channel]`, made as long; returns their number, 0 at the end. What follows the last sample in
@@ -59,7 +65,8 @@ class DsdBits {
  private:
   DsdInput input_;
   const uint64_t begin_;
-  uint64_t left_;                 // samples
+  const uint64_t samples_;
+  uint64_t left_ = samples_;
   std::vector<uint8_t> carried_;  // the last byte of each channel, of which the rest is to come
 };
 
@@ -78,9 +85,9 @@ class FrameSource {
   virtual void note_damage() = 0;
 };
 
-/** The frames from the sample or frame `begin` of the file on. Throws Failure. */
+/** The frames of a stretch of the file. Throws Failure. */
 std::unique_ptr<FrameSource> open_frames(const std::string& path, const SoundFacts& facts,
-                                         FramesFor use, uint64_t begin = 0);
+                                         FramesFor use, const Stretch& stretch = {});
 
 }  // namespace corvin::cli
 

@@ -9,9 +9,9 @@
 
 namespace corvin::cli {
 
-SoundPicture picture_of(const Measurement& measured, const std::string& name) {
+SoundPicture picture_of(const Measurement& measured, const std::string& title) {
   SoundPicture picture;
-  picture.title = name.substr(name.rfind('/') + 1);
+  picture.title = title;
   picture.subtitle = sound_text(measured);
   if (measured.loudness.integrated_lufs)
     picture.subtitle += ", " + fixed(measured.loudness.integrated_lufs, 1) + " LUFS";

@@ -13,8 +13,8 @@
 
 namespace corvin::cli {
 
-/** @param name  of the file */
-SoundPicture picture_of(const Measurement& measured, const std::string& name);
+/** @param title  the file's name */
+SoundPicture picture_of(const Measurement& measured, const std::string& title);
 
 }  // namespace corvin::cli
 

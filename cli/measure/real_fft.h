@@ -34,6 +34,10 @@ class RealFft {
   std::vector<std::complex<double>> bins_;
 };
 
+/** sum[lag] = a[0] * b[lag] + a[1] * b[lag + 1]..., for all places of `a` within `b`, which is the
+ *  longer one. */
+std::vector<double> correlation_of(std::span<const double> a, std::span<const double> b);
+
 }  // namespace corvin::cli
 
 #endif  // CORVIN_CLI_MEASURE_REAL_FFT_H_

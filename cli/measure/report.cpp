@@ -3,7 +3,7 @@
 
 #include "cli/measure/report.h"
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <functional>
@@ -21,12 +21,6 @@ std::string khz(double hz) {
   char text[40];
   std::snprintf(text, sizeof text, "%.5g kHz", hz / 1000);
   return hz < 1000 ? hz_text(hz) : text;
-}
-
-std::string row(const std::string& name, const std::string& text) {
-  char head[40];
-  std::snprintf(head, sizeof head, "  %-19s  ", name.c_str());
-  return head + text + "\n";
 }
 
 std::string with_unit(std::optional<double> value, int decimals, const char* unit) {
@@ -53,7 +47,18 @@ std::string cells(const std::string& name, size_t begin, size_t end,
     const std::string cell = text(i);
     line += (cell.size() < 9 ? std::string(9 - cell.size(), ' ') : " ") + cell;
   }
-  return row(name, line.substr(1));
+  return report_row(name, line.substr(1));
+}
+
+std::string band_rows(const Measurement& measured, size_t begin, size_t end) {
+  const auto& channels = measured.channels;
+  std::string text;
+  for (size_t band = 0; band < channels[begin].bands.size(); ++band) {
+    const BandPower& edges = channels[begin].bands[band];
+    text += cells(khz(edges.from_hz) + " - " + khz(edges.to_hz), begin, end,
+                  [&](size_t i) { return fixed(power_db(channels[i].bands[band].power), 1); });
+  }
+  return text;
 }
 
 std::string table(const Measurement& measured, size_t begin, size_t end) {
@@ -67,11 +72,7 @@ std::string table(const Measurement& measured, size_t begin, size_t end) {
   text += cells("RMS dBFS", begin, end,
                 [&](size_t i) { return fixed(power_db(channels[i].level.power), 2); });
   text += cells("DC %", begin, end, [&](size_t i) { return fixed(100 * channels[i].level.dc, 4); });
-  for (size_t band = 0; band < channels[begin].bands.size(); ++band) {
-    const BandPower& edges = channels[begin].bands[band];
-    text += cells(khz(edges.from_hz) + " - " + khz(edges.to_hz), begin, end,
-                  [&](size_t i) { return fixed(power_db(channels[i].bands[band].power), 1); });
-  }
+  text += band_rows(measured, begin, end);
   const auto noise = [&](size_t i, auto tell) {
     return channels[i].noise ? tell(*channels[i].noise) : std::string("none");
   };
@@ -97,17 +98,41 @@ std::string lines_text(const Measurement& measured) {
     if (channel.lines_in == LinesIn::kNothing) continue;
     const std::string name = "lines in " + names[i];
     const std::string where = std::string(" (") + name_of(channel.lines_in) + ")";
-    if (channel.lines.empty()) text += row(name, "none" + where);
+    if (channel.lines.empty()) text += report_row(name, "none" + where);
     for (size_t k = 0; k < channel.lines.size(); ++k) {
       const Line& line = channel.lines[k];
-      text += row(k == 0 ? name : "", fixed(line.hz, 1) + " Hz  " + fixed(power_db(line.power), 1) +
-                                          " dBFS" + (k == 0 ? where : ""));
+      text += report_row(k == 0 ? name : "", fixed(line.hz, 1) + " Hz  " +
+                                                 fixed(power_db(line.power), 1) + " dBFS" +
+                                                 (k == 0 ? where : ""));
     }
   }
   return text;
 }
 
 }  // namespace
+
+std::string report_row(const std::string& name, const std::string& text) {
+  char head[40];
+  std::snprintf(head, sizeof head, "  %-19s  ", name.c_str());
+  return head + text + "\n";
+}
+
+std::string left_table(const Measurement& left, const std::string& count_name,
+                       const std::vector<uint64_t>& counts) {
+  const std::vector<std::string> names = channel_names(left.facts);
+  std::string text;
+  for (size_t begin = 0; begin < counts.size(); begin += kChannelsInRow) {
+    const size_t end = std::min(begin + kChannelsInRow, counts.size());
+    text += cells("channel", begin, end, [&](size_t i) { return names[i]; });
+    text += cells(count_name, begin, end, [&](size_t i) { return std::to_string(counts[i]); });
+    text += cells("sample peak dBFS", begin, end,
+                  [&](size_t i) { return fixed(amplitude_db(left.channels[i].level.peak), 2); });
+    text += cells("RMS dBFS", begin, end,
+                  [&](size_t i) { return fixed(power_db(left.channels[i].level.power), 2); });
+    text += band_rows(left, begin, end);
+  }
+  return text;
+}
 
 std::optional<double> power_db(double power) {
   return power > 0 ? std::optional(10 * std::log10(power)) : std::nullopt;
@@ -149,12 +174,12 @@ std::vector<std::string> channel_names(const SoundFacts& facts) {
 
 std::string report_text(const Measurement& measured) {
   const LoudnessFigures& loudness = measured.loudness;
-  std::string text = row("sound", sound_text(measured));
-  text += row("loudness", with_unit(loudness.integrated_lufs, 1, " LUFS") + ", range " +
-                              with_unit(loudness.range_lu, 1, " LU"));
-  text +=
-      row("loudest", "momentary " + with_unit(loudness.most_momentary_lufs, 1, " LUFS") +
-                         ", short-term " + with_unit(loudness.most_short_term_lufs, 1, " LUFS"));
+  std::string text = report_row("sound", sound_text(measured));
+  text += report_row("loudness", with_unit(loudness.integrated_lufs, 1, " LUFS") + ", range " +
+                                     with_unit(loudness.range_lu, 1, " LU"));
+  text += report_row("loudest", "momentary " + with_unit(loudness.most_momentary_lufs, 1, " LUFS") +
+                                    ", short-term " +
+                                    with_unit(loudness.most_short_term_lufs, 1, " LUFS"));
   for (size_t begin = 0; begin < measured.channels.size(); begin += kChannelsInRow)
     text += table(measured, begin, std::min(begin + kChannelsInRow, measured.channels.size()));
   return text + lines_text(measured);

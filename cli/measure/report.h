@@ -6,6 +6,7 @@
 #ifndef CORVIN_CLI_MEASURE_REPORT_H_
 #define CORVIN_CLI_MEASURE_REPORT_H_
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -32,6 +33,13 @@ std::string sound_text(const Measurement& measured);
 
 /** The speakers of the channels, numbers from 1 where they are not known. */
 std::vector<std::string> channel_names(const SoundFacts& facts);
+
+/** "  name                 text\n", as the lines of reports are. */
+std::string report_row(const std::string& name, const std::string& text);
+
+/** Levels and bands of what differs, below the counts of it. */
+std::string left_table(const Measurement& left, const std::string& count_name,
+                       const std::vector<uint64_t>& counts);
 
 /** The lines below a file's name, each indented by two spaces. */
 std::string report_text(const Measurement& measured);

@@ -8,8 +8,8 @@ make_dsd dsf tone.dsf 0.5
 make_dsd dsf six.dsf 0.1 2822400 6
 make_dsd dsf none.dsf 0
 make_wav short.wav 0.05
-corvin convert twin.wav -o twin.dsf -q
-corvin convert noise.wav -o noise.dsf -q
+corvin convert twin.wav -o twin.dsf -q --modulator standard
+corvin convert noise.wav -o noise.dsf -q --modulator standard
 corvin measure --json -j 2 *.wav *.dsf >measured.json
 echo "exit $?"
 python3 "$CASES/measure.py" compare measured.json
