@@ -5,10 +5,10 @@
 # preset. To be sourced by bash; sets $root to the source tree.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libflac-dev libwavpack-dev libsoxr-dev libebur128-dev libxxhash-dev
+build_packages="g++ cmake ninja-build pkgconf libsndfile1-dev libtag1-dev libflac-dev libwavpack-dev libsoxr-dev libebur128-dev libkissfft-dev libxxhash-dev
   libcli11-dev nlohmann-json3-dev scdoc"
 test_packages="libgtest-dev libbenchmark-dev python3 python3-mutagen mediainfo wavpack flac sox parallel
-  frozen-bubble-data"
+  frozen-bubble-data librsvg2-bin"
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -52,10 +52,10 @@ std::vector<Input> collect_inputs(const std::vector<std::string>& paths, bool re
       inputs.push_back({.path = path, .below = "", .problem = ""});
       continue;
     }
-    if (!recursive) throw Failure(kUsage, path, "is a directory; -R converts what is in it");
+    if (!recursive) throw Failure(kUsage, path, "is a directory; -R takes what is in it");
     const size_t before = inputs.size();
     collect_directory(path.ends_with('/') ? path : path + "/", "", wanted, inputs);
-    if (inputs.size() == before) throw Failure(kUsage, path, "holds no file that could be taken");
+    if (inputs.size() == before) throw Failure(kUsage, path, "holds no file that this takes");
   }
   return inputs;
 }

@@ -152,7 +152,8 @@ void do_job(Batch& batch, size_t begin, size_t end) {
     return;
   }
   const auto convert = [&]() -> std::vector<Converted> {
-    if (!options.directory.empty()) make_directory_of(first.output);
+    if (!options.directory.empty() || !options.names.empty())
+      for (size_t i = begin; i < end; ++i) make_directory_of(batch.plan[i].output);
     if (options.engine == Engine::kClassic) return convert_classic(options, first);
     if (first.is_dsd) return {convert_dsd(options, batch.plan, begin, share)};
     return convert_pcm(options, batch.plan, begin, end, share);

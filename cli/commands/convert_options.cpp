@@ -3,8 +3,11 @@
 
 #include "cli/commands/convert_options.h"
 
+#include <algorithm>
+
 #include "cli/commands/choice_option.h"
 #include "cli/commands/value_option.h"
+#include "cli/words/failure.h"
 
 namespace corvin::cli {
 namespace {
@@ -111,6 +114,20 @@ void add_cuts(CLI::App& command, ConvertOptions& options) {
 }
 
 void add_batch(CLI::App& command, ConvertOptions& options) {
+  command
+      .add_option_function<std::string>(
+          "--name",
+          [&options](const std::string& text) {
+            for (size_t begin = 0, end; begin <= text.size(); begin = end + 1) {
+              end = std::min(text.find('/', begin), text.size());
+              if (begin == end) throw Failure(kUsage, "--name", "has an empty name in it");
+              options.names.emplace_back(text.substr(begin, end - begin), end < text.size());
+            }
+          },
+          "Names of the outputs by their tags, such as \"{albumartist}/{album}/{track:02} "
+          "{title}\": track, total, title, artist, album, albumartist, disc, date, genre, "
+          "composer, isrc")
+      ->type_name("PATTERN");
   auto* list = command
                    .add_option("--files-from", options.files_from,
                                "More inputs, from a file with one on each line, or - for standard "

@@ -15,6 +15,7 @@
 #include "cli/batch/shard.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/option_values.h"
+#include "cli/cue/track_names.h"
 #include "cli/files/output_kind.h"
 #include "corvin.h"
 
@@ -27,6 +28,7 @@ struct ConvertOptions {
   std::vector<std::string> inputs;
   std::optional<std::string> output;  // by default beside the input, or in `directory`
   std::string directory;              // of -O
+  std::vector<NamePattern> names;     // of --name: of directories, and last of the file
   bool recursive = false;
   std::optional<std::string> files_from;  // a list of more inputs; "-" for standard input
   bool is_list_zero_terminated = false;

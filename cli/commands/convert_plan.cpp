@@ -14,6 +14,7 @@
 #include "cli/files/dsd_input.h"
 #include "cli/files/path_parts.h"
 #include "cli/files/pcm_input.h"
+#include "cli/files/pcm_tags.h"
 
 namespace corvin::cli {
 namespace {
@@ -83,15 +84,36 @@ void look_at(PlannedConversion& planned, bool dsd_only) {
   planned.channels = pcm.channels();
 }
 
+std::string with_slash(const std::string& directory) {
+  return directory + (directory.ends_with('/') ? "" : "/");
+}
+
+TagSet tags_of(const PlannedConversion& planned) {
+  if (!planned.is_dsd) return read_pcm_tags(PcmInput(planned.input.path));
+  try {
+    return DsdInput::open_dsd(planned.input.path).file().all_tags();
+  } catch (const Error&) {
+    return {};  // the conversion tells of it
+  }
+}
+
 std::string output_of(const ConvertOptions& options, const PlannedConversion& planned) {
   if (options.output) return *options.output;
   if (planned.content)
     throw Failure(kUsage, planned.input.path, "gives the output no name; -o does");
   std::string directory = directory_of(planned.input.path);
-  if (!options.directory.empty())
-    directory =
-        options.directory + (options.directory.ends_with('/') ? "" : "/") + planned.input.below;
-  return directory + stem_of(planned.input.path) + ending_of(planned.kind);
+  if (!options.directory.empty()) directory = with_slash(options.directory) + planned.input.below;
+  const std::string stem = stem_of(planned.input.path);
+  if (options.names.empty()) return directory + stem + ending_of(planned.kind);
+  if (!options.directory.empty()) directory = with_slash(options.directory);
+  const TagSet tags = tags_of(planned);
+  for (const NamePattern& name : options.names) {
+    const bool is_last = &name == &options.names.back();
+    const std::string text = name.text_for(tags, stem);
+    directory += file_name(text.empty() ? "Unknown" : text, is_last ? ending_of(planned.kind) : "");
+    if (!is_last) directory += '/';
+  }
+  return directory;
 }
 
 // Two inputs of one stem would follow each other under one name.

@@ -21,8 +21,8 @@ constexpr Choice<ProgressStyle> kStyles[] = {
 };
 
 bool takes_time(const std::string& command) {
-  constexpr const char* kLong[] = {"convert", "fix",    "check", "remux", "hash",
-                                   "encode",  "decode", "join",  "split"};
+  constexpr const char* kLong[] = {"convert", "check",  "fix",  "hash",    "remux",
+                                   "encode",  "decode", "join", "measure", "split"};
   return std::find(std::begin(kLong), std::end(kLong), command) != std::end(kLong);
 }
 

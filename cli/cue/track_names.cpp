@@ -49,7 +49,7 @@ std::string safe(const std::string& text) {
 
 }  // namespace
 
-NamePattern::NamePattern(const std::string& text) {
+NamePattern::NamePattern(const std::string& text, bool may_be_plain) {
   if (text.find('/') != std::string::npos)
     throw bad("makes names, which have no slash; -O names a directory");
   std::string_view rest = text;
@@ -80,7 +80,7 @@ NamePattern::NamePattern(const std::string& text) {
     parts_.push_back({.text = "", .field = field->tag, .width = width});
   }
   const auto is_field = [](const Part& part) { return !part.field.empty(); };
-  if (std::none_of(parts_.begin(), parts_.end(), is_field))
+  if (!may_be_plain && std::none_of(parts_.begin(), parts_.end(), is_field))
     throw bad("has no field in braces, so all tracks would have one name");
 }
 
@@ -89,17 +89,21 @@ std::string NamePattern::text_for(const TagSet& tags, const std::string& untitle
   for (const Part& part : parts_) {
     std::string value = part.field.empty() ? part.text : tags.value(part.field);
     if (part.field == "TITLE" && value.empty()) value = untitled;
+    if (part.field == "ALBUMARTIST" && value.empty()) value = tags.value("ARTIST");
     if (value.size() < part.width) value.insert(0, part.width - value.size(), '0');
     text += value;
   }
   return text;
 }
 
+std::string file_name(const std::string& text, const std::string& ending) {
+  return cut(safe(text), kMostBytes - ending.size()) + ending;
+}
+
 std::string FileNames::name_for(const std::string& text, const std::string& ending) {
-  const std::string stem = safe(text);
   for (size_t number = 1;; ++number) {
     const std::string last = (number > 1 ? " (" + std::to_string(number) + ")" : "") + ending;
-    std::string name = cut(stem, kMostBytes - last.size()) + last;
+    std::string name = file_name(text, last);
     if (taken_.insert(lower_case(name)).second) return name;
   }
 }

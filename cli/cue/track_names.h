@@ -17,8 +17,9 @@ namespace corvin::cli {
 /** A pattern that was understood. */
 class NamePattern {
  public:
-  /** Throws Failure, kUsage. */
-  explicit NamePattern(const std::string& text);
+  /** Throws Failure, kUsage.
+   *  @param may_be_plain  it need not have a field */
+  explicit NamePattern(const std::string& text, bool may_be_plain = false);
 
   /** The text for these tags; a field that they lack is empty, but a title is `untitled`. */
   std::string text_for(const TagSet& tags, const std::string& untitled) const;
@@ -32,12 +33,14 @@ class NamePattern {
   std::vector<Part> parts_;
 };
 
-/** Makes names that any directory takes, none of them twice. */
+/** A name that any directory takes out of any text and an ending such as ".dsf": without slashes,
+ *  control characters and a point at its beginning, of up to 255 bytes. */
+std::string file_name(const std::string& text, const std::string& ending);
+
+/** Names of files, none of them twice. */
 class FileNames {
  public:
-  /** A name out of any text and an ending such as ".dsf": without slashes, control characters and a
-   *  point at its beginning, of up to 255 bytes, and not one that was given out, in letters of either
-   *  case. */
+  /** A file_name() that was not given out, in letters of either case. */
   std::string name_for(const std::string& text, const std::string& ending);
 
  private:

@@ -40,8 +40,8 @@ const std::map<std::string, std::vector<std::vector<std::string>>> kFloors = {
     {"classic", {{"decode", "encode", "stream"}, {"files"}, {"foundation"}}},
     {"studio", {{"c_api"}, {"convert"}, {"decode", "encode"}, {"stream", "pcm"},
                 {"modulator", "plan"}, {"kernels"}, {"math", "threads"}}},
-    {"cli", {{""}, {"commands"}, {"mend"}, {"convert", "classic", "batch", "cue"}, {"files"},
-             {"words"}}},
+    {"cli", {{""}, {"commands"}, {"mend"}, {"measure"}, {"convert", "classic", "batch", "cue", "plot"},
+             {"files"}, {"words"}}},
 };
 // clang-format on
 

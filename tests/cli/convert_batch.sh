@@ -26,6 +26,15 @@ for way in "--files-from empty" "--files-from missing" "-0 in.dsf" "--resume in.
   try corvin convert $way -O none
 done
 
+# Names by tags; what the tags lack, and what no name can have.
+cp "m/A1/disc 1/a.dsf" named.dsf
+corvin tags set -t TITLE="AC/DC: ..." -t ARTIST=Me -t TRACKNUMBER=3 named.dsf
+for name in "{albumartist}/{album}/{track:02} {title}" "{track}" "x/{title}" "{artist" "/{title}" "a" "{x}"; do
+  try corvin convert named.dsf -O named --name "$name" --dry-run
+done
+try corvin convert -R m -O named --name "{title}" -f dsf -q
+tree named
+
 # What is there need not be made again, nor copied; what others have put there is in the way.
 try corvin convert --files-from list -O out --skip-existing --sidecars
 echo mine >"out/m/A1/disc 1/Cover.JPG"
