@@ -100,8 +100,8 @@ std::vector<Converted> convert_pcm_to_dsd(const std::vector<DsdRequest>& request
     if (frames == 0) note_no_sound(track.input.path());
     if (const std::string damage = track.input.damage(); !damage.empty())
       note_damage(track.input.path(), damage);
-    converted.push_back({.seconds = static_cast<double>(frames) / track.input.rate_hz(),
-                         .peak = result.peak});
+    converted.push_back(
+        {.seconds = static_cast<double>(frames) / track.input.rate_hz(), .peak = result.peak});
   }
   return converted;
 }
