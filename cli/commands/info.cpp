@@ -148,7 +148,7 @@ Json json_of_facts(const FileFacts& facts) {
 }
 
 void tell(const Subject& subject, Told& told) {
-  const FileFacts facts = facts_of(subject.path);
+  const FileFacts facts = read_file_facts(subject.path);
   told.text = text_of(subject.name, facts);
   told.object = json_of_facts(facts);
   for (const std::string& warning : facts.warnings) note_damage(subject.path, warning);

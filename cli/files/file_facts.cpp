@@ -14,7 +14,7 @@
 namespace corvin::cli {
 namespace {
 
-FileFacts facts_of(DsdInput& input) {
+FileFacts read_file_facts(DsdInput& input) {
   const corvin_file_info& info = input.info();
   FileFacts facts{.is_dsd = true,
                   .kind = input.is_wavpack() ? "WavPack with DSD" : container_name(info.container),
@@ -48,7 +48,7 @@ FileFacts facts_of(DsdInput& input) {
   return facts;
 }
 
-FileFacts facts_of(const PcmInput& input) {
+FileFacts read_file_facts(const PcmInput& input) {
   FileFacts facts{.kind = input.kind(),
                   .rate_hz = input.rate_hz(),
                   .channels = input.channels(),
@@ -66,9 +66,9 @@ FileFacts facts_of(const PcmInput& input) {
 
 }  // namespace
 
-FileFacts facts_of(const std::string& path) {
-  if (auto dsd = DsdInput::open(path)) return facts_of(*dsd);
-  return facts_of(PcmInput(path));
+FileFacts read_file_facts(const std::string& path) {
+  if (auto dsd = DsdInput::open(path)) return read_file_facts(*dsd);
+  return read_file_facts(PcmInput(path));
 }
 
 }  // namespace corvin::cli

@@ -41,7 +41,7 @@ struct FileFacts {
 };
 
 /** Throws Failure for a file that is no sound file or states neither rate nor channels. */
-FileFacts facts_of(const std::string& path);
+FileFacts read_file_facts(const std::string& path);
 
 }  // namespace corvin::cli
 
