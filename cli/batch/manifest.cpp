@@ -40,6 +40,7 @@ std::string line_of(const Record& record) {
   }
   if (record.is_success()) {
     object["output_bytes"] = record.output_bytes;
+    if (!record.sum.empty()) object["xxh3_128"] = record.sum;
     object["gain_db"] = record.gain_db;
     if (record.peak) object["peak"] = *record.peak;
     if (record.peak && *record.peak > 0) object["peak_dbfs"] = db_of(*record.peak);

@@ -37,6 +37,7 @@ struct Record {
   ExitCode exit = kDone;
   std::string message = {};  // why it failed
   uint64_t output_bytes = 0;
+  std::string sum = {};  // of the output's payload, XXH3-128 in hexadecimal digits
   double gain_db = 0;
   std::optional<double> peak = {};  // 1.0 is full scale
   uint64_t clips = 0;

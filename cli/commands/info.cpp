@@ -185,7 +185,7 @@ void add_info_command(CLI::App& app, int& exit_code) {
   add_choice(*command, "--engine", options->engine, kEngines,
              "Whose view of the files: studio, the sound that is there; or classic, what the "
              "headers declare")
-      ->check(CLI::IsMember({"studio", "classic"}));
+      ->check(one_of(kEngines));
   command->callback([options, &exit_code] {
     if (options->engine == Engine::kStudio) {
       exit_code = tell_each(options->tell, tell);

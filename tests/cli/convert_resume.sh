@@ -22,6 +22,8 @@ truncate -s 50000 m/d.dsf
 run() { corvin convert -R m -O out --manifest done.jsonl -b 16 --gain 1 -j 1 "$@"; }
 try run
 records done.jsonl
+corvin hash out/a.flac | cut -c1-40
+
 # What failed, what has been altered, and what is gone is made again; the rest is not.
 make_dsd dsf m/c.dsf 0.01
 rm out/a.flac
