@@ -15,10 +15,10 @@ constexpr double kSinePower = 0.5;  // of full scale
 
 }  // namespace
 
-LevelMeter::LevelMeter(uint32_t rate_hz, uint32_t channels)
+SampleMeter::SampleMeter(uint32_t rate_hz, uint32_t channels)
     : channels_(channels), block_frames_(std::max(1u, rate_hz / kBlocksPerSecond)) {}
 
-void LevelMeter::add(const double* frames, size_t count) {
+void SampleMeter::add(const double* frames, size_t count) {
   for (size_t i = 0; i < count; ++i) {
     for (Sums& one : channels_) {
       const double sample = *frames++;
@@ -34,18 +34,18 @@ void LevelMeter::add(const double* frames, size_t count) {
   frames_ += count;
 }
 
-void LevelMeter::finish() {
+void SampleMeter::finish() {
   if (in_block_ > 0) end_block();
 }
 
-ChannelLevel LevelMeter::channel(uint32_t channel) const {
+ChannelLevel SampleMeter::channel(uint32_t channel) const {
   if (frames_ == 0) return {};
   const Sums& sums = channels_[channel];
   const auto frames = static_cast<double>(frames_);
   return {.peak = sums.peak, .power = sums.squares / frames / kSinePower, .dc = sums.sum / frames};
 }
 
-void LevelMeter::end_block() {
+void SampleMeter::end_block() {
   double most = 0;
   for (Sums& one : channels_) {
     most = std::max(most, one.block_squares);
@@ -58,7 +58,7 @@ void LevelMeter::end_block() {
   if (blocks_.size() == kMostBlocks) join_blocks();
 }
 
-void LevelMeter::join_blocks() {
+void SampleMeter::join_blocks() {
   for (size_t i = 0; i < kMostBlocks / 2; ++i) {
     const LevelBlock &a = blocks_[2 * i], &b = blocks_[2 * i + 1];
     blocks_[i] = {.peak = std::max(a.peak, b.peak), .power = (a.power + b.power) / 2};

@@ -24,9 +24,9 @@ struct LevelBlock {
   double power = 0;  // of the loudest one, as above
 };
 
-class LevelMeter {
+class SampleMeter {
  public:
-  LevelMeter(uint32_t rate_hz, uint32_t channels);
+  SampleMeter(uint32_t rate_hz, uint32_t channels);
 
   /** Takes interleaved frames. */
   void add(const double* frames, size_t count);

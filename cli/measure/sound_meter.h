@@ -70,7 +70,7 @@ class SoundMeter {
 
  private:
   SoundFacts facts_;
-  LevelMeter levels_;
+  SampleMeter levels_;
   LoudnessMeter loudness_;
   std::vector<SpectrumMeter> spectra_;
 };
