@@ -22,13 +22,14 @@ using AddCommand = void(CLI::App& app, int& exit_code);
 
 AddCommand add_info_command, add_tags_command, add_convert_command, add_check_command,
     add_completion_command, add_dop_command, add_fix_command, add_hash_command, add_join_command,
-    add_measure_command, add_remux_command, add_split_command;
+    add_measure_command, add_plan_command, add_remux_command, add_split_command;
 
 /** In the order of --help. */
 inline constexpr AddCommand* kCommands[] = {
     add_info_command,       add_tags_command,    add_convert_command, add_check_command,
     add_completion_command, add_dop_command,     add_fix_command,     add_hash_command,
-    add_join_command,       add_measure_command, add_remux_command,   add_split_command,
+    add_join_command,       add_measure_command, add_plan_command,    add_remux_command,
+    add_split_command,
 };
 
 }  // namespace corvin::cli

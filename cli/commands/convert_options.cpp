@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "cli/commands/choice_option.h"
+#include "cli/commands/sound_choices.h"
 #include "cli/commands/value_option.h"
 #include "cli/words/failure.h"
 
@@ -16,17 +17,6 @@ constexpr Choice<corvin_dither> kDithers[] = {
     {"none", CORVIN_DITHER_NONE},
     {"tpdf", CORVIN_DITHER_TPDF},
     {"shaped", CORVIN_DITHER_SHAPED},
-};
-
-constexpr Choice<corvin_phase> kPhases[] = {
-    {"linear", CORVIN_LINEAR_PHASE},
-    {"minimum", CORVIN_MINIMUM_PHASE},
-};
-
-constexpr Choice<corvin_modulator> kModulators[] = {
-    {"standard", CORVIN_MODULATOR_STANDARD},
-    {"high", CORVIN_MODULATOR_HIGH},
-    {"best", CORVIN_MODULATOR_BEST},
 };
 
 constexpr Choice<GainGroup> kGainGroups[] = {

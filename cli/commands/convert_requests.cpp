@@ -12,8 +12,6 @@
 namespace corvin::cli {
 namespace {
 
-constexpr uint32_t kMinPcmRateHz = 8000;
-constexpr uint32_t kMaxPcmRateHz = 768000;
 constexpr uint32_t kMinClassicDsdRateHz = 64 * 44100;
 constexpr uint32_t kMaxClassicDsdRateHz = 256 * 48000;
 
@@ -77,22 +75,6 @@ ConvertSettings settings_of(const ConvertOptions& options, const Share& share) {
   settings.threads = share.threads;
   settings.keep_damaged = !options.strict;
   return settings;
-}
-
-/** Sets the band that is asked for; the filters can be closed from `highest_hz` on at most. */
-void set_band(ConvertSettings& settings, const std::optional<Band>& band, double highest_hz) {
-  if (!band) return;
-  if (band->is_full) {
-    settings.stop_hz = highest_hz;
-    return;
-  }
-  const double narrowest_hz = 0.03 * highest_hz;
-  settings.pass_hz = band->pass_hz;
-  settings.stop_hz = std::min(band->stop_hz == 0 ? 1.6 * band->pass_hz : band->stop_hz, highest_hz);
-  if (settings.stop_hz - settings.pass_hz < narrowest_hz)
-    throw usage("--lowpass", "has to be flat to " + hz_text(narrowest_hz) +
-                                 " below the edge from which it is closed, and closed from " +
-                                 hz_text(highest_hz) + " on, for these rates");
 }
 
 /** Sets the part of a DSD file that is asked for. */
@@ -175,6 +157,21 @@ corvin_container container_for_pcm(const PlannedConversion& planned) {
 }
 
 }  // namespace
+
+void set_band(ConvertSettings& settings, const std::optional<Band>& band, double highest_hz) {
+  if (!band) return;
+  if (band->is_full) {
+    settings.stop_hz = highest_hz;
+    return;
+  }
+  const double narrowest_hz = 0.03 * highest_hz;
+  settings.pass_hz = band->pass_hz;
+  settings.stop_hz = std::min(band->stop_hz == 0 ? 1.6 * band->pass_hz : band->stop_hz, highest_hz);
+  if (settings.stop_hz - settings.pass_hz < narrowest_hz)
+    throw usage("--lowpass", "has to be flat to " + hz_text(narrowest_hz) +
+                                 " below the edge from which it is closed, and closed from " +
+                                 hz_text(highest_hz) + " on, for these rates");
+}
 
 PcmRequest pcm_request(const ConvertOptions& options, const PlannedConversion& planned,
                        const DsdInput& input, const Share& share) {

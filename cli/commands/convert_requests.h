@@ -16,6 +16,12 @@
 
 namespace corvin::cli {
 
+/** Of PCM, in and out. */
+inline constexpr uint32_t kMinPcmRateHz = 8000, kMaxPcmRateHz = 768000;
+
+/** Sets the band that is asked for; the filters can be closed from `highest_hz` on at most. */
+void set_band(ConvertSettings& settings, const std::optional<Band>& band, double highest_hz);
+
 /** What several conversions share. */
 struct Share {
   uint32_t threads = 0;  // for each
