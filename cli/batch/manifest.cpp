@@ -73,6 +73,7 @@ std::optional<Record> record_in(std::string_view line) {
     record.exit = static_cast<ExitCode>(object.at("exit").get<int>());
     record.message = object.value("message", "");
     record.output_bytes = object.value("output_bytes", uint64_t{0});
+    record.sum = object.value("xxh3_128", "");
     return record;
   } catch (const nlohmann::json::exception&) {
     return std::nullopt;
@@ -134,6 +135,13 @@ bool Manifest::read() {
 History Manifest::history_of(const std::string& output) const {
   const auto found = histories_.find(utf8_of(output));
   return found == histories_.end() ? History{} : found->second;
+}
+
+std::vector<std::string> Manifest::outputs() const {
+  std::vector<std::string> outputs;
+  for (const auto& [output, history] : histories_)
+    if (history.made) outputs.push_back(output);
+  return outputs;
 }
 
 void Manifest::append(const Record& record) {

@@ -13,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/words/failure.h"
 
@@ -67,6 +68,9 @@ class Manifest {
 
   /** What was recorded of an output when the file was opened. */
   History history_of(const std::string& output) const;
+
+  /** The outputs that were made, in the order of their names, in UTF-8. */
+  std::vector<std::string> outputs() const;
 
   /** Any thread. Throws Failure. */
   void append(const Record& record);

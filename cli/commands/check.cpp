@@ -5,17 +5,22 @@
 
 #include <CLI/CLI.hpp>
 #include <atomic>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/batch/manifest.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/tell_each.h"
 #include "cli/convert/sound_check.h"
+#include "cli/files/payload.h"
 #include "cli/files/pcm_tags.h"
 #include "cli/words/measures.h"
 #include "cli/words/said.h"
@@ -29,6 +34,7 @@ struct Options {
   TellOptions tell;
   bool decode = false;
   bool strict = false;
+  std::optional<std::string> manifest;
 };
 
 /** Files of all sorts, for the last line. */
@@ -86,12 +92,26 @@ Json list_of(const std::vector<std::string>& sentences) {
   return list;
 }
 
-void look(const Options& options, const Subject& subject, Told& told, Counts& counts) {
+// What is no longer as it was made.
+void compare(const Manifest& manifest, const Subject& subject, SoundCheck& check) {
+  const std::optional<Record> made = manifest.history_of(subject.name).made;
+  if (!made) return;
+  const uint64_t bytes = state_of_file(subject.path).value_or(FileState{}).bytes;
+  if (bytes != made->output_bytes)
+    check.damage.push_back("has " + std::to_string(bytes) + " bytes, and had " +
+                           std::to_string(made->output_bytes) + " when it was made");
+  if (!made->sum.empty() && payload_sum(subject.path) != made->sum)
+    check.damage.emplace_back("its sound is not what was made");
+}
+
+void look(const Options& options, const Manifest* manifest, const Subject& subject, Told& told,
+          Counts& counts) {
   const std::string name = name_on_stdout(subject.name);
   uint32_t rate_hz = 0;
   SoundCheck check;
   try {
     check = check_file(subject, options.decode, rate_hz);
+    if (manifest) compare(*manifest, subject, check);
   } catch (const Failure& failure) {
     ++counts.unreadable;
     told.object["ok"] = false;
@@ -140,10 +160,27 @@ void add_check_command(CLI::App& app, int& exit_code) {
                     "silence, and of bits that are no DSD");
   command->add_flag("--strict", options->strict,
                     "Fail for whatever is odd, not for damage alone, with exit code 3");
+  command->get_option("FILE")->required(false);
+  command
+      ->add_option(
+          "--manifest", options->manifest,
+          "Check the outputs that a manifest of corvin convert lists, and that they are as "
+          "they were made")
+      ->type_name("FILE");
   command->callback([options, &exit_code] {
+    std::optional<Manifest> manifest;
+    if (options->manifest) {
+      if (!state_of_file(*options->manifest))
+        throw Failure(kBadInput, *options->manifest, std::strerror(errno));
+      manifest.emplace(*options->manifest, true);
+      for (const std::string& output : manifest->outputs()) options->tell.paths.push_back(output);
+    }
+    if (options->tell.paths.empty())
+      throw manifest ? Failure(kBadInput, *options->manifest, "lists no output")
+                     : Failure(kUsage, "FILE", "is required, or --manifest");
     Counts counts;
     exit_code = tell_each(options->tell, [&](const Subject& subject, Told& told) {
-      look(*options, subject, told, counts);
+      look(*options, manifest ? &*manifest : nullptr, subject, told, counts);
     });
     if (!options->tell.as_json) std::fputs(summary(counts).c_str(), stdout);
   });

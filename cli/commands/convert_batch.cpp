@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "cli/batch/sidecars.h"
-#include "cli/files/dsd_input.h"
 #include "cli/files/path_parts.h"
 #include "cli/files/payload.h"
 #include "cli/words/said.h"
@@ -25,25 +24,6 @@ namespace {
 bool exists(const std::string& path) {
   struct stat status;
   return lstat(path.c_str(), &status) == 0;
-}
-
-// As corvin hash has it; empty for what went into a pipe.
-std::string payload_sum(const std::string& path) {
-  std::error_code ignored;
-  if (path == "-" || !std::filesystem::is_regular_file(path, ignored)) return "";
-  PayloadHash sum;
-  const auto take = [&](std::span<const uint8_t> bytes, uint64_t) { sum.add(bytes); };
-  if (auto dsd = DsdInput::open(path)) {
-    try {
-      read_payload(dsd->file(), take);
-    } catch (const Error& error) {
-      throw Failure(kBadInput, path, error.what());
-    }
-  } else {
-    PcmInput pcm(path);
-    read_payload(pcm, {.is_float = pcm.is_float(), .bits = static_cast<int>(pcm.bits())}, take);
-  }
-  return digits_of(sum.value());
 }
 
 Record record_of(const ConvertOptions& options, const PlannedConversion& planned) {
@@ -118,7 +98,9 @@ void run_recorded(const ConvertOptions& options, Manifest& manifest, const Recor
       Record& record = records[i];
       record.exit = held.is_damage_noted() ? kDamage : kDone;
       record.output_bytes = state_of_file(record.output).value_or(FileState{}).bytes;
-      record.sum = payload_sum(record.output);
+      std::error_code ignored;
+      if (std::filesystem::is_regular_file(record.output, ignored))
+        record.sum = payload_sum(record.output);
       record.gain_db = options.gain ? options.gain->db.value_or(work.gains_db[i]) : 0;
       record.peak = converted[i].peak;
       record.clips = converted[i].clips;

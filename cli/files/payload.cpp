@@ -8,6 +8,7 @@
 #include <new>
 #include <vector>
 
+#include "cli/files/dsd_input.h"
 #include "cli/files/packed_samples.h"
 
 namespace corvin::cli {
@@ -80,6 +81,22 @@ uint64_t read_payload(File& file, const TakePayload& take) {
 uint64_t read_payload(PcmInput& input, const PcmPayload& form, const TakePayload& take) {
   return form.is_float ? read_samples<double>(input, form, take)
                        : read_samples<int>(input, form, take);
+}
+
+std::string payload_sum(const std::string& path) {
+  PayloadHash sum;
+  const auto take = [&](std::span<const uint8_t> bytes, uint64_t) { sum.add(bytes); };
+  if (auto dsd = DsdInput::open(path)) {
+    try {
+      read_payload(dsd->file(), take);
+    } catch (const Error& error) {
+      throw Failure(kBadInput, path, error.what());
+    }
+  } else {
+    PcmInput pcm(path);
+    read_payload(pcm, {.is_float = pcm.is_float(), .bits = static_cast<int>(pcm.bits())}, take);
+  }
+  return digits_of(sum.value());
 }
 
 }  // namespace corvin::cli

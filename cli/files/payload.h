@@ -56,6 +56,9 @@ struct PcmPayload {
  *  @return  frames. Throws Failure */
 uint64_t read_payload(PcmInput& input, const PcmPayload& form, const TakePayload& take);
 
+/** The sum of a file's payload, as digits. Throws Failure. */
+std::string payload_sum(const std::string& path);
+
 }  // namespace corvin::cli
 
 #endif  // CORVIN_CLI_FILES_PAYLOAD_H_

@@ -47,6 +47,8 @@ for i in 1 2; do corvin convert -R m -O parts --shard $i/2 --dry-run --gain auto
 for i in 1 2; do corvin convert -R m -O parts --shard $i/2 --dry-run --gapless; done
 for i in 1 2; do corvin convert -q -R m -O parts --shard $i/2 -j 1; done
 diff <(cd parts && find . -type f -exec cksum {} + | sort) <(cd out/m && find . -name '*.flac' -exec cksum {} + | sort)
+seq 2 | parallel --will-cite -j 2 corvin convert -q -R m -O parallel --shard {}/2 --manifest {}.jsonl
+diff <(cd parts && find . -type f -exec cksum {} + | sort) <(cd parallel && find . -type f -exec cksum {} + | sort)
 task() { env SLURM_ARRAY_TASK_ID=$1 SLURM_ARRAY_TASK_MIN=3 SLURM_ARRAY_TASK_COUNT=2 SLURM_ARRAY_TASK_STEP=2 "${@:2}"; }
 for id in 3 5; do task $id corvin convert -R m -O slurm --shard auto --dry-run; done
 try task 4 corvin convert -R m --shard auto

@@ -24,6 +24,17 @@ try run
 records done.jsonl
 corvin hash out/a.flac | cut -c1-40
 
+# What a manifest lists is checked by size and by sum.
+try corvin check --manifest done.jsonl
+cp -r out altered
+cp out/a.flac out/b.flac
+rm out/d.flac
+try corvin check --manifest done.jsonl
+try corvin check --manifest missing.jsonl
+try corvin check --manifest m/c.dsf
+try corvin check
+rm -r out && mv altered out
+
 # What failed, what has been altered, and what is gone is made again; the rest is not.
 make_dsd dsf m/c.dsf 0.01
 rm out/a.flac
