@@ -50,15 +50,15 @@ need() {
       apt-get -q -y --no-install-recommends install "${missing[@]}"
 }
 
-# build PRESET
+# build PRESET [TARGET]
 build() {
-  local started=$SECONDS
+  local started=$SECONDS target=${2:-all}
   quietly "$root/build/configure-$1.log" cmake -S "$root" --preset "$1" || return
   if [ -t 2 ]; then
-    cmake --build "$root/build/$1" >&2 || return
+    cmake --build "$root/build/$1" --target "$target" >&2 || return
   else
     say "Building ($1)"
-    quietly "$root/build/build-$1.log" cmake --build "$root/build/$1" || return
+    quietly "$root/build/build-$1.log" cmake --build "$root/build/$1" --target "$target" || return
   fi
   say "Built $1 in $((SECONDS - started)) s"
 }
